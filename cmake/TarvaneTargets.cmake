@@ -1,0 +1,47 @@
+# One way to declare the project's libraries, programs and tests, so that warnings, sanitizers
+# and include paths are the same everywhere.
+
+# Ours: includes are written from the repository root and every warning counts.
+function(tarvane_target_defaults target)
+  target_include_directories(${target} PUBLIC "${PROJECT_SOURCE_DIR}")
+  target_compile_options(${target} PRIVATE -Wall -Wextra)
+  if(TARVANE_SANITIZE)
+    target_compile_options(${target} PRIVATE -fsanitize=${TARVANE_SANITIZE} -fno-omit-frame-pointer)
+    target_link_options(${target} PUBLIC -fsanitize=${TARVANE_SANITIZE})
+  endif()
+endfunction()
+
+# tarvane_add_library(<target> <Alias> SOURCES ... [LINK ...])
+# A static library, known to others as TarvaneLink::<Alias>. A product library links the
+# platform's headers only: each program and test chooses the platform that stands behind them.
+function(tarvane_add_library target alias)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${target} STATIC ${arg_SOURCES})
+  add_library(TarvaneLink::${alias} ALIAS ${target})
+  tarvane_target_defaults(${target})
+  target_link_libraries(${target} PUBLIC ${arg_LINK})
+endfunction()
+
+# tarvane_add_program(<target> SOURCES ... [LINK ...])
+function(tarvane_add_program target)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
+  add_executable(${target} ${arg_SOURCES})
+  tarvane_target_defaults(${target})
+  target_link_libraries(${target} PRIVATE ${arg_LINK})
+endfunction()
+
+# tarvane_add_test(<target> SOURCES ... [LINK ...] [TIMEOUT seconds] [NO_MAIN])
+# A GoogleTest program; CTest discovers its cases. NO_MAIN: the sources bring their own main().
+function(tarvane_add_test target)
+  cmake_parse_arguments(arg "NO_MAIN" "TIMEOUT" "SOURCES;LINK" ${ARGN})
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 120)
+  endif()
+  tarvane_add_program(${target} SOURCES ${arg_SOURCES} LINK ${arg_LINK})
+  if(arg_NO_MAIN)
+    target_link_libraries(${target} PRIVATE GTest::gmock)
+  else()
+    target_link_libraries(${target} PRIVATE GTest::gmock GTest::gmock_main)
+  endif()
+  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT ${arg_TIMEOUT})
+endfunction()

@@ -1,0 +1,2 @@
+#pragma once
+typedef const struct __CFString* CFStringRef;
