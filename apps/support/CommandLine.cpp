@@ -1,0 +1,63 @@
+#include "apps/support/CommandLine.h"
+
+#include <algorithm>
+#include <iostream>
+
+namespace Tarvane
+{
+namespace
+{
+
+std::string InOneLine(std::string strText)
+{
+    while (!strText.empty() && strText.back() == '\n')
+    {
+        strText.pop_back();
+    }
+    std::replace(strText.begin(), strText.end(), '\n', ' ');
+    return strText;
+}
+
+int Complain(const CLI::App& app, const std::string& strText, int nCode)
+{
+    std::cerr << app.get_name() << ": " << InOneLine(strText) << std::endl;
+    return nCode;
+}
+
+} // namespace
+
+void AddCommonOptions(CLI::App& app, const std::string& strFailed)
+{
+    app.set_version_flag("--version", app.get_name() + " " TARVANE_VERSION);
+    app.footer("Exit codes: 0 done, 1 " + strFailed + ", 2 wrong use or unusable input.");
+}
+
+int RunProgram(CLI::App& app, int argc, char** argv, const std::function<int()>& body)
+{
+    try
+    {
+        app.parse(argc, argv);
+        return body();
+    }
+    catch (const CLI::ParseError& error)
+    {
+        if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success))
+        {
+            return app.exit(error);
+        }
+        return Complain(app,
+                        InOneLine(error.what()) + " - see " + app.get_name() +
+                            " --help for what it takes.",
+                        kExitUsage);
+    }
+    catch (const CUsageError& error)
+    {
+        return Complain(app, error.what(), kExitUsage);
+    }
+    catch (const std::exception& error)
+    {
+        return Complain(app, error.what(), kExitFailed);
+    }
+}
+
+} // namespace Tarvane

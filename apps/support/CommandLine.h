@@ -1,0 +1,37 @@
+// What the programs' command lines have in common: exit codes, --version, and one clear line for
+// every way in which a program can be used wrongly.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+namespace Tarvane
+{
+
+enum ExitCode : int
+{
+    kExitDone = 0,   // what was asked for has been done
+    kExitFailed = 1, // it was tried, and did not come out as asked
+    kExitUsage = 2,  // wrong use, or input that cannot be used; nothing was begun
+};
+
+// Wrong use or unusable input. The text is one line that says what to do; RunProgram prints it.
+class CUsageError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Adds --version, and to --help what the exit codes mean. szFailed completes the sentence of exit
+// code 1, "some capture was not delivered" for instance.
+void AddCommonOptions(CLI::App& app, const std::string& strFailed);
+
+// Parses, runs the body and turns what leaves it into an exit code: help and version 0, a parse
+// error or CUsageError kExitUsage, any other exception kExitFailed. Every failure is one line on
+// the standard error stream that begins with the program's name. Nothing is thrown.
+int RunProgram(CLI::App& app, int argc, char** argv, const std::function<int()>& body);
+
+} // namespace Tarvane
