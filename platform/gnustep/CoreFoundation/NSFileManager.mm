@@ -1,0 +1,27 @@
+#import <Foundation/Foundation.h>
+
+#include <cerrno>
+#include <cstring>
+
+@implementation NSFileManager (TarvanePlatform)
+
+- (BOOL)setAttributes:(NSDictionary*)attributes ofItemAtPath:(NSString*)path error:(NSError**)error
+{
+    // GNUstep would call it a success to set nothing that it knows on nothing that exists.
+    if ([self attributesOfItemAtPath:path error:error] == nil)
+        return NO;
+    errno = 0;
+    if ([self changeFileAttributes:attributes atPath:path])
+        return YES;
+    if (error != nullptr)
+    {
+        const int code = errno;
+        NSString* text = [NSString stringWithUTF8String:std::strerror(code)];
+        NSDictionary* info = [NSDictionary dictionaryWithObject:text
+                                                         forKey:NSLocalizedDescriptionKey];
+        *error = [NSError errorWithDomain:NSPOSIXErrorDomain code:code userInfo:info];
+    }
+    return NO;
+}
+
+@end
