@@ -5,6 +5,8 @@
 function(tarvane_target_defaults target)
   target_include_directories(${target} PUBLIC "${PROJECT_SOURCE_DIR}")
   target_compile_options(${target} PRIVATE -Wall -Wextra)
+  # CMake gives programs that it links as Objective-C++ no path to the shared libraries.
+  set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
   if(TARVANE_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${TARVANE_SANITIZE}
       -fno-sanitize-recover=all -fno-omit-frame-pointer)
