@@ -1,0 +1,135 @@
+#include "utils/ParameterBlock.h"
+#include "utils/ParameterFormat.h"
+#include "utils/ParameterPool.h"
+#include "utils/ParameterWalk.h"
+
+#include <memory>
+
+using namespace ParameterFormat;
+
+namespace
+{
+template <class Parameter> CParameter* CopyValue(CParameterPool& pool, const CParameter& source)
+{
+    auto* pCopy = pool.Make<Parameter>();
+    pCopy->m_strName = source.m_strName;
+    ValueOf(*pCopy) = ValueOf(static_cast<const Parameter&>(source));
+    return pCopy;
+}
+
+/// Name and token alone; what it holds follows.
+CParameter* CopyEmptyBlock(CParameterPool& pool, const CParameter& source)
+{
+    auto* pCopy = pool.Make<CParameterBlock>();
+    pCopy->m_strName = source.m_strName;
+    pCopy->m_nToken = source.m_nToken;
+    return pCopy;
+}
+
+CParameter* CopyEntry(CParameterPool& pool, const CParameter* pSource)
+{
+    if (!pSource)
+        return nullptr;
+    switch (pSource->m_nType)
+    {
+    case CStringParameter::kType:
+        return CopyValue<CStringParameter>(pool, *pSource);
+    case CIntParameter::kType:
+        return CopyValue<CIntParameter>(pool, *pSource);
+    case CDoubleParameter::kType:
+        return CopyValue<CDoubleParameter>(pool, *pSource);
+    case CUInt64Parameter::kType:
+        return CopyValue<CUInt64Parameter>(pool, *pSource);
+    case CFileIdTypeParameter::kType:
+        return CopyValue<CFileIdTypeParameter>(pool, *pSource);
+    case CParameterBlock::kType:
+        return CopyEmptyBlock(pool, *pSource);
+    case CBoolParameter::kType:
+        return CopyValue<CBoolParameter>(pool, *pSource);
+    case CFloatParameter::kType:
+        return CopyValue<CFloatParameter>(pool, *pSource);
+    case CSInt64Parameter::kType:
+        return CopyValue<CSInt64Parameter>(pool, *pSource);
+    default:
+        return nullptr;
+    }
+}
+/// Copies one entry with all that lies below it.
+class CTreeCopier
+{
+public:
+    std::unique_ptr<CParameter> Copy(const CParameter* pSource)
+    {
+        std::unique_ptr<CParameter> pCopy(CopyEntry(m_pool, pSource));
+        if (pCopy && IsBlock(*pCopy))
+            CopyContents(static_cast<const CParameterBlock&>(*pSource),
+                         static_cast<CParameterBlock&>(*pCopy));
+        return pCopy;
+    }
+
+private:
+    /// What is still to be copied of a block, and where to.
+    struct Rest
+    {
+        CParameter* const* pNext;
+        CParameter* const* pEnd;
+        CParameterBlock::Parameters* pTarget;
+    };
+
+    static Rest Begin(const CParameterBlock& source, CParameterBlock& target)
+    {
+        const auto& entries = source.m_vParameters;
+        target.m_vParameters.reserve(entries.size());
+        return {entries.data(), entries.data() + entries.size(), &target.m_vParameters};
+    }
+
+    void CopyContents(const CParameterBlock& source, CParameterBlock& target)
+    {
+        m_waiting.clear();
+        Rest rest = Begin(source, target);
+        for (;;)
+        {
+            if (rest.pNext == rest.pEnd)
+            {
+                if (m_waiting.empty())
+                    return;
+                rest = m_waiting.back();
+                m_waiting.pop_back();
+                continue;
+            }
+            const CParameter* pEntry = *rest.pNext++;
+            CParameter* pCopy = CopyEntry(m_pool, pEntry);
+            if (!pCopy)
+                continue;
+            rest.pTarget->push_back(pCopy); // Begin has made room.
+            if (!IsBlock(*pCopy))
+                continue;
+            if (rest.pNext != rest.pEnd)
+                m_waiting.push_back(rest);
+            rest = Begin(static_cast<const CParameterBlock&>(*pEntry),
+                         static_cast<CParameterBlock&>(*pCopy));
+        }
+    }
+
+    CParameterPool m_pool;
+    std::vector<Rest> m_waiting;
+};
+} // namespace
+
+void CParameterBlock::CopyParameters(const CParameterBlock* pSource)
+{
+    // The old contents go last, for the source may be among them. A block copied onto itself finds
+    // nothing to copy.
+    CParameterBlock old;
+    old.m_vParameters.swap(m_vParameters);
+    if (!pSource)
+        return;
+
+    CTreeCopier copier;
+    m_vParameters.reserve(pSource->m_vParameters.size());
+    // This block may lie inside the source. Each copy is complete before it is appended, so that
+    // the walk through the source never meets the copy that it is making.
+    for (const CParameter* pEntry : pSource->m_vParameters)
+        if (auto pCopy = copier.Copy(pEntry))
+            m_vParameters.push_back(pCopy.release());
+}
