@@ -1,0 +1,245 @@
+#include "platform/gnustep/AppleEvents/Receiver.h"
+
+#include "platform/gnustep/AppleEvents/Status.h"
+#include "platform/gnustep/AppleEvents/Wire.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+
+#include <poll.h>
+
+namespace AppleEvents
+{
+namespace
+{
+
+constexpr std::uint64_t kOpeningMicroseconds = 10'000'000;
+constexpr std::uint64_t kFirstReconnectMicroseconds = 50'000;
+constexpr std::uint64_t kLastReconnectMicroseconds = 1'000'000;
+
+// So that a flood of events leaves room for the rest of the application.
+constexpr int kMessagesAPass = 16;
+
+// What RequestName answers.
+constexpr std::uint32_t kPrimaryOwner = 1;
+constexpr std::uint32_t kAlreadyOwner = 4;
+
+OSErr ReadRequest(sd_bus_message* message, EventStorage& event)
+{
+    std::uint32_t eventClass = 0, eventID = 0;
+    const int result = sd_bus_message_read(message, "uu", &eventClass, &eventID);
+    if (result < 0)
+        return StatusForErrno(result);
+    event.eventClass = eventClass;
+    event.eventID = eventID;
+    return ReadParameters(message, event.parameters);
+}
+
+void Reply(sd_bus_message* request, OSErr status, const Parameters& answer)
+{
+    sd_bus_message* created = nullptr;
+    int result = sd_bus_message_new_method_return(request, &created);
+    const MessageRef reply(created);
+    if (result >= 0)
+        result = sd_bus_message_append(created, "n", int(status));
+    if (result >= 0)
+        result = AppendParameters(created, answer);
+    if (result >= 0)
+        result = sd_bus_send(sd_bus_message_get_bus(request), created, nullptr);
+    // A sender or a bus that has gone is no news to anybody.
+    if (result < 0 && !MeansLost(result))
+        std::fprintf(stderr, "Apple events: a reply could not be sent (%d)\n", result);
+}
+
+} // namespace
+
+const sd_bus_vtable Receiver::kMethods[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_METHOD(kSendMember, kRequestTypes, kReplyTypes, Receiver::KeepRequest,
+                  SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_VTABLE_END,
+};
+
+OSErr Receiver::Open(OSType signature)
+{
+    m_name = BusNameForSignature(signature);
+    OSErr status = Connect();
+    if (status == noErr)
+    {
+        const Wait wait = ProcessUntil(m_bus.get(), Deadline::After(kOpeningMicroseconds),
+                                       [this]
+                                       {
+                                           ServeRequest();
+                                           return m_ownership != Ownership::Asked;
+                                       });
+        status = StatusOfOpening(wait);
+    }
+    if (status == noErr)
+        WatchConnection();
+    else
+        Close();
+    return status;
+}
+
+void Receiver::Close()
+{
+    Disconnect();
+    m_watch.CancelWake();
+    m_name.clear();
+}
+
+OSErr Receiver::Connect()
+{
+    m_ownership = Ownership::Asked;
+    if (const OSErr status = StartConnection(m_bus))
+        return status;
+    sd_bus_slot* slot = nullptr;
+    int result =
+        sd_bus_add_object_vtable(m_bus.get(), &slot, kObjectPath, kInterface, kMethods, this);
+    m_object.reset(slot);
+    if (result >= 0)
+    {
+        slot = nullptr;
+        result =
+            sd_bus_request_name_async(m_bus.get(), &slot, m_name.c_str(), 0, NoteOwnership, this);
+        m_question.reset(slot);
+    }
+    if (result >= 0)
+        return noErr;
+    Disconnect();
+    return StatusForErrno(result);
+}
+
+void Receiver::Disconnect()
+{
+    m_watch.Release();
+    m_request.reset();
+    m_question.reset();
+    m_object.reset();
+    m_bus.reset();
+}
+
+OSErr Receiver::StatusOfOpening(Wait wait) const
+{
+    if (wait == Wait::TimedOut)
+        return errAETimeout;
+    if (wait == Wait::Lost)
+        return procNotFound;
+    switch (m_ownership)
+    {
+    case Ownership::Owner:
+        return noErr;
+    case Ownership::Taken:
+        return errAEDuplicateHandler;
+    default:
+        return errAEEventNotPermitted;
+    }
+}
+
+void Receiver::Wake()
+{
+    if (!IsOpen())
+        return;
+    if (!m_bus && Connect() != noErr)
+        ReconnectLater();
+    else
+        Process();
+}
+
+void Receiver::Process()
+{
+    // A handler may close the receiver, and may run the run loop and so come back in here: what is
+    // at hand is looked at anew after each.
+    for (int i = 0; i < kMessagesAPass && m_bus; i++)
+    {
+        const int processed = sd_bus_process(m_bus.get(), nullptr);
+        if (processed < 0 || m_ownership == Ownership::Taken || m_ownership == Ownership::Refused)
+        {
+            ReconnectLater();
+            return;
+        }
+        // Before the handler, so that a run loop within it serves the next event.
+        WatchConnection();
+        if (processed == 0)
+            return;
+        ServeRequest();
+    }
+    WatchConnection();
+}
+
+void Receiver::ReconnectLater()
+{
+    Disconnect();
+    m_nReconnectDelay =
+        std::clamp(2 * m_nReconnectDelay, kFirstReconnectMicroseconds, kLastReconnectMicroseconds);
+    m_watch.WakeAfter(m_nReconnectDelay);
+}
+
+void Receiver::WatchConnection()
+{
+    if (!m_bus)
+        return;
+    const int events = sd_bus_get_events(m_bus.get());
+    std::uint64_t instant = kForever;
+    if (events < 0 || sd_bus_get_timeout(m_bus.get(), &instant) < 0)
+    {
+        ReconnectLater();
+        return;
+    }
+    m_watch.Watch(sd_bus_get_fd(m_bus.get()), events & POLLIN, events & POLLOUT);
+    const std::uint64_t now = MonotonicMicroseconds();
+    if (instant == kForever)
+        m_watch.CancelWake();
+    else
+        m_watch.WakeAfter(instant > now ? instant - now : 0);
+}
+
+void Receiver::ServeRequest()
+{
+    if (!m_request)
+        return;
+    const MessageRef request = std::move(m_request);
+    const bool fWantsReply = sd_bus_message_get_expect_reply(request.get()) > 0;
+    Parameters answer;
+    const OSErr status = WithoutExceptions(
+        [&]
+        {
+            EventStorage event;
+            const OSErr readable = ReadRequest(request.get(), event);
+            return readable == noErr
+                       ? m_handlers.Run(std::move(event), fWantsReply ? &answer : nullptr)
+                       : readable;
+        });
+    if (!fWantsReply)
+        return;
+    if (FitsInMessage(answer))
+        Reply(request.get(), status, answer);
+    else
+        Reply(request.get(), bufferIsSmall, Parameters());
+}
+
+int Receiver::KeepRequest(sd_bus_message* message, void* receiver, sd_bus_error*)
+{
+    // The handler runs outside sd_bus_process, which does not let itself be called from within.
+    static_cast<Receiver*>(receiver)->m_request.reset(sd_bus_message_ref(message));
+    return 1;
+}
+
+int Receiver::NoteOwnership(sd_bus_message* message, void* userdata, sd_bus_error*)
+{
+    auto* const receiver = static_cast<Receiver*>(userdata);
+    std::uint32_t answer = 0;
+    if (sd_bus_message_is_method_error(message, nullptr) > 0 ||
+        sd_bus_message_read(message, "u", &answer) < 0)
+        receiver->m_ownership = Ownership::Refused;
+    else if (answer == kPrimaryOwner || answer == kAlreadyOwner)
+        receiver->m_ownership = Ownership::Owner;
+    else
+        receiver->m_ownership = Ownership::Taken;
+    if (receiver->m_ownership == Ownership::Owner)
+        receiver->m_nReconnectDelay = 0;
+    return 1;
+}
+
+} // namespace AppleEvents

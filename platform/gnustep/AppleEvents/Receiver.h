@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/gnustep/AppleEvents/Bus.h"
+#include "platform/gnustep/AppleEvents/Handlers.h"
+#include "platform/gnustep/AppleEvents/RunLoopWatch.h"
+
+#include <string>
+
+namespace AppleEvents
+{
+
+// Owns the bus name of one signature and hands what is sent to it to the handlers, from the run
+// loop of the main thread. When the bus goes, it comes back with the bus.
+class Receiver : private RunLoopClient
+{
+public:
+    explicit Receiver(const Handlers& handlers) : m_handlers(handlers), m_watch(*this) {}
+
+    bool IsOpen() const { return !m_name.empty(); }
+
+    // Connects and waits until the name is the process's own, or for the reason why it is not.
+    OSErr Open(OSType signature);
+    void Close();
+
+private:
+    enum class Ownership
+    {
+        Asked,
+        Owner,
+        Taken,
+        Refused
+    };
+
+    // Starts a connection, with everything queued that makes it a receiver's.
+    OSErr Connect();
+    void Disconnect();
+    OSErr StatusOfOpening(Wait wait) const;
+
+    void Wake() override;
+    void Process();
+    void ReconnectLater();
+    void WatchConnection();
+    void ServeRequest();
+
+    static int KeepRequest(sd_bus_message* message, void* receiver, sd_bus_error* error);
+    static int NoteOwnership(sd_bus_message* message, void* receiver, sd_bus_error* error);
+    static const sd_bus_vtable kMethods[];
+
+    const Handlers& m_handlers;
+    RunLoopWatch m_watch;
+    std::string m_name;
+    BusRef m_bus;
+    SlotRef m_object;
+    SlotRef m_question;
+    MessageRef m_request;
+    Ownership m_ownership = Ownership::Asked;
+    std::uint64_t m_nReconnectDelay = 0;
+};
+
+} // namespace AppleEvents

@@ -1,0 +1,170 @@
+// A process that receives the events of TestReceiver.h. Its only argument is the signature, four
+// characters. It prints "ready" once it owns the name; otherwise the status, and ends with 3.
+
+#include "tests/platform/AppleEvents/TestReceiver.h"
+
+#include <TarvanePlatform/Application.h>
+
+#import <Foundation/Foundation.h>
+
+#include <cstdio>
+#include <cstring>
+#include <stdexcept>
+#include <vector>
+
+#include <unistd.h>
+
+using namespace TestReceiver;
+
+namespace
+{
+
+SInt32 g_nHandled = 0;
+SInt32 g_nPasses = 0;
+NSString* g_strMode = nil;
+
+std::vector<unsigned char> Bytes(const AppleEvent* event, AEKeyword key, DescType& type)
+{
+    Size size = 0;
+    AESizeOfParam(event, key, &type, &size);
+    std::vector<unsigned char> bytes(size);
+    AEGetParamPtr(event, key, typeWildCard, nullptr, bytes.data(), size, nullptr);
+    return bytes;
+}
+
+template <typename Number> Number Value(const AppleEvent* event)
+{
+    Number value{};
+    AEGetParamPtr(event, keyDirectObject, typeWildCard, nullptr, &value, sizeof value, nullptr);
+    return value;
+}
+
+OSErr Answer(AppleEvent* reply, SInt32 value)
+{
+    return AEPutParamPtr(reply, keyDirectObject, typeSInt32, &value, sizeof value);
+}
+
+OSErr Echo(const AppleEvent* event, AppleEvent* reply)
+{
+    for (const AEKeyword key : {AEKeyword('Aaaa'), AEKeyword('Bbbb'), AEKeyword(keyDirectObject)})
+    {
+        DescType type = 0;
+        if (AESizeOfParam(event, key, nullptr, nullptr) == errAEDescNotFound)
+            continue;
+        const std::vector<unsigned char> bytes = Bytes(event, key, type);
+        if (const OSErr status = AEPutParamPtr(reply, key, type, bytes.data(), bytes.size()))
+            return status;
+    }
+    return noErr;
+}
+
+OSErr Nest(AppleEvent* reply)
+{
+    const SInt32 nBefore = g_nHandled;
+    while (g_nHandled == nBefore)
+        [[NSRunLoop currentRunLoop] runMode:g_strMode beforeDate:[NSDate distantFuture]];
+    return Answer(reply, g_nHandled - nBefore);
+}
+
+void ChangeMode(const AppleEvent* event)
+{
+    DescType type = 0;
+    const std::vector<unsigned char> name = Bytes(event, keyDirectObject, type);
+    [g_strMode release];
+    g_strMode = [[NSString alloc] initWithBytes:name.data()
+                                         length:name.size()
+                                       encoding:NSUTF8StringEncoding];
+}
+
+OSErr EchoHandler(const AppleEvent* event, AppleEvent* reply, void*)
+{
+    g_nHandled++;
+    return Echo(event, reply);
+}
+
+OSErr Handle(const AppleEvent* event, AppleEvent* reply, void*)
+{
+    AEEventID eventID = 0;
+    AEGetAttributePtr(event, keyEventIDAttr, typeType, nullptr, &eventID, sizeof eventID, nullptr);
+    const SInt32 nBefore = g_nHandled++;
+    switch (eventID)
+    {
+    case kFail:
+        Answer(reply, 1);
+        return Value<SInt16>(event);
+    case kSlow:
+        usleep(useconds_t(Value<SInt32>(event)) * 1000);
+        return Echo(event, reply);
+    case kBulk:
+    {
+        const std::vector<unsigned char> bytes(Value<SInt32>(event), 'b');
+        return AEPutParamPtr(reply, keyDirectObject, typeChar, bytes.data(), bytes.size());
+    }
+    case kDie:
+        _exit(9);
+    case kCount:
+        return Answer(reply, nBefore);
+    case kThrow:
+        throw std::runtime_error("thrown by a test");
+    case kThrowInt:
+        throw 5;
+    case kRaise:
+        [NSException raise:NSGenericException format:@"raised by a test"];
+        return noErr;
+    case kNest:
+        return Nest(reply);
+    case kMode:
+        ChangeMode(event);
+        return noErr;
+    case kRemove:
+        return AERemoveEventHandler(kClass, kEcho, nullptr, false);
+    case kSpin:
+        return Answer(reply, g_nPasses);
+    default:
+        return errAEEventNotHandled;
+    }
+}
+
+OSErr InstallAll()
+{
+    OSErr status = AEInstallEventHandler(kClass, kEcho, EchoHandler, nullptr, false);
+    for (const AEEventID eventID : {kFail, kSlow, kBulk, kDie, kCount, kThrow, kThrowInt, kRaise,
+                                    kNest, kMode, kRemove, kSpin})
+        if (status == noErr)
+            status = AEInstallEventHandler(kClass, eventID, NewAEEventHandlerUPP(Handle), nullptr,
+                                           false);
+    return status;
+}
+
+OSType SignatureOf(const char* text)
+{
+    OSType signature = 0;
+    for (int i = 0; i < 4 && text[i]; i++)
+        signature = signature << 8 | static_cast<unsigned char>(text[i]);
+    return signature;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 2)
+        return 2;
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    g_strMode = [NSDefaultRunLoopMode retain];
+    TarvaneSetApplicationSignature(SignatureOf(argv[1]));
+    const OSErr status = InstallAll();
+    std::printf(status == noErr ? "ready\n" : "%d\n", status);
+    std::fflush(stdout);
+    if (status != noErr)
+        return 3;
+    for (;;)
+    {
+        NSAutoreleasePool* const passPool = [[NSAutoreleasePool alloc] init];
+        g_nPasses++;
+        [[NSRunLoop currentRunLoop] runMode:g_strMode beforeDate:[NSDate distantFuture]];
+        [passPool drain];
+    }
+    [pool drain];
+    return 0;
+}
