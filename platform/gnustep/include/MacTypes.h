@@ -34,10 +34,7 @@ using Ptr = char*;
 using UniChar = UInt16;
 using UniCharCount = unsigned long;
 
-enum : OSErr
-{
-    noErr = 0,
-    userCanceledErr = -128,
-    memFullErr = -108,
-    paramErr = -50,
-};
+inline constexpr OSErr noErr = 0;
+inline constexpr OSErr userCanceledErr = -128;
+inline constexpr OSErr memFullErr = -108;
+inline constexpr OSErr paramErr = -50;

@@ -5,3 +5,4 @@
 #include <CoreFoundation/CFData.h>
 #include <CoreFoundation/CFRunLoop.h>
 #include <CoreFoundation/CFString.h>
+#include <CoreFoundation/CFURL.h>
