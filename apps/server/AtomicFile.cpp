@@ -1,0 +1,131 @@
+#include "apps/server/AtomicFile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace Tarvane::Server
+{
+
+namespace
+{
+
+[[noreturn]] void Fail(const char* szWhat, const std::filesystem::path& path, int nError = errno)
+{
+    throw std::system_error(nError, std::generic_category(), szWhat + path.string());
+}
+
+class CDescriptor
+{
+public:
+    CDescriptor(const std::filesystem::path& path, int nFlags, mode_t nMode = 0)
+        : m_nFile(open(path.c_str(), nFlags | O_CLOEXEC, nMode))
+    {
+        if (m_nFile < 0)
+            Fail("cannot open ", path);
+    }
+    ~CDescriptor() { close(m_nFile); }
+    CDescriptor(const CDescriptor&) = delete;
+    CDescriptor& operator=(const CDescriptor&) = delete;
+
+    int Get() const { return m_nFile; }
+
+private:
+    int m_nFile;
+};
+
+void WriteAll(int nFile, std::string_view bytes, const std::filesystem::path& path)
+{
+    while (!bytes.empty())
+    {
+        const ssize_t nWritten = write(nFile, bytes.data(), bytes.size());
+        if (nWritten < 0 && errno != EINTR)
+            Fail("cannot write ", path);
+        if (nWritten > 0)
+            bytes.remove_prefix(static_cast<std::size_t>(nWritten));
+    }
+}
+
+void SyncFolder(const std::filesystem::path& folder)
+{
+    const CDescriptor descriptor(folder, O_RDONLY | O_DIRECTORY);
+    if (fsync(descriptor.Get()) != 0)
+        Fail("cannot sync ", folder);
+}
+
+void WriteSynced(const std::filesystem::path& path, std::string_view bytes, mode_t nMode)
+{
+    const CDescriptor descriptor(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, nMode);
+    WriteAll(descriptor.Get(), bytes, path);
+    if (fchmod(descriptor.Get(), nMode) != 0)
+        Fail("cannot set the permissions of ", path);
+    if (fsync(descriptor.Get()) != 0)
+        Fail("cannot sync ", path);
+}
+
+// Permissions for the new content; a file that its owner protects against writing is not replaced.
+mode_t ModeFor(const std::filesystem::path& file)
+{
+    struct stat status;
+    if (stat(file.c_str(), &status) != 0)
+    {
+        if (errno != ENOENT)
+            Fail("cannot look at ", file);
+        return 0644;
+    }
+    if (access(file.c_str(), W_OK) != 0)
+        Fail("cannot write ", file);
+    return status.st_mode & 0777;
+}
+
+} // namespace
+
+void ReplaceFile(const std::filesystem::path& file, std::string_view bytes)
+{
+    std::filesystem::path neighbour = file;
+    neighbour += ".saving";
+    try
+    {
+        WriteSynced(neighbour, bytes, ModeFor(file));
+        if (rename(neighbour.c_str(), file.c_str()) != 0)
+            Fail("cannot replace ", file);
+    }
+    catch (const std::system_error&)
+    {
+        unlink(neighbour.c_str());
+        throw;
+    }
+    SyncFolder(file.parent_path().empty() ? "." : file.parent_path());
+}
+
+std::string ReadFile(const std::filesystem::path& file, std::size_t nLargest)
+{
+    const CDescriptor descriptor(file, O_RDONLY | O_NONBLOCK);
+    struct stat status;
+    if (fstat(descriptor.Get(), &status) != 0)
+        Fail("cannot look at ", file);
+    if (!S_ISREG(status.st_mode))
+        Fail("this is not a file: ", file, EINVAL);
+    if (static_cast<std::size_t>(status.st_size) > nLargest)
+        Fail("cannot read ", file, EFBIG);
+
+    std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
+    std::size_t nDone = 0;
+    while (nDone < bytes.size())
+    {
+        const ssize_t nRead = read(descriptor.Get(), bytes.data() + nDone, bytes.size() - nDone);
+        if (nRead < 0 && errno != EINTR)
+            Fail("cannot read ", file);
+        if (nRead == 0)
+            break;
+        if (nRead > 0)
+            nDone += static_cast<std::size_t>(nRead);
+    }
+    bytes.resize(nDone);
+    return bytes;
+}
+
+} // namespace Tarvane::Server

@@ -1,0 +1,21 @@
+// Files that are whole at every instant, whatever ends the process or the machine.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace Tarvane::Server
+{
+
+// Replaces the file's content, or creates the file. When this returns, the new content is on disk;
+// before that, or after a failure, the old content stands, and never a mixture. The content goes
+// to a neighbour of the file, "<name>.saving", which then takes the file's place; a neighbour left
+// behind by an ended process is written over. The file's permissions stay as they are.
+// Throws std::system_error: what() says which step failed on which file.
+void ReplaceFile(const std::filesystem::path& file, std::string_view bytes);
+
+// Reads a whole plain file of at most nLargest bytes. Throws std::system_error.
+std::string ReadFile(const std::filesystem::path& file, std::size_t nLargest);
+
+} // namespace Tarvane::Server

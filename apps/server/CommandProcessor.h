@@ -1,0 +1,52 @@
+// One command of a client, from its script to the reply: run it, keep what it changed, answer.
+//
+// What a client is told decides how a failing script is treated. The clients of this server take an
+// event that was answered as delivered, whatever error text comes with it. So what a script has
+// done before it fails stays done and is kept: undoing it would lose a take that its sender
+// believes delivered, and sending it again is no risk, since the check for duplicates finds it. Its
+// output is withheld, for half a list is no list.
+//
+// Nothing is answered for before it is on disk. When the session cannot be saved, all that the
+// command changed is undone and the reply says so.
+#pragma once
+
+#include "apps/server/LuaSandbox.h"
+#include "apps/server/Session.h"
+#include "apps/server/SessionStore.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace Tarvane::Server
+{
+
+struct CommandReply
+{
+    std::string strResult;
+    std::string strError; // empty for none
+};
+
+// Any one thread.
+class CCommandProcessor
+{
+public:
+    // pStore may be null: then the session lives as long as this object. It must outlive the
+    // object.
+    CCommandProcessor(CSession session, CSessionStore* pStore, bool fHasDocuments,
+                      const SandboxLimits& limits = {});
+
+    CommandReply Run(std::string_view strScript);
+    const CSession& Session() const { return m_session; }
+
+private:
+    // Empty when the session is on disk.
+    std::string SaveError();
+
+    CSession m_session;
+    CSessionStore* m_pStore;
+    bool m_fHasDocuments;
+    SandboxLimits m_limits;
+};
+
+} // namespace Tarvane::Server

@@ -1,0 +1,32 @@
+// What the server's command line asks for.
+#pragma once
+
+#include "apps/server/Misbehaviour.h"
+
+#include <CLI/CLI.hpp>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Tarvane::Server
+{
+
+struct Options
+{
+    std::string strSessionFile; // empty: the session is kept in memory alone
+    std::vector<std::string> trackNames;
+    std::optional<double> linkOffset; // seconds
+    bool fNoDocument = false;
+    std::string strLogFile;
+    std::vector<PlannedFault> faults;
+    // A listing of this session is all that is asked for.
+    std::string strListedFile;
+    bool fJson = false;
+};
+
+// Declares the options; values land in the given object when the app parses. What cannot be used is
+// a parse error.
+void DeclareOptions(CLI::App& app, Options& options);
+
+} // namespace Tarvane::Server

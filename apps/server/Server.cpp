@@ -1,0 +1,115 @@
+#include "apps/server/Server.h"
+
+#include "apps/server/CommandProcessor.h"
+#include "apps/server/EndSignals.h"
+#include "apps/server/EventHandler.h"
+#include "apps/server/EventLog.h"
+#include "apps/server/ServerLoop.h"
+#include "apps/server/SessionListing.h"
+#include "apps/support/CommandLine.h"
+
+#include <csignal>
+#include <iostream>
+#include <memory>
+
+namespace Tarvane::Server
+{
+
+namespace
+{
+
+std::vector<std::string> TrackNames(const CSession& session)
+{
+    std::vector<std::string> names;
+    for (const Track& track : session.GetDocument(DocumentKind::Script).tracks)
+        names.push_back(track.strName);
+    return names;
+}
+
+void RequireAgreement(const CSession& session, const Options& options, const std::string& strFile)
+{
+    const char* szConflict = nullptr;
+    if (!options.trackNames.empty() && options.trackNames != TrackNames(session))
+        szConflict = "--track";
+    if (options.linkOffset && *options.linkOffset != session.LinkOffset())
+        szConflict = "--link-offset";
+    if (szConflict != nullptr)
+        throw CUsageError("the session " + strFile + " exists and says otherwise than " +
+                          szConflict + ", which is for new sessions; leave the option out to " +
+                          "continue this session, or name another file");
+}
+
+std::optional<CSession> LoadSession(CSessionStore& store)
+{
+    try
+    {
+        return store.Load();
+    }
+    catch (const CSessionFlaw& flaw)
+    {
+        throw CUsageError(flaw.what());
+    }
+}
+
+int PrintListing(const Options& options)
+{
+    CSessionStore store(options.strListedFile);
+    const std::optional<CSession> session = LoadSession(store);
+    if (!session)
+        throw CUsageError("there is no session file " + options.strListedFile);
+    std::cout << (options.fJson ? ListSessionAsJson(*session) : ListSession(*session));
+    std::cout.flush();
+    if (!std::cout)
+        throw std::runtime_error("the listing could not be written");
+    return kExitDone;
+}
+
+// Failures of writing are to come back as errors, not to end the process.
+void IgnoreWriteSignals()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+}
+
+} // namespace
+
+CSession OpenSession(CSessionStore* pStore, const Options& options)
+{
+    CSession fresh(options.trackNames, options.linkOffset.value_or(0.0));
+    if (pStore == nullptr)
+        return fresh;
+    pStore->Lock();
+    if (std::optional<CSession> existing = LoadSession(*pStore))
+    {
+        RequireAgreement(*existing, options, pStore->File().string());
+        return *std::move(existing);
+    }
+    // A file that cannot be written is better found now than at the first take.
+    pStore->Save(fresh);
+    return fresh;
+}
+
+int RunServer(const Options& options)
+{
+    if (!options.strListedFile.empty())
+        return PrintListing(options);
+
+    IgnoreWriteSignals();
+    CEndSignals signals;
+    std::unique_ptr<CSessionStore> pStore;
+    if (!options.strSessionFile.empty())
+        pStore = std::make_unique<CSessionStore>(options.strSessionFile);
+    else
+        std::cerr << "tarvane-server: no --session: what clients send is not kept" << std::endl;
+
+    CEventLog log(options.strLogFile);
+    CCommandProcessor processor(OpenSession(pStore.get(), options), pStore.get(),
+                                !options.fNoDocument);
+    CEventHandler handler(processor, log, options.faults, [&signals] { signals.Wait(); });
+    handler.Install();
+    std::cout << "ready" << std::endl;
+    RunUntilEnd(signals);
+    return kExitDone;
+}
+
+} // namespace Tarvane::Server

@@ -1,0 +1,127 @@
+#include "apps/server/SessionListing.h"
+
+#include "apps/support/Timecode.h"
+
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+namespace Tarvane::Server
+{
+
+namespace
+{
+
+using Json = nlohmann::ordered_json;
+
+std::string Time(std::int64_t nSamples, const Region& region)
+{
+    return FormatTimecode(static_cast<double>(nSamples), region.nSampleRate);
+}
+
+void ListPlace(std::ostream& out, const char* szName, std::int64_t nSamples, const Region& region)
+{
+    out << "      " << szName << nSamples << "  " << Time(nSamples, region) << '\n';
+}
+
+void ListRegion(std::ostream& out, const Region& region, const Document& document)
+{
+    out << "    region " << region.nId << "  " << region.strPath << "  " << region.nSampleRate
+        << " Hz";
+    if (!region.channels.empty())
+    {
+        out << "  channels";
+        for (std::int32_t nChannel : region.channels)
+            out << ' ' << nChannel;
+    }
+    out << (region.fMuted ? "  muted" : "")
+        << (region.nId == document.nSelectedRegionId ? "  selected" : "") << '\n';
+    ListPlace(out, "start     ", region.nStart, region);
+    ListPlace(out, "end       ", region.nEnd, region);
+    ListPlace(out, "position  ", region.nPosition, region);
+}
+
+void ListDocument(std::ostream& out, const Document& document)
+{
+    for (std::size_t nTrack = 0; nTrack < document.tracks.size(); nTrack++)
+    {
+        const Track& track = document.tracks[nTrack];
+        out << "  track " << nTrack << "  " << track.strName << '\n';
+        for (const Region& region : document.regions)
+        {
+            if (region.nTrackId == track.nId)
+                ListRegion(out, region, document);
+        }
+    }
+}
+
+Json RegionAsJson(const Region& region)
+{
+    return {{"id", region.nId},
+            {"file", region.strPath},
+            {"start", region.nStart},
+            {"end", region.nEnd},
+            {"position", region.nPosition},
+            {"timelineStart", region.TimelineStart()},
+            {"sampleRate", region.nSampleRate},
+            {"channels", region.channels},
+            {"muted", region.fMuted},
+            {"startTime", Time(region.nStart, region)},
+            {"endTime", Time(region.nEnd, region)},
+            {"positionTime", Time(region.nPosition, region)}};
+}
+
+Json TrackAsJson(const Document& document, std::size_t nTrack)
+{
+    const Track& track = document.tracks[nTrack];
+    Json regions = Json::array();
+    for (const Region& region : document.regions)
+    {
+        if (region.nTrackId == track.nId)
+            regions.push_back(RegionAsJson(region));
+    }
+    return {{"number", nTrack},
+            {"id", track.nId},
+            {"name", track.strName},
+            {"regions", std::move(regions)}};
+}
+
+Json DocumentAsJson(const CSession& session, DocumentKind kind)
+{
+    const Document& document = session.GetDocument(kind);
+    Json tracks = Json::array();
+    for (std::size_t nTrack = 0; nTrack < document.tracks.size(); nTrack++)
+        tracks.push_back(TrackAsJson(document, nTrack));
+    return {{"kind", DocumentName(kind)},
+            {"displayPosition", document.dDisplayPosition},
+            {"selectedRegion", document.nSelectedRegionId},
+            {"tracks", std::move(tracks)}};
+}
+
+} // namespace
+
+std::string ListSession(const CSession& session)
+{
+    std::ostringstream out;
+    out << "link offset " << session.LinkOffset() << " s, " << session.UpdateCount()
+        << " updates\n";
+    for (DocumentKind kind : kDocumentKinds)
+    {
+        out << DocumentName(kind) << " document, display at "
+            << FormatSamples(session.GetDocument(kind).dDisplayPosition) << '\n';
+        ListDocument(out, session.GetDocument(kind));
+    }
+    return out.str();
+}
+
+std::string ListSessionAsJson(const CSession& session)
+{
+    Json documents = Json::array();
+    for (DocumentKind kind : kDocumentKinds)
+        documents.push_back(DocumentAsJson(session, kind));
+    const Json whole{{"linkOffset", session.LinkOffset()},
+                     {"updateCount", session.UpdateCount()},
+                     {"documents", std::move(documents)}};
+    return whole.dump(2) + "\n";
+}
+
+} // namespace Tarvane::Server

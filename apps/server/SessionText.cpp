@@ -1,0 +1,189 @@
+#include "apps/server/SessionText.h"
+
+#include <nlohmann/json.hpp>
+
+#include <utility>
+
+namespace Tarvane::Server
+{
+
+namespace
+{
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* szForm = "Tarvane Link session";
+constexpr int kVersion = 1;
+
+Json EncodeRegion(const Region& region)
+{
+    return {{"id", region.nId},
+            {"track", region.nTrackId},
+            {"file", region.strPath},
+            {"start", region.nStart},
+            {"end", region.nEnd},
+            {"position", region.nPosition},
+            {"sampleRate", region.nSampleRate},
+            {"channels", region.channels},
+            {"muted", region.fMuted}};
+}
+
+Json EncodeDocument(const Document& document)
+{
+    Json tracks = Json::array();
+    for (const Track& track : document.tracks)
+        tracks.push_back({{"id", track.nId}, {"name", track.strName}});
+    Json regions = Json::array();
+    for (const Region& region : document.regions)
+        regions.push_back(EncodeRegion(region));
+    return {{"displayPosition", document.dDisplayPosition},
+            {"selectedRegion", document.nSelectedRegionId},
+            {"tracks", std::move(tracks)},
+            {"regions", std::move(regions)}};
+}
+
+const Json& Member(const Json& object, const char* szKey)
+{
+    if (!object.is_object())
+        throw CSessionFlaw(std::string("there is no object to hold \"") + szKey + "\"");
+    const auto found = object.find(szKey);
+    if (found == object.end())
+        throw CSessionFlaw(std::string("\"") + szKey + "\" is missing");
+    return *found;
+}
+
+[[noreturn]] void FailType(const char* szKey, const char* szWanted)
+{
+    throw CSessionFlaw(std::string("\"") + szKey + "\" is no " + szWanted);
+}
+
+template <typename Integer> Integer ToInteger(const Json& value, const char* szKey)
+{
+    // Unsigned is how the reader tells a number of zero and above; beyond the signed range it would
+    // turn over.
+    const bool fFits =
+        value.is_number_integer() &&
+        !(value.is_number_unsigned() && !std::in_range<std::int64_t>(value.get<std::uint64_t>())) &&
+        std::in_range<Integer>(value.get<std::int64_t>());
+    if (!fFits)
+        FailType(szKey, "whole number in range");
+    return value.get<Integer>();
+}
+
+template <typename Integer> Integer GetInteger(const Json& object, const char* szKey)
+{
+    return ToInteger<Integer>(Member(object, szKey), szKey);
+}
+
+double GetNumber(const Json& object, const char* szKey)
+{
+    const Json& value = Member(object, szKey);
+    if (!value.is_number())
+        FailType(szKey, "number");
+    return value.get<double>();
+}
+
+std::string GetString(const Json& object, const char* szKey)
+{
+    const Json& value = Member(object, szKey);
+    if (!value.is_string())
+        FailType(szKey, "text");
+    return value.get<std::string>();
+}
+
+bool GetFlag(const Json& object, const char* szKey)
+{
+    const Json& value = Member(object, szKey);
+    if (!value.is_boolean())
+        FailType(szKey, "truth value");
+    return value.get<bool>();
+}
+
+const Json& GetList(const Json& object, const char* szKey)
+{
+    const Json& value = Member(object, szKey);
+    if (!value.is_array())
+        FailType(szKey, "list");
+    return value;
+}
+
+Region DecodeRegion(const Json& object)
+{
+    Region region;
+    region.nId = GetInteger<std::int64_t>(object, "id");
+    region.nTrackId = GetInteger<std::int64_t>(object, "track");
+    region.strPath = GetString(object, "file");
+    region.nStart = GetInteger<std::int64_t>(object, "start");
+    region.nEnd = GetInteger<std::int64_t>(object, "end");
+    region.nPosition = GetInteger<std::int64_t>(object, "position");
+    region.nSampleRate = GetInteger<std::int32_t>(object, "sampleRate");
+    for (const Json& channel : GetList(object, "channels"))
+        region.channels.push_back(ToInteger<std::int32_t>(channel, "channels"));
+    region.fMuted = GetFlag(object, "muted");
+    return region;
+}
+
+Document DecodeDocument(const Json& object)
+{
+    Document document;
+    document.dDisplayPosition = GetNumber(object, "displayPosition");
+    document.nSelectedRegionId = GetInteger<std::int64_t>(object, "selectedRegion");
+    for (const Json& track : GetList(object, "tracks"))
+        document.tracks.push_back(
+            {GetInteger<std::int64_t>(track, "id"), GetString(track, "name")});
+    for (const Json& region : GetList(object, "regions"))
+        document.regions.push_back(DecodeRegion(region));
+    return document;
+}
+
+Json Parse(std::string_view text)
+{
+    try
+    {
+        return Json::parse(text);
+    }
+    catch (const Json::exception& error)
+    {
+        throw CSessionFlaw(std::string("this is no whole session text: ") + error.what());
+    }
+}
+
+} // namespace
+
+std::string EncodeSession(const CSession& session)
+{
+    Json documents;
+    for (DocumentKind kind : kDocumentKinds)
+        documents[DocumentName(kind)] = EncodeDocument(session.GetDocument(kind));
+    const Json whole{{"form", szForm},
+                     {"version", kVersion},
+                     {"linkOffset", session.LinkOffset()},
+                     {"updateCount", session.UpdateCount()},
+                     {"nextId", session.NextId()},
+                     {"documents", std::move(documents)}};
+    return whole.dump(1) + "\n";
+}
+
+CSession DecodeSession(std::string_view text)
+{
+    const Json whole = Parse(text);
+    if (!whole.is_object() || whole.value("form", Json()) != szForm)
+        throw CSessionFlaw("this is no session of this program");
+    const auto nVersion = GetInteger<std::int64_t>(whole, "version");
+    if (nVersion != kVersion)
+        throw CSessionFlaw("its version is " + std::to_string(nVersion) + "; this program reads " +
+                           std::to_string(kVersion));
+
+    std::array<Document, kDocumentKinds.size()> documents;
+    for (DocumentKind kind : kDocumentKinds)
+        documents[static_cast<std::size_t>(kind)] =
+            DecodeDocument(Member(Member(whole, "documents"), DocumentName(kind)));
+    CSession session = CSession::Restore(std::move(documents), GetNumber(whole, "linkOffset"),
+                                         GetInteger<std::int64_t>(whole, "updateCount"),
+                                         GetInteger<std::int64_t>(whole, "nextId"));
+    if (const auto flaw = session.Flaw())
+        throw CSessionFlaw(*flaw);
+    return session;
+}
+
+} // namespace Tarvane::Server

@@ -1,0 +1,55 @@
+// Sound files as the server reads them, whatever their format.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <sndfile.h>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace Tarvane::Server
+{
+
+// A sound file that cannot be used. The text names the file and says what is wrong with it.
+class CSoundFileError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// One open sound file. Any one thread.
+class CSoundFile
+{
+public:
+    // Opens for reading. strPath is a full path to a plain file; pipes and devices, which could
+    // keep the server waiting, are refused. Throws CSoundFileError.
+    explicit CSoundFile(const std::string& strPath);
+
+    std::int64_t Frames() const { return m_info.frames; }
+    std::int32_t SampleRate() const { return m_info.samplerate; }
+    std::int32_t Channels() const { return m_info.channels; }
+
+    // Throws CSoundFileError unless frames can be read up to, and without, nEnd: a file can be
+    // shorter than its header says.
+    void RequireFrames(std::int64_t nEnd);
+
+    // Throws CSoundFileError.
+    void Seek(std::int64_t nFrame);
+    // Reads up to nFrames frames, all channels side by side, as numbers in which a sample of any
+    // format is exact (whole-number formats are scaled to -1..1). Returns the frames read: fewer at
+    // the end of the file only.
+    std::int64_t Read(std::vector<double>& samples, std::int64_t nFrames);
+
+private:
+    struct Closer
+    {
+        void operator()(SNDFILE* pFile) const { sf_close(pFile); }
+    };
+
+    std::string m_strPath;
+    SF_INFO m_info{};
+    std::unique_ptr<SNDFILE, Closer> m_pFile;
+};
+
+} // namespace Tarvane::Server
