@@ -96,6 +96,7 @@ int RunServer(const Options& options)
 
     IgnoreWriteSignals();
     CEndSignals signals;
+    CServerLoop loop;
     std::unique_ptr<CSessionStore> pStore;
     if (!options.strSessionFile.empty())
         pStore = std::make_unique<CSessionStore>(options.strSessionFile);
@@ -108,7 +109,7 @@ int RunServer(const Options& options)
     CEventHandler handler(processor, log, options.faults, [&signals] { signals.Wait(); });
     handler.Install();
     std::cout << "ready" << std::endl;
-    RunUntilEnd(signals);
+    loop.RunUntilEnd(signals);
     return kExitDone;
 }
 

@@ -7,21 +7,29 @@
 namespace Tarvane::Server
 {
 
-void RunUntilEnd(const CEndSignals& signals)
+CServerLoop::CServerLoop() : m_pPool([[NSAutoreleasePool alloc] init])
 {
-    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+}
+
+CServerLoop::~CServerLoop()
+{
+    [static_cast<NSAutoreleasePool*>(m_pPool) drain];
+}
+
+void CServerLoop::RunUntilEnd(const CEndSignals& signals)
+{
     // Its only purpose is to end a pass of the loop when a signal has come.
     NSFileHandle* handle = [[NSFileHandle alloc] initWithFileDescriptor:signals.Descriptor()
                                                          closeOnDealloc:NO];
     [handle waitForDataInBackgroundAndNotify];
     while (!signals.HasCome())
     {
-        NSAutoreleasePool* passPool = [[NSAutoreleasePool alloc] init];
-        [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate distantFuture]];
-        [passPool drain];
+        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+        [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode
+                                 beforeDate:[NSDate distantFuture]];
+        [pool drain];
     }
     [handle release];
-    [pool drain];
 }
 
 } // namespace Tarvane::Server
