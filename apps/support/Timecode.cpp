@@ -34,7 +34,7 @@ std::string FormatTimecode(double dSamples, double dSampleRate)
 std::string FormatSamples(double dSamples)
 {
     char sz[512];
-    std::snprintf(sz, sizeof sz, "%.0f", std::round(dSamples));
+    std::snprintf(sz, sizeof sz, "%.0f", std::round(dSamples) + 0.0);
     return sz;
 }
 

@@ -1,0 +1,38 @@
+// What is known of one capture, from its first sample to its acknowledge.
+#pragma once
+
+#include "TarvaneLinkAU/TarvaneLinkProperties.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace Tarvane
+{
+
+enum class CaptureState
+{
+    Running,
+    Waiting,      // published; the acknowledge is still to come
+    Acknowledged, // pAck says how it went
+    Empty,        // disarmed before the first sample: nothing was published
+    Failed,       // strFailure says why; nothing was published
+};
+
+struct CCaptureReport
+{
+    CaptureState state = CaptureState::Running;
+    std::filesystem::path source;
+    std::string strFailure;
+    int nElement = -1;                // its index under 64002; -1 until it is published
+    TNCaptureElement record{};        // as published; zero until then
+    std::int32_t nTrack = -1;         // 64009 when the acknowledge came; -1 before
+    std::optional<TNElementAck> pAck; // as received; the padding byte means nothing
+
+    bool IsOver() const { return state != CaptureState::Running && state != CaptureState::Waiting; }
+    bool IsDelivered() const { return pAck && pAck->fNotDelivered == 0; }
+    double Frames() const { return record.tDub.dEnd - record.tDub.dStart; }
+};
+
+} // namespace Tarvane

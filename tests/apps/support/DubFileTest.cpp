@@ -1,0 +1,212 @@
+#include "apps/support/DubFile.h"
+
+#include "apps/support/CommandLine.h"
+#include "tests/apps/support/SoundFixture.h"
+#include "tests/apps/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <fstream>
+#include <sys/resource.h>
+
+using namespace Tarvane;
+using namespace TarvaneTest;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+namespace fs = std::filesystem;
+
+namespace
+{
+
+void CopyAll(CSoundReader& source, CDubFile& dub)
+{
+    CSampleBlock block(SampleTypeOf(source.Info().format), source.Info().channels, 512);
+    while (const size_t nFrames = source.Read(block))
+    {
+        dub.Write(block, nFrames);
+    }
+}
+
+fs::path Dub(const fs::path& source, const fs::path& folder)
+{
+    CSoundReader reader(source);
+    CDubFile dub(folder, reader);
+    CopyAll(reader, dub);
+    return dub.Publish();
+}
+
+std::string Refusal(const fs::path& source, const fs::path& folder)
+{
+    try
+    {
+        CSoundReader reader(source);
+        CDubFile dub(folder, reader);
+        return "";
+    }
+    catch (const CUsageError& error)
+    {
+        return error.what();
+    }
+}
+
+class DubFileForm : public testing::TestWithParam<int>
+{
+};
+
+} // namespace
+
+TEST_P(DubFileForm, KeepsFormRateChannelsAndEverySample)
+{
+    CTemporaryFolder folder, captures;
+    WriteSound(folder / "source", GetParam(), 1300, 2, 44100);
+    const Sound source = ReadSound(folder / "source");
+    const Sound dub = ReadSound(Dub(folder / "source", captures.Path()));
+    EXPECT_EQ(dub.info.format, source.info.format);
+    EXPECT_EQ(dub.info.samplerate, 44100);
+    EXPECT_EQ(dub.info.channels, 2);
+    ASSERT_EQ(dub.samples.size(), 2600U);
+    EXPECT_EQ(dub.samples, source.samples);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, DubFileForm,
+    testing::Values(SF_FORMAT_WAV | SF_FORMAT_PCM_U8, SF_FORMAT_WAV | SF_FORMAT_PCM_16,
+                    SF_FORMAT_WAV | SF_FORMAT_PCM_24, SF_FORMAT_WAV | SF_FORMAT_PCM_32,
+                    SF_FORMAT_WAV | SF_FORMAT_FLOAT, SF_FORMAT_WAV | SF_FORMAT_DOUBLE,
+                    SF_FORMAT_WAV | SF_FORMAT_ULAW, SF_FORMAT_WAV | SF_FORMAT_ALAW,
+                    SF_FORMAT_AIFF | SF_FORMAT_PCM_S8, SF_FORMAT_AIFF | SF_FORMAT_PCM_24,
+                    SF_FORMAT_AIFF | SF_FORMAT_FLOAT, SF_FORMAT_FLAC | SF_FORMAT_PCM_24,
+                    SF_FORMAT_CAF | SF_FORMAT_ALAC_24, SF_FORMAT_W64 | SF_FORMAT_PCM_24));
+
+TEST(DubFile, ALossyFormIsKeptAsWhatItDecodesTo)
+{
+    CTemporaryFolder folder, captures;
+    WriteSound(folder / "a.ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS, 5000);
+    const Sound source = ReadSound(folder / "a.ogg");
+    const fs::path path = Dub(folder / "a.ogg", captures.Path());
+    EXPECT_EQ(path.filename(), "a-001.wav");
+    const Sound dub = ReadSound(path);
+    EXPECT_EQ(dub.info.format, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    EXPECT_EQ(dub.samples, source.samples);
+}
+
+TEST(DubFile, FloatsBeyondFullScaleAreNotClipped)
+{
+    CTemporaryFolder folder, captures;
+    SF_INFO info{};
+    info.samplerate = 48000;
+    info.channels = 1;
+    info.format = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
+    const float loud[] = {-3.5F, 2.25F, 1e-30F};
+    SNDFILE* pFile = sf_open((folder / "loud.wav").c_str(), SFM_WRITE, &info);
+    ASSERT_NE(pFile, nullptr);
+    sf_writef_float(pFile, loud, 3);
+    sf_close(pFile);
+    EXPECT_THAT(ReadSound(Dub(folder / "loud.wav", captures.Path())).samples,
+                ElementsAre(-3.5, 2.25, double(1e-30F)));
+}
+
+TEST(DubFile, NeverTakesANameThatExists)
+{
+    CTemporaryFolder folder, captures;
+    WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
+    std::ofstream(captures / "a-001.wav") << "mine";
+    EXPECT_EQ(Dub(folder / "a.wav", captures.Path()), captures / "a-002.wav");
+    EXPECT_EQ(Dub(folder / "a.wav", captures.Path()), captures / "a-003.wav");
+    std::string strMine;
+    std::ifstream(captures / "a-001.wav") >> strMine;
+    EXPECT_EQ(strMine, "mine");
+    EXPECT_THAT(captures.Files(), ElementsAre("a-001.wav", "a-002.wav", "a-003.wav"));
+}
+
+TEST(DubFile, WhatIsNotPublishedLeavesNothing)
+{
+    CTemporaryFolder folder, captures;
+    WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1000);
+    {
+        CSoundReader reader(folder / "a.wav");
+        CDubFile dub(captures.Path(), reader);
+        CopyAll(reader, dub);
+        EXPECT_EQ(captures.Files().size(), 1U);
+        EXPECT_EQ(captures.Files().front().front(), '.');
+    }
+    EXPECT_THAT(captures.Files(), IsEmpty());
+}
+
+TEST(DubFile, AFullDiskIsReportedAndLeavesNothing)
+{
+    CTemporaryFolder folder, captures;
+    WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 100000);
+    ::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    ::getrlimit(RLIMIT_FSIZE, &old);
+    const rlimit small{50000, old.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    EXPECT_THROW(Dub(folder / "a.wav", captures.Path()), std::runtime_error);
+    ::setrlimit(RLIMIT_FSIZE, &old);
+    EXPECT_THAT(captures.Files(), IsEmpty());
+}
+
+TEST(DubFile, AFolderThatIsNoneIsRefused)
+{
+    CTemporaryFolder folder;
+    WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
+    EXPECT_THAT(Refusal(folder / "a.wav", folder / "none"),
+                HasSubstr("there is no capture folder"));
+    EXPECT_THAT(Refusal(folder / "a.wav", folder / "a.wav"),
+                HasSubstr("there is no capture folder"));
+}
+
+TEST(DubFile, APathThatNoScriptCanCarryIsRefused)
+{
+    CTemporaryFolder folder;
+    WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
+    for (const char* szName : {"a\"b", "a\\b", "a\nb"})
+    {
+        fs::create_directory(folder / szName);
+        EXPECT_THAT(Refusal(folder / "a.wav", folder / szName), HasSubstr("name another"))
+            << szName;
+    }
+}
+
+TEST(DubFile, SuchCharactersInTheSourcesNameAreReplaced)
+{
+    CTemporaryFolder folder, captures;
+    WriteSound(folder / "say \"hi\" \\ Ä.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
+    EXPECT_EQ(Dub(folder / "say \"hi\" \\ Ä.wav", captures.Path()),
+              captures / "say _hi_ _ Ä-001.wav");
+}
+
+TEST(DubFile, AVeryLongNameIsCutBetweenCharacters)
+{
+    CTemporaryFolder folder, captures;
+    std::string strName = "x";
+    while (strName.size() < 249)
+    {
+        strName += "ä";
+    }
+    WriteSound(folder / (strName + ".wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
+    const std::string strDub =
+        Dub(folder / (strName + ".wav"), captures.Path()).filename().string();
+    EXPECT_EQ(strDub, strName.substr(0, 229) + "-001.wav");
+}
+
+TEST(DubFile, APathThatDoesNotFitTheRecordIsRefused)
+{
+    CTemporaryFolder folder;
+    WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
+    fs::path deep = folder.Path();
+    // "/a-999999.wav" needs 13 bytes and the record holds 1023.
+    while (deep.string().size() < 1010)
+    {
+        const size_t nLeft = 1010 - deep.string().size() - 1;
+        deep /= std::string(nLeft > 200 ? 150 : nLeft, 'd');
+        fs::create_directory(deep);
+    }
+    ASSERT_EQ(deep.string().size(), 1010U);
+    EXPECT_EQ(Refusal(folder / "a.wav", deep), "");
+    WriteSound(folder / "ab.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
+    EXPECT_THAT(Refusal(folder / "ab.wav", deep), HasSubstr("longer than 1023 bytes"));
+}
