@@ -11,19 +11,11 @@
 
 namespace
 {
-constexpr FourCharCode CodeOf(const char (&szCode)[5])
-{
-    FourCharCode nCode = 0;
-    for (int nPlace = 0; nPlace < 4; ++nPlace)
-        nCode = nCode << 8 | static_cast<unsigned char>(szCode[nPlace]);
-    return nCode;
-}
-
-constexpr FourCharCode kServerSignature = CodeOf("TkNe");
-constexpr AEEventClass kCommandClass = CodeOf("TKNE");
-constexpr AEEventID kCommandId = CodeOf("LCmd");
-constexpr AEKeyword kResultKey = CodeOf("Rslt");
-constexpr AEKeyword kErrorKey = CodeOf("Errr");
+constexpr FourCharCode kServerSignature = 'TkNe';
+constexpr AEEventClass kCommandClass = 'TKNE';
+constexpr AEEventID kCommandId = 'LCmd';
+constexpr AEKeyword kResultKey = 'Rslt';
+constexpr AEKeyword kErrorKey = 'Errr';
 
 constexpr std::size_t kShortReplyUnits = 100;
 constexpr std::size_t kUnitBytes = sizeof(UniChar);
