@@ -25,6 +25,8 @@ public:
     void Kill();
     void Start();
 
+    pid_t DaemonPid() const { return m_daemon.Pid(); }
+
     // A bus that takes connections and bytes but answers nothing.
     void Freeze() const { m_daemon.Signal(SIGSTOP); }
     void Thaw() const { m_daemon.Signal(SIGCONT); }

@@ -3,6 +3,7 @@
 
 #include "platform/gnustep/AppleEvents/Handlers.h"
 #include "platform/gnustep/AppleEvents/Receiver.h"
+#include "platform/gnustep/AppleEvents/Timeout.h"
 
 #include <unistd.h>
 
@@ -50,7 +51,8 @@ OSErr AEInstallEventHandler(AEEventClass theAEEventClass, AEEventID theAEEventID
                 return OSErr(paramErr);
             if (!application.receiver.IsOpen())
             {
-                if (const OSErr status = application.receiver.Open(application.signature))
+                const Deadline deadline = *DeadlineForTicks(kAEDefaultTimeout);
+                if (const OSErr status = application.receiver.Open(application.signature, deadline))
                     return status;
             }
             application.handlers.Install(theAEEventClass, theAEEventID, handler, handlerRefcon);

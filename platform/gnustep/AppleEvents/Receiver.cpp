@@ -14,7 +14,7 @@ namespace AppleEvents
 namespace
 {
 
-constexpr std::uint64_t kOpeningMicroseconds = 10'000'000;
+constexpr std::uint64_t kLastReplyMicroseconds = 1'000'000;
 constexpr std::uint64_t kFirstReconnectMicroseconds = 50'000;
 constexpr std::uint64_t kLastReconnectMicroseconds = 1'000'000;
 
@@ -61,13 +61,18 @@ const sd_bus_vtable Receiver::kMethods[] = {
     SD_BUS_VTABLE_END,
 };
 
-OSErr Receiver::Open(OSType signature)
+OSErr Receiver::Open(OSType signature, const Deadline& deadline)
 {
+    if (m_fCloseWhenServed)
+    {
+        m_fCloseWhenServed = false;
+        return noErr;
+    }
     m_name = BusNameForSignature(signature);
     OSErr status = Connect();
     if (status == noErr)
     {
-        const Wait wait = ProcessUntil(m_bus.get(), Deadline::After(kOpeningMicroseconds),
+        const Wait wait = ProcessUntil(m_bus.get(), deadline,
                                        [this]
                                        {
                                            ServeRequest();
@@ -84,6 +89,9 @@ OSErr Receiver::Open(OSType signature)
 
 void Receiver::Close()
 {
+    m_fCloseWhenServed = m_nServing > 0;
+    if (m_fCloseWhenServed)
+        return;
     Disconnect();
     m_watch.CancelWake();
     m_name.clear();
@@ -139,7 +147,7 @@ OSErr Receiver::StatusOfOpening(Wait wait) const
 
 void Receiver::Wake()
 {
-    if (!IsOpen())
+    if (m_name.empty())
         return;
     if (!m_bus && Connect() != noErr)
         ReconnectLater();
@@ -200,13 +208,22 @@ void Receiver::ServeRequest()
     if (!m_request)
         return;
     const MessageRef request = std::move(m_request);
-    const bool fWantsReply = sd_bus_message_get_expect_reply(request.get()) > 0;
+    m_nServing++;
+    Answer(request.get());
+    m_nServing--;
+    if (m_fCloseWhenServed && m_nServing == 0)
+        CloseAfterServing();
+}
+
+void Receiver::Answer(sd_bus_message* request)
+{
+    const bool fWantsReply = sd_bus_message_get_expect_reply(request) > 0;
     Parameters answer;
     const OSErr status = WithoutExceptions(
         [&]
         {
             EventStorage event;
-            const OSErr readable = ReadRequest(request.get(), event);
+            const OSErr readable = ReadRequest(request, event);
             return readable == noErr
                        ? m_handlers.Run(std::move(event), fWantsReply ? &answer : nullptr)
                        : readable;
@@ -214,9 +231,19 @@ void Receiver::ServeRequest()
     if (!fWantsReply)
         return;
     if (FitsInMessage(answer))
-        Reply(request.get(), status, answer);
+        Reply(request, status, answer);
     else
-        Reply(request.get(), bufferIsSmall, Parameters());
+        Reply(request, bufferIsSmall, Parameters());
+}
+
+void Receiver::CloseAfterServing()
+{
+    std::uint64_t queued = 0;
+    if (m_bus)
+        ProcessUntil(
+            m_bus.get(), Deadline::After(kLastReplyMicroseconds),
+            [&] { return sd_bus_get_n_queued_write(m_bus.get(), &queued) < 0 || queued == 0; });
+    Close();
 }
 
 int Receiver::KeepRequest(sd_bus_message* message, void* receiver, sd_bus_error*)

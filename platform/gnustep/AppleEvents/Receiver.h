@@ -16,10 +16,13 @@ class Receiver : private RunLoopClient
 public:
     explicit Receiver(const Handlers& handlers) : m_handlers(handlers), m_watch(*this) {}
 
-    bool IsOpen() const { return !m_name.empty(); }
+    bool IsOpen() const { return !m_name.empty() && !m_fCloseWhenServed; }
 
     // Connects and waits until the name is the process's own, or for the reason why it is not.
-    OSErr Open(OSType signature);
+    OSErr Open(OSType signature, const Deadline& deadline);
+
+    // From within a handler it takes effect once that handler's reply has gone out, unless Open
+    // comes first.
     void Close();
 
 private:
@@ -41,6 +44,8 @@ private:
     void ReconnectLater();
     void WatchConnection();
     void ServeRequest();
+    void Answer(sd_bus_message* request);
+    void CloseAfterServing();
 
     static int KeepRequest(sd_bus_message* message, void* receiver, sd_bus_error* error);
     static int NoteOwnership(sd_bus_message* message, void* receiver, sd_bus_error* error);
@@ -54,6 +59,8 @@ private:
     SlotRef m_question;
     MessageRef m_request;
     Ownership m_ownership = Ownership::Asked;
+    int m_nServing = 0;
+    bool m_fCloseWhenServed = false;
     std::uint64_t m_nReconnectDelay = 0;
 };
 

@@ -5,7 +5,7 @@
 // The object behind a RunLoopWatch: the run loop and the timer hold it.
 @interface TarvaneRunLoopTarget : NSObject <RunLoopEvents>
 {
-@public
+  @public
     AppleEvents::RunLoopClient* m_client;
     NSTimer* m_timer;
     int m_nDescriptor;
@@ -27,6 +27,19 @@ NSArray* WatchedModes()
     return [NSArray arrayWithObjects:NSDefaultRunLoopMode, @"NSModalPanelRunLoopMode",
                                      @"NSEventTrackingRunLoopMode", nil];
 }
+
+// The interface is called from plain C++ too, where nobody else has a pool.
+class ScopedPool
+{
+  public:
+    ScopedPool() : m_pool([[NSAutoreleasePool alloc] init]) {}
+    ~ScopedPool() { [m_pool drain]; }
+    ScopedPool(const ScopedPool&) = delete;
+    ScopedPool& operator=(const ScopedPool&) = delete;
+
+  private:
+    NSAutoreleasePool* m_pool;
+};
 
 } // namespace
 
@@ -115,6 +128,7 @@ RunLoopWatch::~RunLoopWatch()
 
 void RunLoopWatch::Watch(int descriptor, bool fReading, bool fWriting)
 {
+    const ScopedPool pool;
     TarvaneRunLoopTarget* const object = m_target->object;
     if (object->m_nDescriptor != descriptor)
         Release();
@@ -129,6 +143,7 @@ void RunLoopWatch::Watch(int descriptor, bool fReading, bool fWriting)
 
 void RunLoopWatch::Release()
 {
+    const ScopedPool pool;
     TarvaneRunLoopTarget* const object = m_target->object;
     if (object->m_fReading)
         [object watchFor:ET_RDESC add:false];
@@ -139,9 +154,14 @@ void RunLoopWatch::Release()
 
 void RunLoopWatch::WakeAfter(std::uint64_t microseconds)
 {
+    const ScopedPool pool;
     [m_target->object scheduleAfter:NSTimeInterval(microseconds) / 1'000'000];
 }
 
-void RunLoopWatch::CancelWake() { [m_target->object cancelTimer]; }
+void RunLoopWatch::CancelWake()
+{
+    const ScopedPool pool;
+    [m_target->object cancelTimer];
+}
 
 } // namespace AppleEvents

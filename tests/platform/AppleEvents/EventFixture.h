@@ -9,7 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace AppleEventTests
 {
@@ -19,21 +22,17 @@ namespace AppleEventTests
 inline constexpr SInt32 kPlentyTicks = 40 * 60;
 
 // Descriptors of one test, disposed of at its end.
-class Desc
+struct Desc : AEDesc
 {
-public:
-    Desc() = default;
-    Desc(DescType type, const void* data, Size size) { AECreateDesc(type, data, size, &m_desc); }
-    ~Desc() { AEDisposeDesc(&m_desc); }
-    Desc(Desc&& other) noexcept : m_desc(other.m_desc) { other.m_desc = {typeNull, nullptr}; }
+    Desc() : AEDesc{typeNull, nullptr} {}
+    Desc(DescType type, const void* data, Size size) { AECreateDesc(type, data, size, this); }
+    ~Desc() { AEDisposeDesc(this); }
+    Desc(Desc&& other) noexcept : AEDesc(other)
+    {
+        static_cast<AEDesc&>(other) = AEDesc{typeNull, nullptr};
+    }
     Desc(const Desc&) = delete;
     Desc& operator=(const Desc&) = delete;
-
-    AEDesc* operator&() { return &m_desc; }
-    const AEDesc& Value() const { return m_desc; }
-
-private:
-    AEDesc m_desc{typeNull, nullptr};
 };
 
 inline Desc NewEvent(AEEventID id, OSType signature = 'Tst1',
@@ -102,10 +101,19 @@ inline std::pair<OSErr, std::string> Echo(const std::string& text, OSType signat
     return {status, status == noErr ? Text(reply, keyDirectObject) : ""};
 }
 
-inline TarvaneTests::ChildProcess StartReceiver(const std::string& signature,
-                                                const std::string& expected = "ready")
+// In hexadecimal digits: Foundation takes no arguments but UTF-8.
+inline std::string Digits(OSType signature)
 {
-    TarvaneTests::ChildProcess receiver({TEST_RECEIVER_PROGRAM, signature});
+    char digits[9];
+    std::snprintf(digits, sizeof digits, "%08x", signature);
+    return digits;
+}
+
+inline TarvaneTests::ChildProcess StartReceiver(OSType signature,
+                                                const std::string& expected = "ready",
+                                                const std::vector<std::string>& settings = {})
+{
+    TarvaneTests::ChildProcess receiver({TEST_RECEIVER_PROGRAM, Digits(signature)}, settings);
     EXPECT_EQ(expected, receiver.ReadLine());
     return receiver;
 }
@@ -128,7 +136,7 @@ protected:
 class ReceiverTest : public BusTest
 {
 protected:
-    TarvaneTests::ChildProcess m_receiver = StartReceiver("Tst1");
+    TarvaneTests::ChildProcess m_receiver = StartReceiver('Tst1');
 };
 
 } // namespace AppleEventTests

@@ -17,12 +17,15 @@ enum Event : AEEventID
     kDie = 'Die!',   // ends the process without an answer
     kCount = 'Cnt ', // answers with the number of events handled before, as typeSInt32
     kThrow = 'Thro', // throws a C++ exception
-    kThrowInt = 'ThrI', // throws a number
-    kRaise = 'Rais',    // raises an NSException
-    kNest = 'Nest',     // answers once another event has come, handled by a run loop within
-    kMode = 'Mode',     // from now on the run loop runs in the mode that '----' names (UTF-8)
-    kRemove = 'Rmve',   // removes the handler for kEcho
-    kSpin = 'Spin'      // answers with the passes of the run loop until now, as typeSInt32
+    kThrowInt = 'ThrI',  // throws a number
+    kRaise = 'Rais',     // raises an NSException
+    kNest = 'Nest',      // answers once another event has come, handled by a run loop within
+    kMode = 'Mode',      // from now on the run loop runs in the mode that '----' names (UTF-8)
+    kKill = 'Kill',      // kills the process whose id is in '----' (typeSInt32), then sleeps
+    kRemoveAll = 'RmAl', // removes every handler
+    kBack = 'Back',      // removes every handler and installs them again
+    kRemove = 'Rmve',    // removes the handler for kEcho
+    kSpin = 'Spin'       // answers with the passes of the run loop until now, as typeSInt32
 };
 
 } // namespace TestReceiver

@@ -1,5 +1,6 @@
-// A process that receives the events of TestReceiver.h. Its only argument is the signature, four
-// characters. It prints "ready" once it owns the name; otherwise the status, and ends with 3.
+// A process that receives the events of TestReceiver.h. Its only argument is the signature in
+// hexadecimal digits. It prints "ready" once it owns the name; otherwise the status, and ends
+// with 3.
 
 #include "tests/platform/AppleEvents/TestReceiver.h"
 
@@ -7,9 +8,11 @@
 
 #import <Foundation/Foundation.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include <unistd.h>
@@ -76,6 +79,13 @@ void ChangeMode(const AppleEvent* event)
                                        encoding:NSUTF8StringEncoding];
 }
 
+// A stay long enough for every test that wants a receiver to be at work.
+constexpr unsigned kLongSeconds = 60;
+
+OSErr Handle(const AppleEvent* event, AppleEvent* reply, void*);
+OSErr InstallAll();
+OSErr RemoveAll();
+
 OSErr EchoHandler(const AppleEvent* event, AppleEvent* reply, void*)
 {
     g_nHandled++;
@@ -116,6 +126,14 @@ OSErr Handle(const AppleEvent* event, AppleEvent* reply, void*)
     case kMode:
         ChangeMode(event);
         return noErr;
+    case kKill:
+        kill(Value<SInt32>(event), SIGKILL);
+        sleep(kLongSeconds);
+        return noErr;
+    case kRemoveAll:
+        return RemoveAll();
+    case kBack:
+        return RemoveAll() == noErr ? InstallAll() : OSErr(paramErr);
     case kRemove:
         return AERemoveEventHandler(kClass, kEcho, nullptr, false);
     case kSpin:
@@ -125,23 +143,27 @@ OSErr Handle(const AppleEvent* event, AppleEvent* reply, void*)
     }
 }
 
+constexpr AEEventID kHandled[] = {kFail,  kSlow,     kBulk,      kDie,    kCount,
+                                  kThrow, kThrowInt, kRaise,     kNest,   kMode,
+                                  kKill,  kBack,     kRemoveAll, kRemove, kSpin};
+
 OSErr InstallAll()
 {
     OSErr status = AEInstallEventHandler(kClass, kEcho, EchoHandler, nullptr, false);
-    for (const AEEventID eventID : {kFail, kSlow, kBulk, kDie, kCount, kThrow, kThrowInt, kRaise,
-                                    kNest, kMode, kRemove, kSpin})
+    for (const AEEventID eventID : kHandled)
         if (status == noErr)
             status = AEInstallEventHandler(kClass, eventID, NewAEEventHandlerUPP(Handle), nullptr,
                                            false);
     return status;
 }
 
-OSType SignatureOf(const char* text)
+OSErr RemoveAll()
 {
-    OSType signature = 0;
-    for (int i = 0; i < 4 && text[i]; i++)
-        signature = signature << 8 | static_cast<unsigned char>(text[i]);
-    return signature;
+    OSErr status = AERemoveEventHandler(kClass, kEcho, EchoHandler, false);
+    for (const AEEventID eventID : kHandled)
+        if (status == noErr)
+            status = AERemoveEventHandler(kClass, eventID, Handle, false);
+    return status;
 }
 
 } // namespace
@@ -152,7 +174,7 @@ int main(int argc, char** argv)
         return 2;
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     g_strMode = [NSDefaultRunLoopMode retain];
-    TarvaneSetApplicationSignature(SignatureOf(argv[1]));
+    TarvaneSetApplicationSignature(OSType(std::stoul(argv[1], nullptr, 16)));
     const OSErr status = InstallAll();
     std::printf(status == noErr ? "ready\n" : "%d\n", status);
     std::fflush(stdout);

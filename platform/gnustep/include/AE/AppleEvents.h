@@ -84,7 +84,7 @@ extern "C"
     // noErr                  installed, and the process owns its signature
     // errAEDuplicateHandler  another process receives events for this signature
     // procNotFound           there is no session bus to connect to
-    // errAETimeout           the session bus did not answer within ten seconds
+    // errAETimeout           the session bus did not answer within the default timeout
     // errAEEventNotPermitted, memFullErr  the bus refuses, or memory is exhausted
     // paramErr               no handler, no signature, or not the main thread
     // On every failure nothing is installed, and the call may be made again.

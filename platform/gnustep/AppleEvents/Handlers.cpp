@@ -1,6 +1,7 @@
 #include "platform/gnustep/AppleEvents/Handlers.h"
 
-#import <Foundation/Foundation.h>
+#include <cstdio>
+#include <exception>
 
 namespace AppleEvents
 {
@@ -22,7 +23,9 @@ private:
     AEDesc m_desc;
 };
 
-OSErr CallCxx(AEEventHandlerUPP routine, const AppleEvent* event, AppleEvent* reply, void* refcon)
+// No exception of a handler may reach the run loop: there it would end the receiver. The last
+// clause takes Objective-C exceptions too.
+OSErr Call(AEEventHandlerUPP routine, const AppleEvent* event, AppleEvent* reply, void* refcon)
 {
     try
     {
@@ -34,30 +37,13 @@ OSErr CallCxx(AEEventHandlerUPP routine, const AppleEvent* event, AppleEvent* re
     }
     catch (const std::exception& failure)
     {
-        NSLog(@"An Apple event handler failed: %s", failure.what());
-        return errAEEventFailed;
+        std::fprintf(stderr, "Apple events: a handler failed: %s\n", failure.what());
     }
-}
-
-// No exception of a handler may reach the run loop: there it would end the receiver.
-OSErr Call(AEEventHandlerUPP routine, const AppleEvent* event, AppleEvent* reply, void* refcon)
-{
-    NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
-    OSErr status = errAEEventFailed;
-    @try
+    catch (...)
     {
-        status = CallCxx(routine, event, reply, refcon);
+        std::fprintf(stderr, "Apple events: a handler failed\n");
     }
-    @catch (NSException* failure)
-    {
-        NSLog(@"An Apple event handler failed: %@", failure);
-    }
-    @catch (...)
-    {
-        NSLog(@"An Apple event handler failed");
-    }
-    [pool drain];
-    return status;
+    return errAEEventFailed;
 }
 
 } // namespace
