@@ -1,0 +1,75 @@
+#include "tests/utils/FileIO/LibraryCalls.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <new>
+
+LibraryCalls gLibraryCalls;
+
+namespace
+{
+
+template <typename Function> Function* Next(const char* pszName)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, pszName));
+}
+
+// The allocator that the program has without us: a sanitizer's, if it is built with one.
+void* MakeArray(std::size_t nSize)
+{
+    ++gLibraryCalls.nArraysMade;
+    gLibraryCalls.nLastArraySize = nSize;
+    static auto* const pNext = Next<void*(std::size_t)>("_Znam");
+    return gLibraryCalls.fFailArrays ? nullptr : pNext(nSize);
+}
+
+} // namespace
+
+void* operator new[](std::size_t nSize)
+{
+    void* p = MakeArray(nSize);
+    if (p == nullptr)
+        throw std::bad_alloc();
+    return p;
+}
+
+void* operator new[](std::size_t nSize, const std::nothrow_t&) noexcept
+{
+    return MakeArray(nSize);
+}
+
+void operator delete[](void* p) noexcept
+{
+    if (p != nullptr)
+        ++gLibraryCalls.nArraysFreed;
+    static auto* const pNext = Next<void(void*)>("_ZdaPv");
+    pNext(p);
+}
+
+void operator delete[](void* p, std::size_t) noexcept
+{
+    operator delete[](p);
+}
+
+extern "C" int remove(const char* pszPath) noexcept
+{
+    ++gLibraryCalls.nRemoves;
+    static auto* const pNext = Next<int(const char*)>("remove");
+    return pNext(pszPath);
+}
+
+extern "C" char* mkdtemp(char* pszTemplate) noexcept
+{
+    gLibraryCalls.strTemplate = pszTemplate;
+    static auto* const pNext = Next<char*(char*)>("mkdtemp");
+    return gLibraryCalls.fFailTemporary ? nullptr : pNext(pszTemplate);
+}
+
+extern "C" int mkstemp(char* pszTemplate)
+{
+    gLibraryCalls.strTemplate = pszTemplate;
+    static auto* const pNext = Next<int(char*)>("mkstemp");
+    gLibraryCalls.nDescriptor = gLibraryCalls.fFailTemporary ? -1 : pNext(pszTemplate);
+    return gLibraryCalls.nDescriptor;
+}
