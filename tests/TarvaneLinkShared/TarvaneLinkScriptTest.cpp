@@ -131,6 +131,11 @@ struct ReplySize
     std::vector<std::string> m_reads; // of 'Rslt'
 };
 
+std::ostream& operator<<(std::ostream& stream, const ReplySize& size)
+{
+    return stream << size.m_nBytes << " bytes";
+}
+
 class ReplyOfSize : public ScriptFixture, public ::testing::WithParamInterface<ReplySize>
 {
 };
