@@ -2,8 +2,6 @@
 
 #include "platform/gnustep/CoreFoundation/Pool.h"
 
-#include <limits>
-
 const CFAllocatorRef kCFAllocatorDefault = nullptr;
 
 CFTypeRef CFRetain(CFTypeRef object) { return [(id)object retain]; }
@@ -15,9 +13,4 @@ void CFRelease(CFTypeRef object)
     [(id)object release];
 }
 
-CFIndex CFGetRetainCount(CFTypeRef object)
-{
-    const NSUInteger count = [(id)object retainCount];
-    constexpr CFIndex kLargest = std::numeric_limits<CFIndex>::max();
-    return count > NSUInteger(kLargest) ? kLargest : CFIndex(count);
-}
+CFIndex CFGetRetainCount(CFTypeRef object) { return CFIndex([(id)object retainCount]); }

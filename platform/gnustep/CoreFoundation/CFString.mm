@@ -1,9 +1,11 @@
 #include <CoreFoundation/CFString.h>
 
 #include "platform/gnustep/CoreFoundation/Pool.h"
+#include "platform/gnustep/CoreFoundation/UnitString.h"
 
 #include <cstring>
 #include <limits>
+#include <vector>
 
 namespace
 {
@@ -51,39 +53,32 @@ CFIndex BytesPerUnit(CFStringEncoding encoding)
     }
 }
 
-// Foundation takes a leading U+FEFF or U+FFFE for a mark of the byte order and drops it. Behind
-// another character it stays, so the text is made with one in front that is then taken away.
+NSString* CreateFromUnits(const UniChar* units, NSUInteger count)
+{
+    return [[PlatformUnitString alloc] initWithUnits:units count:count];
+}
+
+// Foundation takes a leading U+FEFF or U+FFFE for a mark of the byte order and drops it.
 bool IsByteOrderMark(UniChar unit) { return unit == 0xFEFF || unit == 0xFFFE; }
 
+// Either mark starts with this byte in UTF-8; so do other characters, which do not mind.
 bool MayStartWithByteOrderMark(const char* text)
 {
     return static_cast<unsigned char>(text[0]) == 0xEF;
 }
 
-NSString* WithoutFirst(NSString* text)
-{
-    NSMutableString* rest = [text mutableCopy];
-    [rest deleteCharactersInRange:NSMakeRange(0, 1)];
-    return rest;
-}
-
+// Behind another character the mark stays.
 NSString* CreateMarkedFromUTF8(const char* text)
 {
     NSMutableData* bytes = [NSMutableData dataWithBytes:"-" length:1];
     [bytes appendBytes:text length:std::strlen(text)];
     NSString* whole = [[[NSString alloc] initWithData:bytes
                                              encoding:NSUTF8StringEncoding] autorelease];
-    return whole == nil ? nil : WithoutFirst(whole);
-}
-
-NSString* CreateMarkedFromCharacters(const UniChar* characters, NSUInteger length)
-{
-    NSMutableData* units = [NSMutableData dataWithLength:(length + 1) * sizeof(UniChar)];
-    UniChar* buffer = static_cast<UniChar*>([units mutableBytes]);
-    buffer[0] = '-';
-    std::memcpy(buffer + 1, characters, length * sizeof(UniChar));
-    NSString* whole = [[[NSString alloc] initWithCharacters:buffer length:length + 1] autorelease];
-    return WithoutFirst(whole);
+    if (whole == nil)
+        return nil;
+    std::vector<UniChar> units([whole length]);
+    [whole getCharacters:units.data()];
+    return CreateFromUnits(units.data() + 1, units.size() - 1);
 }
 
 } // namespace
@@ -109,8 +104,11 @@ CFStringRef CFStringCreateWithCharacters(CFAllocatorRef, const UniChar* characte
 
     platform::Pool pool;
     if (length > 0 && IsByteOrderMark(characters[0]))
-        return (CFStringRef)CreateMarkedFromCharacters(characters, length);
-    return (CFStringRef)[[NSString alloc] initWithCharacters:characters length:length];
+        return (CFStringRef)CreateFromUnits(characters, length);
+    NSString* string = [[NSString alloc] initWithCharacters:characters length:length];
+    if (string == nil)
+        string = CreateFromUnits(characters, length);
+    return (CFStringRef)string;
 }
 
 CFIndex CFStringGetLength(CFStringRef string) { return [(NSString*)string length]; }
@@ -137,11 +135,16 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
     if (string == nullptr || foundation == kNoEncoding)
         return false;
 
+    // Not by -getCString:maxLength:encoding:, which raises an exception for some strings that
+    // cannot be converted.
     platform::Pool pool;
-    if ([(NSString*)string getCString:buffer maxLength:size encoding:foundation])
-        return true;
-    buffer[0] = '\0';
-    return false;
+    NSData* text = [(NSString*)string dataUsingEncoding:foundation allowLossyConversion:NO];
+    const NSUInteger length = [text length];
+    if (text == nil || length >= NSUInteger(size))
+        return false;
+    [text getBytes:buffer length:length];
+    buffer[length] = '\0';
+    return true;
 }
 
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding)

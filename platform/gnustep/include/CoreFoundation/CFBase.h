@@ -46,7 +46,7 @@ extern "C"
     CFTypeRef CFRetain(CFTypeRef object);
     void CFRelease(CFTypeRef object);
 
-    // For tests and diagnostics. Objects that are never destroyed, such as the empty string,
-    // answer with the largest CFIndex; null with 0.
+    // For tests and diagnostics. Says nothing of objects that are never destroyed, such as the
+    // empty string; 0 for null.
     CFIndex CFGetRetainCount(CFTypeRef object);
 }

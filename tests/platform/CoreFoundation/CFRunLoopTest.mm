@@ -1,0 +1,39 @@
+#import <Foundation/Foundation.h>
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+TEST(CFRunLoop, EachThreadHasOneOfItsOwn)
+{
+    CFRunLoopRef here = CFRunLoopGetCurrent();
+    CFRunLoopRef there = nullptr;
+    CFRunLoopRef thereAgain = nullptr;
+    std::thread thread(
+        [&]
+        {
+            there = CFRunLoopGetCurrent();
+            thereAgain = CFRunLoopGetCurrent();
+        });
+    thread.join();
+    EXPECT_NE(here, nullptr);
+    EXPECT_EQ(here, CFRunLoopGetCurrent());
+    EXPECT_NE(there, here);
+    EXPECT_EQ(there, thereAgain);
+}
+
+TEST(CFRunLoop, MainIsTheMainThreadsFromEverywhere)
+{
+    CFRunLoopRef fromThread = nullptr;
+    std::thread thread([&] { fromThread = CFRunLoopGetMain(); });
+    thread.join();
+    EXPECT_EQ(fromThread, CFRunLoopGetCurrent());
+    EXPECT_EQ(CFRunLoopGetMain(), CFRunLoopGetCurrent());
+}
+
+TEST(CFRunLoop, DefaultModeIsFoundations)
+{
+    EXPECT_TRUE([NSDefaultRunLoopMode isEqualToString:(NSString*)kCFRunLoopDefaultMode]);
+}

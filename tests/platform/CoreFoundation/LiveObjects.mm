@@ -1,0 +1,14 @@
+#import <Foundation/Foundation.h>
+
+#include "tests/platform/CoreFoundation/LiveObjects.h"
+
+long LiveObjects()
+{
+    GSDebugAllocationActive(YES);
+    long count = 0;
+    Class* classes = GSDebugAllocationClassList();
+    for (Class* each = classes; each != nullptr && *each != Nil; ++each)
+        count += GSDebugAllocationCount(*each);
+    NSZoneFree(NSDefaultMallocZone(), classes);
+    return count;
+}
