@@ -1,0 +1,55 @@
+// A command processor on a session in memory, with sound files to work on.
+#pragma once
+
+#include "apps/server/CommandProcessor.h"
+#include "tests/apps/server/SoundMaker.h"
+#include "tests/apps/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+namespace TarvaneTest
+{
+
+class CommandFixture : public testing::Test
+{
+protected:
+    std::string Path(const std::string& strName) const { return (m_folder / strName).string(); }
+
+    std::string Result(const std::string& strScript)
+    {
+        const Tarvane::Server::CommandReply reply = m_processor.Run(strScript);
+        EXPECT_EQ(reply.strError, "") << strScript;
+        return reply.strResult;
+    }
+
+    std::string Error(const std::string& strScript)
+    {
+        const Tarvane::Server::CommandReply reply = m_processor.Run(strScript);
+        EXPECT_EQ(reply.strResult, "") << strScript;
+        return reply.strError;
+    }
+
+    // The same with the script document selected.
+    std::string SelectedResult(const std::string& strScript)
+    {
+        return Result("SelectScriptDocument() " + strScript);
+    }
+    std::string SelectedError(const std::string& strScript)
+    {
+        return Error("SelectScriptDocument() " + strScript);
+    }
+
+    const Tarvane::Server::Document& ScriptDocument() const
+    {
+        return m_processor.Session().GetDocument(Tarvane::Server::DocumentKind::Script);
+    }
+
+    CTemporaryFolder m_folder;
+    const std::string m_strTake = MakeSound(m_folder / "take.wav", Noise(100));
+    Tarvane::Server::CCommandProcessor m_processor{
+        Tarvane::Server::CSession({"Vox", "Guitar"}, 0.1), nullptr, true};
+};
+
+} // namespace TarvaneTest

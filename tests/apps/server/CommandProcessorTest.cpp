@@ -1,0 +1,153 @@
+#include "apps/server/CommandProcessor.h"
+
+#include "tests/apps/server/CommandFixture.h"
+#include "tests/apps/server/FailingCalls.h"
+
+namespace Tarvane::Server
+{
+namespace
+{
+
+using TarvaneTest::CFailingCall;
+using testing::HasSubstr;
+
+class CommandProcessor : public TarvaneTest::CommandFixture
+{
+protected:
+    CommandProcessor() : m_store(m_folder / "session") {}
+
+    std::string Add(std::int64_t nPosition) const
+    {
+        return "AddAudioRegion(GetTrackID(0), \"" + m_strTake + "\", true, false, " +
+               std::to_string(nPosition) + ",0,100)\n";
+    }
+
+    CommandReply Run(const std::string& strScript)
+    {
+        return m_stored.Run("SelectScriptDocument() " + strScript);
+    }
+
+    // Regions of the script document: in the file, and in the server.
+    std::size_t StoredRegions() { return Regions(*CSessionStore(m_folder / "session").Load()); }
+    std::size_t LiveRegions() const { return Regions(m_stored.Session()); }
+
+    static std::size_t Regions(const CSession& session)
+    {
+        return session.GetDocument(DocumentKind::Script).regions.size();
+    }
+
+    CSessionStore m_store;
+    CCommandProcessor m_stored{CSession({"Vox"}, 0), &m_store, true};
+};
+
+TEST_F(CommandProcessor, AReplyHoldsWhatWasPrinted)
+{
+    const CommandReply reply = m_stored.Run("print(1) print('two')");
+    EXPECT_EQ(reply.strResult, "1\ntwo\n");
+    EXPECT_EQ(reply.strError, "");
+}
+
+TEST_F(CommandProcessor, AChangeIsOnDiskWhenTheReplyIsThere)
+{
+    Run(Add(0));
+    EXPECT_EQ(StoredRegions(), 1u);
+}
+
+TEST_F(CommandProcessor, AScriptWithManyChangesSavesOnce)
+{
+    Run("MoveDisplayToPosition(1)");
+    // Of the two calls of each save the third belongs to a second one.
+    const CFailingCall failing("fsync", 3, EIO);
+    EXPECT_EQ(Run(Add(0) + Add(1000) + "MoveDisplayToPosition(5)").strError, "");
+    EXPECT_FALSE(failing.HasFailed());
+    EXPECT_EQ(StoredRegions(), 2u);
+}
+
+TEST_F(CommandProcessor, AScriptWithoutChangesSavesNothing)
+{
+    const CFailingCall failing("fsync", 1, EIO);
+    EXPECT_EQ(Run("print(GetTrackCount())").strResult, "1\n");
+    EXPECT_FALSE(failing.HasFailed());
+}
+
+TEST_F(CommandProcessor, AFailedSaveUndoesTheChangeAndSaysSo)
+{
+    Run(Add(0));
+    const std::int64_t nUpdates = m_stored.Session().UpdateCount();
+    for (const char* szCall : {"write", "fsync", "rename"})
+    {
+        const CFailingCall failing(szCall, 1, ENOSPC);
+        const CommandReply reply = Run("print(1) " + Add(1000));
+        EXPECT_THAT(reply.strError,
+                    HasSubstr("nothing was changed, for the session could not be saved: cannot "));
+        EXPECT_THAT(reply.strError, HasSubstr("No space left on device"));
+        EXPECT_EQ(reply.strResult, "");
+        EXPECT_EQ(LiveRegions(), 1u);
+        EXPECT_EQ(StoredRegions(), 1u);
+        EXPECT_EQ(m_stored.Session().UpdateCount(), nUpdates);
+    }
+    EXPECT_EQ(Run(Add(1000)).strError, "");
+    EXPECT_EQ(StoredRegions(), 2u);
+}
+
+TEST_F(CommandProcessor, ASaveThatFailsLateIsUndoneInTheFileToo)
+{
+    Run(Add(0));
+    const CFailingCall failing("fsync", 2, EIO);
+    EXPECT_THAT(Run(Add(1000)).strError, HasSubstr("nothing was changed"));
+    EXPECT_EQ(LiveRegions(), 1u);
+    EXPECT_EQ(StoredRegions(), 1u);
+}
+
+// A client takes an event that was answered as delivered, error text or not.
+TEST_F(CommandProcessor, WhatWasDoneBeforeAnErrorStaysDone)
+{
+    const CommandReply reply = Run(Add(0) + "MoveDisplayToPosition('nowhere')");
+    EXPECT_EQ(reply.strError,
+              "MoveDisplayToPosition: argument 1 should be a number, and is a string");
+    EXPECT_EQ(LiveRegions(), 1u);
+    EXPECT_EQ(StoredRegions(), 1u);
+    // Sent again, it is found to be there.
+    EXPECT_EQ(Run("print(CheckForDuplicateRegion(GetTrackID(0), \"" + m_strTake + "\",0,0,100))")
+                  .strResult,
+              "1\n");
+}
+
+TEST_F(CommandProcessor, WhatWasDoneBeforeABoundStaysDone)
+{
+    EXPECT_EQ(Run(Add(0) + "while true do end").strError,
+              "the script runs longer than 10000000 instructions");
+    EXPECT_EQ(StoredRegions(), 1u);
+}
+
+TEST_F(CommandProcessor, TheOutputOfAScriptThatFailsIsWithheld)
+{
+    const CommandReply reply = m_stored.Run("print(3) print(1) error('halfway', 0)");
+    EXPECT_EQ(reply.strResult, "");
+    EXPECT_EQ(reply.strError, "halfway");
+}
+
+TEST_F(CommandProcessor, AScriptErrorIsNotLostInAFailedSave)
+{
+    const CFailingCall failing("write", 1, ENOSPC);
+    EXPECT_THAT(Run(Add(0) + "error('and this', 0)").strError,
+                testing::AllOf(HasSubstr("could not be saved"), HasSubstr("; and and this")));
+}
+
+TEST_F(CommandProcessor, LimitsAreTheGivenOnes)
+{
+    SandboxLimits limits;
+    limits.nInstructions = 1000;
+    CCommandProcessor processor(CSession(), nullptr, true, limits);
+    EXPECT_EQ(processor.Run("for n = 1, 5000 do end").strError,
+              "the script runs longer than 1000 instructions");
+}
+
+TEST_F(CommandProcessor, WithoutAStoreTheSessionLivesInMemory)
+{
+    SelectedResult(Add(0));
+    EXPECT_EQ(ScriptDocument().regions.size(), 1u);
+}
+
+} // namespace
+} // namespace Tarvane::Server

@@ -1,0 +1,23 @@
+// System calls that fail when a test says so. The linker puts them in the place of the real ones
+// (--wrap), in the programs that are built so.
+#pragma once
+
+#include <string>
+
+namespace TarvaneTest
+{
+
+// For the life of the object the n-th call from now on (from 1) of "write", "fsync" or "rename"
+// fails with the error. One at a time.
+class CFailingCall
+{
+public:
+    CFailingCall(const std::string& strCall, int nCall, int nError);
+    ~CFailingCall();
+    CFailingCall(const CFailingCall&) = delete;
+    CFailingCall& operator=(const CFailingCall&) = delete;
+
+    bool HasFailed() const;
+};
+
+} // namespace TarvaneTest

@@ -1,0 +1,102 @@
+#include "apps/server/Server.h"
+
+#include "apps/server/AtomicFile.h"
+#include "apps/support/CommandLine.h"
+#include "tests/apps/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <memory>
+
+namespace Tarvane::Server
+{
+namespace
+{
+
+using testing::HasSubstr;
+
+class OpenSessionOf : public testing::Test
+{
+protected:
+    CSession Open()
+    {
+        CSessionStore store(m_file);
+        return OpenSession(&store, m_options);
+    }
+
+    std::string UsageError()
+    {
+        try
+        {
+            Open();
+            return "opened";
+        }
+        catch (const CUsageError& error)
+        {
+            return error.what();
+        }
+    }
+
+    TarvaneTest::CTemporaryFolder m_folder;
+    const std::filesystem::path m_file = m_folder / "session";
+    Options m_options;
+};
+
+TEST_F(OpenSessionOf, ANewFileHoldsTheNewSession)
+{
+    m_options.trackNames = {"Vox"};
+    m_options.linkOffset = 2.5;
+    EXPECT_EQ(Open().LinkOffset(), 2.5);
+    const CSession stored = *CSessionStore(m_file).Load();
+    EXPECT_EQ(stored.LinkOffset(), 2.5);
+    EXPECT_EQ(stored.GetDocument(DocumentKind::Script).tracks.at(0).strName, "Vox");
+}
+
+TEST_F(OpenSessionOf, AnExistingSessionGoesOn)
+{
+    m_options.trackNames = {"Vox"};
+    CSession session = Open();
+    session.MoveDisplay(DocumentKind::Script, 99);
+    CSessionStore(m_file).Save(session);
+    EXPECT_EQ(Open().GetDocument(DocumentKind::Script).dDisplayPosition, 99);
+    m_options = {};
+    EXPECT_EQ(Open().GetDocument(DocumentKind::Script).dDisplayPosition, 99);
+}
+
+TEST_F(OpenSessionOf, OptionsThatSayOtherwiseAreRefused)
+{
+    m_options.trackNames = {"Vox"};
+    Open();
+    m_options.trackNames = {"Vox", "Guitar"};
+    EXPECT_THAT(UsageError(), HasSubstr("exists and says otherwise than --track"));
+    m_options.trackNames = {"Vox"};
+    m_options.linkOffset = 1.0;
+    EXPECT_THAT(UsageError(), HasSubstr("exists and says otherwise than --link-offset"));
+    m_options.linkOffset = 0.0;
+    EXPECT_EQ(UsageError(), "opened");
+}
+
+TEST_F(OpenSessionOf, AFlawedFileIsKept)
+{
+    std::ofstream(m_file) << "{}";
+    EXPECT_THAT(UsageError(), HasSubstr("is flawed and has been left as it is"));
+    EXPECT_EQ(ReadFile(m_file, 100), "{}");
+}
+
+TEST_F(OpenSessionOf, AFileInUseIsRefused)
+{
+    CSessionStore store(m_file);
+    store.Lock();
+    EXPECT_THROW(Open(), std::runtime_error);
+}
+
+TEST_F(OpenSessionOf, WithoutAFileThereIsANewSession)
+{
+    m_options.trackNames = {"Vox"};
+    EXPECT_EQ(OpenSession(nullptr, m_options).GetDocument(DocumentKind::Script).tracks.size(), 1u);
+    EXPECT_TRUE(m_folder.Files().empty());
+}
+
+} // namespace
+} // namespace Tarvane::Server

@@ -1,0 +1,100 @@
+#include "apps/server/Options.h"
+
+#include <gmock/gmock.h>
+
+namespace Tarvane::Server
+{
+namespace
+{
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+Options Parse(std::vector<std::string> arguments)
+{
+    CLI::App app("", "tarvane-server");
+    Options options;
+    DeclareOptions(app, options);
+    std::reverse(arguments.begin(), arguments.end());
+    app.parse(arguments);
+    return options;
+}
+
+std::string ErrorOf(const std::vector<std::string>& arguments)
+{
+    try
+    {
+        Parse(arguments);
+        return "read";
+    }
+    catch (const CLI::ParseError& error)
+    {
+        return error.what();
+    }
+}
+
+TEST(Options, NoneIsFine)
+{
+    const Options options = Parse({});
+    EXPECT_EQ(options.strSessionFile, "");
+    EXPECT_TRUE(options.trackNames.empty());
+    EXPECT_FALSE(options.linkOffset.has_value());
+    EXPECT_FALSE(options.fNoDocument);
+    EXPECT_TRUE(options.faults.empty());
+}
+
+TEST(Options, AllAreRead)
+{
+    const Options options =
+        Parse({"--session", "a.session", "--track", "Vox", "--track", "Lead Guitar",
+               "--link-offset", "-2.5", "--log", "-", "--no-document", "--misbehave", "hang@3",
+               "--misbehave", "exit-after-effect@1"});
+    EXPECT_EQ(options.strSessionFile, "a.session");
+    EXPECT_THAT(options.trackNames, ElementsAre("Vox", "Lead Guitar"));
+    EXPECT_EQ(options.linkOffset, -2.5);
+    EXPECT_EQ(options.strLogFile, "-");
+    EXPECT_TRUE(options.fNoDocument);
+    ASSERT_EQ(options.faults.size(), 2u);
+    EXPECT_EQ(options.faults[0].fault, Fault::Hang);
+    EXPECT_EQ(options.faults[1].nEvent, 1);
+}
+
+TEST(Options, AListingCanBeJson)
+{
+    const Options options = Parse({"--list-session", "a.session", "--json"});
+    EXPECT_EQ(options.strListedFile, "a.session");
+    EXPECT_TRUE(options.fJson);
+    EXPECT_THAT(ErrorOf({"--json"}), HasSubstr("--list-session"));
+}
+
+TEST(Options, TrackNamesThatBreakTheListAreRefused)
+{
+    EXPECT_THAT(ErrorOf({"--track", "a\nb"}),
+                HasSubstr("a track's name contains a line end or another control character"));
+    EXPECT_THAT(ErrorOf({"--track", ""}), HasSubstr("a track's name is empty"));
+    EXPECT_THAT(ErrorOf({"--track", std::string(1000, 'x')}), HasSubstr("longer than 999 bytes"));
+    EXPECT_THAT(ErrorOf({"--track", "\xff"}), HasSubstr("not UTF-8"));
+}
+
+TEST(Options, OneNameFollowsEachTrack)
+{
+    EXPECT_NE(ErrorOf({"--track", "Vox", "Guitar"}), "read");
+}
+
+TEST(Options, OffsetsAreNumbersInReach)
+{
+    EXPECT_THAT(ErrorOf({"--link-offset", "soon"}), HasSubstr("--link-offset"));
+    EXPECT_THAT(ErrorOf({"--link-offset", "nan"}), HasSubstr("within a million seconds"));
+    EXPECT_THAT(ErrorOf({"--link-offset", "1e9"}), HasSubstr("within a million seconds"));
+}
+
+TEST(Options, UnknownFaultsAndOptionsAreRefused)
+{
+    EXPECT_THAT(ErrorOf({"--misbehave", "dance@1"}), HasSubstr("there is no fault \"dance\""));
+    EXPECT_NE(ErrorOf({"--nonsense"}), "read");
+    EXPECT_NE(ErrorOf({"extra"}), "read");
+    EXPECT_NE(ErrorOf({"--session"}), "read");
+}
+
+} // namespace
+} // namespace Tarvane::Server

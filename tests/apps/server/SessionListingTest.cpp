@@ -1,0 +1,79 @@
+#include "apps/server/SessionListing.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+namespace Tarvane::Server
+{
+namespace
+{
+
+CSession ListedSession()
+{
+    CSession session({"Vox", "Guitar"}, 2.5);
+    Region region;
+    region.nTrackId = 2;
+    region.strPath = "/audio/take.wav";
+    region.nStart = 24000;
+    region.nEnd = 48000 * 3661;
+    region.nPosition = -48;
+    region.nSampleRate = 48000;
+    session.SelectRegion(DocumentKind::Script, session.AddRegion(DocumentKind::Script, region));
+    region.channels = {0, 2};
+    region.fMuted = true;
+    session.AddRegion(DocumentKind::Script, region);
+    session.MoveDisplay(DocumentKind::Script, 1234567);
+    return session;
+}
+
+TEST(SessionListing, TellsEveryRegionWhereItLies)
+{
+    EXPECT_EQ(ListSession(ListedSession()),
+              "link offset 2.5 s, 4 updates\n"
+              "script document, display at 1234567\n"
+              "  track 0  Vox\n"
+              "  track 1  Guitar\n"
+              "    region 5  /audio/take.wav  48000 Hz  selected\n"
+              "      start     24000  0:00:00.500\n"
+              "      end       175728000  1:01:01.000\n"
+              "      position  -48  -0:00:00.001\n"
+              "    region 6  /audio/take.wav  48000 Hz  channels 0 2  muted\n"
+              "      start     24000  0:00:00.500\n"
+              "      end       175728000  1:01:01.000\n"
+              "      position  -48  -0:00:00.001\n"
+              "audiosuite document, display at 0\n"
+              "  track 0  Vox\n"
+              "  track 1  Guitar\n");
+}
+
+TEST(SessionListing, JsonTellsTheSame)
+{
+    const auto listing = nlohmann::json::parse(ListSessionAsJson(ListedSession()));
+    EXPECT_EQ(listing["linkOffset"], 2.5);
+    EXPECT_EQ(listing["updateCount"], 4);
+    const auto& document = listing["documents"][0];
+    EXPECT_EQ(document["kind"], "script");
+    EXPECT_EQ(document["displayPosition"], 1234567);
+    EXPECT_EQ(document["selectedRegion"], 5);
+    EXPECT_EQ(document["tracks"][0]["regions"].size(), 0u);
+    const auto& track = document["tracks"][1];
+    EXPECT_EQ(track["name"], "Guitar");
+    EXPECT_EQ(track["number"], 1);
+    EXPECT_EQ(track["id"], 2);
+    const auto& region = track["regions"][1];
+    EXPECT_EQ(region, nlohmann::json::parse(R"({"id": 6, "file": "/audio/take.wav",
+        "start": 24000, "end": 175728000, "position": -48, "timelineStart": 23952,
+        "sampleRate": 48000, "channels": [0, 2], "muted": true, "startTime": "0:00:00.500",
+        "endTime": "1:01:01.000", "positionTime": "-0:00:00.001"})"));
+    EXPECT_EQ(listing["documents"][1]["kind"], "audiosuite");
+}
+
+TEST(SessionListing, AnEmptySessionIsListedToo)
+{
+    EXPECT_EQ(ListSession(CSession()), "link offset 0 s, 0 updates\n"
+                                       "script document, display at 0\n"
+                                       "audiosuite document, display at 0\n");
+}
+
+} // namespace
+} // namespace Tarvane::Server

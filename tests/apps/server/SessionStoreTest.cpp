@@ -1,0 +1,142 @@
+#include "apps/server/SessionStore.h"
+
+#include "apps/server/AtomicFile.h"
+#include "tests/apps/server/FailingCalls.h"
+#include "tests/apps/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <system_error>
+
+namespace Tarvane::Server
+{
+namespace
+{
+
+using TarvaneTest::CFailingCall;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class SessionStore : public testing::Test
+{
+protected:
+    std::int64_t StoredUpdates()
+    {
+        const std::optional<CSession> session = CSessionStore(m_file).Load();
+        return session ? session->UpdateCount() : -1;
+    }
+
+    // A session with so many updates.
+    static CSession SessionAt(int nUpdates)
+    {
+        CSession session({"Vox"}, 0);
+        for (int nUpdate = 1; nUpdate <= nUpdates; nUpdate++)
+            session.MoveDisplay(DocumentKind::Script, nUpdate);
+        return session;
+    }
+
+    TarvaneTest::CTemporaryFolder m_folder;
+    const std::filesystem::path m_file = m_folder / "session";
+};
+
+TEST_F(SessionStore, NoFileIsNoSession)
+{
+    EXPECT_FALSE(CSessionStore(m_file).Load().has_value());
+    EXPECT_THAT(m_folder.Files(), ElementsAre());
+}
+
+TEST_F(SessionStore, WhatIsSavedIsLoaded)
+{
+    CSessionStore(m_file).Save(SessionAt(3));
+    EXPECT_EQ(StoredUpdates(), 3);
+    EXPECT_THAT(m_folder.Files(), ElementsAre("session"));
+}
+
+TEST_F(SessionStore, AFlawedFileIsNamedAndKept)
+{
+    std::ofstream(m_file) << "not a session";
+    CSessionStore store(m_file);
+    try
+    {
+        store.Load();
+        FAIL();
+    }
+    catch (const CSessionFlaw& flaw)
+    {
+        EXPECT_THAT(flaw.what(), HasSubstr("the session file " + m_file.string() +
+                                           " is flawed and has been left as it is: "));
+    }
+    EXPECT_EQ(ReadFile(m_file, 100), "not a session");
+    EXPECT_THAT(m_folder.Files(), ElementsAre("session"));
+}
+
+TEST_F(SessionStore, AFailedSaveLeavesTheSessionBefore)
+{
+    CSessionStore store(m_file);
+    store.Save(SessionAt(1));
+    for (const char* szCall : {"write", "fsync", "rename"})
+    {
+        const CFailingCall failing(szCall, 1, ENOSPC);
+        EXPECT_THROW(store.Save(SessionAt(2)), std::system_error);
+        EXPECT_EQ(StoredUpdates(), 1) << szCall;
+    }
+}
+
+TEST_F(SessionStore, ASaveThatFailsAfterTheExchangeIsPutBack)
+{
+    CSessionStore(m_file).Save(SessionAt(1));
+    CSessionStore store(m_file);
+    store.Load();
+    {
+        const CFailingCall failing("fsync", 2, EIO);
+        EXPECT_THROW(store.Save(SessionAt(2)), std::system_error);
+    }
+    EXPECT_EQ(StoredUpdates(), 1);
+    store.Save(SessionAt(3));
+    {
+        const CFailingCall failing("fsync", 2, EIO);
+        EXPECT_THROW(store.Save(SessionAt(4)), std::system_error);
+    }
+    EXPECT_EQ(StoredUpdates(), 3);
+}
+
+TEST_F(SessionStore, ALinkKeepsPointingAtTheFile)
+{
+    std::filesystem::create_directory(m_folder / "elsewhere");
+    CSessionStore(m_folder / "elsewhere" / "real").Save(SessionAt(1));
+    std::filesystem::create_symlink(m_folder / "elsewhere" / "real", m_file);
+    CSessionStore(m_file).Save(SessionAt(2));
+    EXPECT_TRUE(std::filesystem::is_symlink(m_file));
+    EXPECT_EQ(CSessionStore(m_folder / "elsewhere" / "real").Load()->UpdateCount(), 2);
+}
+
+TEST_F(SessionStore, OneServerAtATimeHoldsTheLock)
+{
+    CSessionStore other(m_file);
+    {
+        CSessionStore store(m_file);
+        store.Lock();
+        try
+        {
+            other.Lock();
+            FAIL();
+        }
+        catch (const std::runtime_error& error)
+        {
+            EXPECT_EQ(error.what(), "the session " + m_file.string() +
+                                        " is in use by another server; end that one first");
+        }
+    }
+    CSessionStore(m_file).Lock();
+}
+
+TEST_F(SessionStore, AFolderThatIsMissingIsAnError)
+{
+    CSessionStore store(m_folder / "none" / "session");
+    EXPECT_THROW(store.Lock(), std::system_error);
+    EXPECT_THROW(store.Save(SessionAt(1)), std::system_error);
+}
+
+} // namespace
+} // namespace Tarvane::Server
