@@ -32,8 +32,9 @@ using SlotRef = std::unique_ptr<sd_bus_slot, SlotReleaser>;
 using MessageRef = std::unique_ptr<sd_bus_message, MessageReleaser>;
 
 // Starts a connection of one's own to the session bus. It is not ready yet, but calls may be queued
-// on it. procNotFound: there is nobody to connect to.
-OSErr StartConnection(BusRef& bus);
+// on it. A bus with too many others at its door is tried again until the deadline, and then
+// errAETimeout. procNotFound: there is nobody to connect to.
+OSErr StartConnection(BusRef& bus, const Deadline& deadline);
 
 enum class Wait
 {

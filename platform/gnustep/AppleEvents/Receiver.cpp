@@ -69,7 +69,7 @@ OSErr Receiver::Open(OSType signature, const Deadline& deadline)
         return noErr;
     }
     m_name = BusNameForSignature(signature);
-    OSErr status = Connect();
+    OSErr status = Connect(deadline);
     if (status == noErr)
     {
         const Wait wait = ProcessUntil(m_bus.get(), deadline,
@@ -97,10 +97,10 @@ void Receiver::Close()
     m_name.clear();
 }
 
-OSErr Receiver::Connect()
+OSErr Receiver::Connect(const Deadline& deadline)
 {
     m_ownership = Ownership::Asked;
-    if (const OSErr status = StartConnection(m_bus))
+    if (const OSErr status = StartConnection(m_bus, deadline))
         return status;
     sd_bus_slot* slot = nullptr;
     int result =
@@ -149,7 +149,7 @@ void Receiver::Wake()
 {
     if (m_name.empty())
         return;
-    if (!m_bus && Connect() != noErr)
+    if (!m_bus && Connect(Deadline::After(0)) != noErr)
         ReconnectLater();
     else
         Process();

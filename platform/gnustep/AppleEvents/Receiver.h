@@ -35,7 +35,7 @@ private:
     };
 
     // Starts a connection, with everything queued that makes it a receiver's.
-    OSErr Connect();
+    OSErr Connect(const Deadline& deadline);
     void Disconnect();
     OSErr StatusOfOpening(Wait wait) const;
 

@@ -130,7 +130,7 @@ OSErr Sender::SendOnly(const std::string& name, const EventStorage& event, const
 
 OSErr Sender::Open(const Deadline& deadline)
 {
-    const OSErr status = StartConnection(m_bus);
+    const OSErr status = StartConnection(m_bus, deadline);
     if (status != noErr)
         return status;
     m_process = getpid();

@@ -229,10 +229,10 @@ TEST_F(ForeignReply, ErrorsAreMappedByTheirNames)
         {"org.freedesktop.DBus.Error.NoMemory", memFullErr},
         {"com.example.Odd", errAEEventFailed},
     };
-    for (const auto& [szName, status] : kErrors)
-        EXPECT_EQ(status, StatusWhenAnswered([&](sd_bus_message* call)
-                                             { return ErrorReply(call, szName); }))
-            << szName;
+    for (const auto& expected : kErrors)
+        EXPECT_EQ(expected.second, StatusWhenAnswered([&](sd_bus_message* call)
+                                                      { return ErrorReply(call, expected.first); }))
+            << expected.first;
 }
 
 TEST_F(ForeignReply, ParametersOfAFailureAreNotHandedOn)

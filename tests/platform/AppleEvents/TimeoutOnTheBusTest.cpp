@@ -127,6 +127,14 @@ TEST(MuteBusTest, ManySendersInTurnAreAllTimeouts)
         EXPECT_EQ(errAETimeout, SendEcho("x", 1)) << i;
 }
 
+TEST(MuteBusTest, ThatTakesNoMoreConnectionsIsATimeoutToo)
+{
+    const MuteBus bus(0);
+    // The first takes the one place at the door, and nobody lets it in.
+    EXPECT_EQ(errAETimeout, SendEcho("x", kFewTicks));
+    EXPECT_EQ(errAETimeout, SendEcho("x", kFewTicks));
+}
+
 TEST_F(ReceiverTest, BusThatFallsMuteIsATimeoutAndRecovers)
 {
     ASSERT_EQ(noErr, Echo("before").first);
