@@ -443,7 +443,7 @@ NSArray* gEntries = nil;
 
 - (id)nextObject
 {
-    return m_nNext < [gEntries count] ? [gEntries objectAtIndex:m_nNext++] : nil;
+    return [gEntries count] > m_nNext ? [gEntries objectAtIndex:m_nNext++] : nil;
 }
 
 - (oneway void)release
