@@ -1,0 +1,239 @@
+#include "tests/apps/server/ServerFixture.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+namespace TarvaneTest
+{
+namespace
+{
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::string FileText(const std::string& strPath)
+{
+    std::ostringstream text;
+    text << std::ifstream(strPath).rdbuf();
+    return text.str();
+}
+
+class ServerProcess : public ServerFixture
+{
+};
+
+TEST_F(ServerProcess, AnswersWithWhatWasPrinted)
+{
+    const Child server = Start({});
+    const CScriptAnswer answer = SendScript("print(1) print('\u00e9\U0001f3a4')");
+    EXPECT_EQ(answer.nStatus, noErr);
+    EXPECT_EQ(answer.result, "1\n\u00e9\U0001f3a4\n");
+    EXPECT_EQ(answer.error, std::nullopt);
+}
+
+TEST_F(ServerProcess, TheResultIsThereAndEmptyWhenNothingWasPrinted)
+{
+    const Child server = Start({});
+    for (const char* szScript : {"", "local a = 1"})
+    {
+        const CScriptAnswer answer = SendScript(szScript);
+        EXPECT_EQ(answer.nStatus, noErr);
+        EXPECT_EQ(answer.result, "");
+        EXPECT_EQ(answer.error, std::nullopt);
+    }
+}
+
+TEST_F(ServerProcess, AScriptErrorIsNoFailureOfTheEvent)
+{
+    const Child server = Start({});
+    const CScriptAnswer answer = SendScript("print(1) error('no more', 0)");
+    EXPECT_EQ(answer.nStatus, noErr);
+    EXPECT_EQ(answer.result, "");
+    EXPECT_EQ(answer.error, "no more");
+}
+
+TEST_F(ServerProcess, BytesThatAreNoTextArriveAsReplacements)
+{
+    const Child server = Start({});
+    EXPECT_EQ(SendScript("print('a\\xffb')").result, "a\ufffdb\n");
+    EXPECT_EQ(SendScript("error('\\xff', 0)").error, "\ufffd");
+}
+
+TEST_F(ServerProcess, TheLongestResultFitsTheReply)
+{
+    const Child server = Start({});
+    const CScriptAnswer answer = SendScript("for n = 1, 4096 do print(('x'):rep(1023)) end");
+    EXPECT_EQ(answer.nStatus, noErr);
+    EXPECT_EQ(answer.result.value_or("").size(), std::size_t(4) << 20);
+    EXPECT_EQ(SendScript("for n = 1, 4097 do print(('x'):rep(1023)) end").error,
+              "the script prints more than 4 MiB");
+}
+
+TEST_F(ServerProcess, AHostileScriptEndsAndTheNextOneRuns)
+{
+    const Child server = Start({});
+    for (const char* szScript :
+         {"while true do end", "local s = 'x' while true do s = s .. s end",
+          "string.rep('', 1 << 62)", "string.find(('a'):rep(999), ('a-'):rep(99) .. 'b')",
+          "os.exit(1)", "io.open('/etc/passwd')", "while true do pcall(error) end"})
+    {
+        const CScriptAnswer answer = SendScript(szScript);
+        EXPECT_EQ(answer.nStatus, noErr) << szScript;
+        EXPECT_NE(answer.error.value_or(""), "") << szScript;
+    }
+    EXPECT_EQ(SendScript("print('still here')").result, "still here\n");
+}
+
+TEST_F(ServerProcess, EventsThatCarryNoScriptAreRefused)
+{
+    const Child server = Start({"--session", m_strSession});
+    EXPECT_EQ(SendBytes(0, "").nStatus, errAEDescNotFound);
+    EXPECT_EQ(SendBytes(typeUTF8Text, "print(1)").nStatus, errAECoercionFail);
+    EXPECT_EQ(SendBytes(typeUnicodeText, "odd").nStatus, errAECorruptData);
+    EXPECT_EQ(SendBytes(typeUnicodeText, std::string("\x00\xd8", 2)).nStatus, noErr);
+    EXPECT_EQ(SendScript("print(1)").result, "1\n");
+}
+
+TEST_F(ServerProcess, AnEventThatWantsNoReplyTakesEffect)
+{
+    const Child server = Start({});
+    const std::u16string units = u"SelectScriptDocument() MoveDisplayToPosition(5)";
+    const std::string bytes(reinterpret_cast<const char*>(units.data()), units.size() * 2);
+    EXPECT_EQ(SendBytes(typeUnicodeText, bytes, kAnyTicks, kAENoReply).nStatus, noErr);
+    EXPECT_EQ(SendScript("print(GetUpdateCount())").result, "1\n");
+}
+
+TEST_F(ServerProcess, NoDocumentCanBeSelectedWhenThereIsNone)
+{
+    const Child server = Start({"--no-document", "--track", "Vox"});
+    EXPECT_EQ(SendScript("print(SelectScriptDocument(), SelectAudioSuiteDocument())").result,
+              "false\tfalse\n");
+}
+
+TEST_F(ServerProcess, EndSignalsEndItCleanly)
+{
+    for (int nSignal : {SIGTERM, SIGINT})
+    {
+        const Child server = Start({"--session", m_strSession});
+        ASSERT_EQ(SendScript("print(1)").nStatus, noErr);
+        ASSERT_EQ(kill(server->Pid(), nSignal), 0);
+        EXPECT_EQ(server->WaitForEnd(kAnyTime), 0) << server->ErrorOutput();
+        EXPECT_EQ(SendScript("print(1)").nStatus, procNotFound);
+    }
+}
+
+TEST_F(ServerProcess, ASecondServerOfTheBusSaysSoAndEnds)
+{
+    const Child first = Start({});
+    const Ended second = RunToEnd({"--session", m_strSession});
+    EXPECT_EQ(second.nExitCode, 1);
+    EXPECT_EQ(second.strError,
+              "tarvane-server: another server answers on this session bus; end it first\n");
+    EXPECT_EQ(second.strOutput, "");
+    EXPECT_EQ(SendScript("print('first')").result, "first\n");
+}
+
+TEST_F(ServerProcess, ASessionInUseIsLeftAlone)
+{
+    const Child first = Start({"--session", m_strSession});
+    const Ended second = RunToEnd({"--session", m_strSession});
+    EXPECT_EQ(second.nExitCode, 1);
+    EXPECT_THAT(second.strError, HasSubstr("is in use by another server"));
+}
+
+TEST_F(ServerProcess, WithoutABusItSaysSoAndEnds)
+{
+    const std::string strBus = Bus().Address();
+    setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
+    const Ended server = RunToEnd({"--session", m_strSession});
+    setenv("DBUS_SESSION_BUS_ADDRESS", strBus.c_str(), 1);
+    EXPECT_EQ(server.nExitCode, 1);
+    EXPECT_THAT(server.strError, StartsWith("tarvane-server: there is no session bus"));
+}
+
+TEST_F(ServerProcess, ComesBackWithItsBus)
+{
+    const Child server = Start({"--track", "Vox"});
+    Bus().Kill();
+    Bus().Start();
+    CScriptAnswer answer;
+    for (int nTry = 0; nTry < 600; nTry++)
+    {
+        answer = SendScript("SelectScriptDocument() print(GetTrackCount())");
+        if (answer.nStatus == noErr)
+            break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    EXPECT_EQ(answer.result, "1\n");
+}
+
+TEST_F(ServerProcess, TheLogTellsEveryEventInAndOut)
+{
+    const std::string strLog = Path("log");
+    {
+        const Child server = Start({"--log", strLog});
+        SendScript("print('one')");
+        SendScript("error('two', 0)");
+    }
+    const std::string strText = FileText(strLog);
+    EXPECT_THAT(strText, HasSubstr("Z event 1 in\n    print('one')\n"));
+    EXPECT_THAT(strText, HasSubstr("Z event 1 out\n  result\n    one\n  error\n"));
+    EXPECT_THAT(strText, HasSubstr("Z event 2 out\n  result\n  error\n    two\n"));
+}
+
+TEST_F(ServerProcess, TheLogCanGoToTheOutput)
+{
+    const Child server = Start({"--log", "-"});
+    SendScript("print('one')");
+    EXPECT_TRUE(server->WaitForLine("event 1 in", kAnyTime));
+    EXPECT_TRUE(server->WaitForLine("    one", kAnyTime));
+}
+
+TEST_F(ServerProcess, ALogThatCannotBeOpenedEndsIt)
+{
+    const Ended server = RunToEnd({"--log", Path("none/log")});
+    EXPECT_EQ(server.nExitCode, 1);
+    EXPECT_THAT(server.strError, HasSubstr("cannot open the log file"));
+}
+
+TEST_F(ServerProcess, WrongUseIsToldInOneLine)
+{
+    const std::vector<std::vector<std::string>> uses{{"--nonsense"},
+                                                     {"--track", "a\nb"},
+                                                     {"--track", ""},
+                                                     {"--link-offset", "x"},
+                                                     {"--link-offset", "inf"},
+                                                     {"--misbehave", "dance@1"},
+                                                     {"--misbehave", "hang@0"},
+                                                     {"--json"},
+                                                     {"--list-session", Path("none")},
+                                                     {"extra"}};
+    for (const std::vector<std::string>& options : uses)
+    {
+        const Ended server = RunToEnd(options);
+        EXPECT_EQ(server.nExitCode, 2) << options[0];
+        EXPECT_THAT(server.strError, StartsWith("tarvane-server: "));
+        EXPECT_EQ(std::count(server.strError.begin(), server.strError.end(), '\n'), 1)
+            << server.strError;
+        EXPECT_EQ(server.strOutput, "");
+    }
+}
+
+TEST_F(ServerProcess, HelpAndVersionAreAnswered)
+{
+    const Ended help = RunToEnd({"--help"});
+    EXPECT_EQ(help.nExitCode, 0);
+    for (const char* szPart : {"--session", "--track", "--link-offset", "--log", "--no-document",
+                               "--list-session", "--json", "--misbehave", "exit-before-effect",
+                               "exit-after-effect", "hang", "Exit codes: "})
+        EXPECT_THAT(help.strOutput, HasSubstr(szPart));
+    const Ended version = RunToEnd({"--version"});
+    EXPECT_EQ(version.nExitCode, 0);
+    EXPECT_THAT(version.strOutput, StartsWith("tarvane-server "));
+}
+
+} // namespace
+} // namespace TarvaneTest

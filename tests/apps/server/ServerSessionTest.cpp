@@ -1,0 +1,203 @@
+// What the session file holds when a server ends in any way.
+#include "apps/server/AtomicFile.h"
+#include "apps/server/SessionStore.h"
+#include "tests/apps/server/ServerFixture.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <csignal>
+#include <fstream>
+#include <random>
+#include <sys/resource.h>
+#include <thread>
+
+namespace TarvaneTest
+{
+namespace
+{
+
+using namespace Tarvane::Server;
+using testing::HasSubstr;
+
+class ServerSession : public ServerFixture
+{
+protected:
+    std::vector<std::int64_t> StoredPositions() const
+    {
+        const std::optional<CSession> session = CSessionStore(m_strSession).Load();
+        std::vector<std::int64_t> positions;
+        for (const Region& region : session->GetDocument(DocumentKind::Script).regions)
+            positions.push_back(region.nPosition);
+        return positions;
+    }
+};
+
+TEST_F(ServerSession, ANewOneIsOnDiskWhenTheServerIsReady)
+{
+    const Child server = Start({"--session", m_strSession, "--track", "Vox", "--link-offset", "1"});
+    EXPECT_EQ(CSessionStore(m_strSession).Load()->LinkOffset(), 1.0);
+}
+
+TEST_F(ServerSession, GoesOnAfterARestart)
+{
+    const std::vector<std::string> options{"--session", m_strSession,    "--track",
+                                           "Vox",       "--link-offset", "2.5"};
+    {
+        const Child server = Start(options);
+        EXPECT_EQ(SendScript(Add(1000)).error, std::nullopt);
+    }
+    // The same command line, and one that names the file alone.
+    for (const std::vector<std::string>& again :
+         {options, std::vector<std::string>{"--session", m_strSession}})
+    {
+        const Child server = Start(again);
+        EXPECT_EQ(SendScript("SelectScriptDocument() print(GetTrackName(GetTrackID(0)), "
+                             "GetLinkSMPTEOffset(), GetUpdateCount())")
+                      .result,
+                  "Vox\t2.5\t2\n");
+    }
+    EXPECT_EQ(StoredPositions(), std::vector<std::int64_t>{1000});
+}
+
+TEST_F(ServerSession, OptionsThatSayOtherwiseAreRefused)
+{
+    Start({"--session", m_strSession, "--track", "Vox"});
+    const std::string strBefore = ReadFile(m_strSession, 1 << 20);
+    for (const std::vector<std::string>& more :
+         {std::vector<std::string>{"--track", "Guitar"}, {"--link-offset", "3"}})
+    {
+        std::vector<std::string> options{"--session", m_strSession};
+        options.insert(options.end(), more.begin(), more.end());
+        const Ended server = RunToEnd(options);
+        EXPECT_EQ(server.nExitCode, 2);
+        EXPECT_THAT(server.strError, HasSubstr("exists and says otherwise than " + more[0]));
+    }
+    EXPECT_EQ(ReadFile(m_strSession, 1 << 20), strBefore);
+}
+
+TEST_F(ServerSession, AFlawedFileIsNamedAndNeverTouched)
+{
+    for (const char* szContent : {"", "not a session", "{\"form\": \"Tarvane Link session\"}"})
+    {
+        std::ofstream(m_strSession) << szContent;
+        for (const char* szOption : {"--session", "--list-session"})
+        {
+            const Ended server = RunToEnd({szOption, m_strSession});
+            EXPECT_EQ(server.nExitCode, 2);
+            EXPECT_THAT(server.strError, HasSubstr("the session file " + m_strSession +
+                                                   " is flawed and has been left as it is: "));
+            EXPECT_EQ(ReadFile(m_strSession, 1000), szContent);
+        }
+    }
+}
+
+TEST_F(ServerSession, AFileThatCannotBeWrittenIsFoundAtTheStart)
+{
+    const Ended server = RunToEnd({"--session", Path("none/session")});
+    EXPECT_EQ(server.nExitCode, 1);
+    EXPECT_THAT(server.strError, HasSubstr("No such file or directory"));
+}
+
+TEST_F(ServerSession, AFailedSaveUndoesTheChangeAndTellsTheClient)
+{
+    const Child server = Start({"--session", m_strSession, "--track", "Vox"});
+    EXPECT_EQ(SendScript(Add(0)).error, std::nullopt);
+
+    // The neighbour cannot be made.
+    std::filesystem::create_directory(m_strSession + ".saving");
+    const CScriptAnswer answer = SendScript(Add(1000));
+    EXPECT_EQ(answer.nStatus, noErr);
+    EXPECT_EQ(answer.result, "");
+    EXPECT_THAT(answer.error.value_or(""), HasSubstr("nothing was changed, for the session could "
+                                                     "not be saved: cannot open"));
+    EXPECT_EQ(StoredPositions(), std::vector<std::int64_t>{0});
+    EXPECT_EQ(SendScript("print(GetUpdateCount())").result, "2\n");
+
+    std::filesystem::remove(m_strSession + ".saving");
+    EXPECT_EQ(SendScript(Add(1000)).error, std::nullopt);
+    EXPECT_EQ(StoredPositions(), (std::vector<std::int64_t>{0, 1000}));
+}
+
+TEST_F(ServerSession, AFullDiskDoesNotEndTheServer)
+{
+    const Child server = Start({"--session", m_strSession, "--track", "Vox"});
+    rlimit before{};
+    const rlimit full{100, RLIM_INFINITY};
+    ASSERT_EQ(prlimit(server->Pid(), RLIMIT_FSIZE, &full, &before), 0);
+    EXPECT_THAT(SendScript(Add(0)).error.value_or(""), HasSubstr("cannot write"));
+    EXPECT_TRUE(StoredPositions().empty());
+    ASSERT_EQ(prlimit(server->Pid(), RLIMIT_FSIZE, &before, nullptr), 0);
+    EXPECT_EQ(SendScript(Add(0)).error, std::nullopt);
+    EXPECT_EQ(StoredPositions(), std::vector<std::int64_t>{0});
+}
+
+TEST_F(ServerSession, NothingThatWasAnsweredForIsLostWhenTheServerIsKilled)
+{
+    std::mt19937 random(20260301);
+    std::uniform_int_distribution<int> microseconds(0, 40'000);
+    std::vector<std::int64_t> answered;
+    std::int64_t nNext = 0;
+    int nKilledInACommand = 0;
+    for (int nRound = 0; nRound < 15; nRound++)
+    {
+        const Child server = Start({"--session", m_strSession, "--track", "Vox"});
+        std::thread killer(
+            [nPid = server->Pid(), delay = std::chrono::microseconds(microseconds(random))]
+            {
+                std::this_thread::sleep_for(delay);
+                kill(nPid, SIGKILL);
+            });
+        std::int64_t nUnanswered = -1;
+        while (nUnanswered < 0)
+        {
+            const CScriptAnswer answer = SendScript(Add(nNext));
+            EXPECT_EQ(answer.error, std::nullopt);
+            if (answer.nStatus == noErr)
+                answered.push_back(nNext);
+            else
+                nUnanswered = nNext;
+            nNext++;
+        }
+        killer.join();
+        EXPECT_EQ(server->WaitForEnd(kAnyTime), 128 + SIGKILL);
+
+        // The one change without an answer may have got through.
+        std::vector<std::int64_t> stored = StoredPositions();
+        if (!stored.empty() && stored.back() == nUnanswered)
+        {
+            nKilledInACommand++;
+            answered.push_back(nUnanswered);
+        }
+        ASSERT_EQ(stored, answered) << "round " << nRound;
+    }
+    EXPECT_FALSE(answered.empty());
+    RecordProperty("killedBetweenSavingAndAnswering", nKilledInACommand);
+}
+
+TEST_F(ServerSession, CanBeListedWhileAServerWorksOnIt)
+{
+    const Child server = Start({"--session", m_strSession, "--track", "Vox"});
+    SendScript(Add(48000));
+    const Ended text = RunToEnd({"--list-session", m_strSession});
+    EXPECT_EQ(text.nExitCode, 0);
+    EXPECT_THAT(text.strOutput, HasSubstr("  track 0  Vox\n    region 3  " + m_strTake));
+    EXPECT_THAT(text.strOutput, HasSubstr("position  48000  0:00:01.000\n"));
+
+    const Ended json = RunToEnd({"--list-session", m_strSession, "--json"});
+    EXPECT_EQ(json.nExitCode, 0);
+    const auto listing = nlohmann::json::parse(json.strOutput);
+    EXPECT_EQ(listing["documents"][0]["tracks"][0]["regions"][0]["file"], m_strTake);
+}
+
+TEST_F(ServerSession, ListingWritesNothing)
+{
+    Start({"--session", m_strSession});
+    const std::vector<std::string> before = m_folder.Files();
+    RunToEnd({"--list-session", m_strSession});
+    RunToEnd({"--list-session", Path("none")});
+    EXPECT_EQ(m_folder.Files(), before);
+}
+
+} // namespace
+} // namespace TarvaneTest
