@@ -391,6 +391,16 @@ TEST_F(FileName, AFailedSetModificationDateTimeLogsThePathAndTheError)
               "SetModificationDateTime: " + file.GetFullPath() + " - " + kNoSuchFile);
 }
 
+TEST_F(FileName, SetModificationDateTimeFailsForALinkToNothing)
+{
+    std::filesystem::create_symlink(m_folder.Path("missing"), m_folder.Path("link"));
+    CFileName link(m_folder.Path("link").c_str());
+    const CapturedStderr captured;
+    link.SetModificationDateTime(1234567890.0);
+    EXPECT_EQ(captured.LogLine(),
+              "SetModificationDateTime: " + link.GetFullPath() + " - " + kNoSuchFile);
+}
+
 TEST_F(FileName, SetCreatorTypeIsSilentForAFile)
 {
     CFileName file = Made("take.wav");
@@ -484,6 +494,28 @@ TEST_F(FileName, ServicesDrainAPoolOfTheirOwn)
     CFileName temporary;
     EXPECT_EQ(ObjectsLeftBy([&] { temporary = CFileName::MakeTemporaryFileName(); }), 0);
     temporary.FileDelete();
+}
+
+namespace
+{
+
+NSDate* gDate = nil;
+
+id GiveDate(id, SEL) { return gDate; }
+
+} // namespace
+
+TEST_F(FileName, GetModificationDateTimeGivesTheDateBack)
+{
+    CFileName file = Made("take.wav");
+    NSDictionary* attributes = [[NSFileManager defaultManager] attributesOfItemAtPath:@"/"
+                                                                                error:nullptr];
+    const MethodScope method(
+        class_getInstanceMethod([attributes class], @selector(fileModificationDate)), GiveDate);
+    gDate = [[NSDate alloc] initWithTimeIntervalSince1970:12.5];
+    EXPECT_EQ(file.GetModificationDateTime(), 12.5);
+    EXPECT_EQ([gDate retainCount], 1u);
+    [gDate release];
 }
 
 // What the file manager is handed.
