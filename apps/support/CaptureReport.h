@@ -3,6 +3,7 @@
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -22,6 +23,7 @@ enum class CaptureState
 
 struct CCaptureReport
 {
+    size_t nNumber = 0; // captures of this instance that began before it
     CaptureState state = CaptureState::Running;
     std::filesystem::path source;
     std::string strFailure;

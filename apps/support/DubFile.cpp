@@ -88,7 +88,7 @@ SF_INFO DubInfoFor(const SF_INFO& source)
     return info;
 }
 
-void CheckPath(const fs::path& folder, size_t nNameBytes)
+void CheckLength(const fs::path& folder, size_t nNameBytes)
 {
     if (folder.string().size() + 1 + nNameBytes > kMaxPathBytes)
     {
@@ -98,13 +98,9 @@ void CheckPath(const fs::path& folder, size_t nNameBytes)
     }
 }
 
-} // namespace
-
-void CDubFile::CheckFolder(const fs::path& folder)
+void CheckCharacters(const fs::path& folder)
 {
-    std::error_code error;
-    const fs::path absolute = fs::absolute(folder);
-    for (const char c : absolute.string())
+    for (const char c : folder.string())
     {
         if (BreaksScript(static_cast<unsigned char>(c)))
         {
@@ -113,7 +109,26 @@ void CDubFile::CheckFolder(const fs::path& folder)
                               " which a script cannot carry - name another.");
         }
     }
-    CheckPath(absolute, 0);
+}
+
+} // namespace
+
+void CDubFile::CheckPath(const fs::path& folder, const CSoundReader& source)
+{
+    const fs::path absolute = fs::absolute(folder);
+    CheckCharacters(absolute);
+    const size_t nNumberBytes = std::to_string(kMaxNumber).size();
+    const std::string strExtension = ExtensionOf(DubInfoFor(source.Info()).format);
+    CheckLength(absolute,
+                StemFor(source.Path()).size() + 1 + nNumberBytes + 1 + strExtension.size());
+}
+
+void CDubFile::CheckFolder(const fs::path& folder)
+{
+    const fs::path absolute = fs::absolute(folder);
+    CheckCharacters(absolute);
+    CheckLength(absolute, 0);
+    std::error_code error;
     if (!fs::is_directory(absolute, error))
     {
         throw CUsageError("there is no capture folder " + folder.string() +
@@ -126,21 +141,13 @@ void CDubFile::CheckFolder(const fs::path& folder)
     }
 }
 
-void CDubFile::Check(const fs::path& folder, const CSoundReader& source)
-{
-    CheckFolder(folder);
-    const size_t nNumberBytes = std::to_string(kMaxNumber).size();
-    const std::string strExtension = ExtensionOf(DubInfoFor(source.Info()).format);
-    CheckPath(fs::absolute(folder),
-              StemFor(source.Path()).size() + 1 + nNumberBytes + 1 + strExtension.size());
-}
-
 CDubFile::CDubFile(const fs::path& folder, const CSoundReader& source)
     : m_folder(fs::absolute(folder)), m_strStem(StemFor(source.Path()))
 {
     SF_INFO info = DubInfoFor(source.Info());
     m_strExtension = ExtensionOf(info.format);
-    Check(m_folder, source);
+    CheckPath(m_folder, source);
+    CheckFolder(m_folder);
     std::string strTemporary = (m_folder / ".capture-XXXXXX").string();
     m_nFile = ::mkstemp(strTemporary.data());
     if (m_nFile < 0)

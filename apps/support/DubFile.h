@@ -32,9 +32,10 @@ public:
     // afterwards.
     std::filesystem::path Publish();
 
-    // Throw CUsageError as the constructor does, and touch nothing: for any source, and for one.
+    // Throw CUsageError as the constructor does, and touch nothing. The first looks at the path of
+    // a source's dub, whether or not the folder is there; the second at the folder.
+    static void CheckPath(const std::filesystem::path& folder, const CSoundReader& source);
     static void CheckFolder(const std::filesystem::path& folder);
-    static void Check(const std::filesystem::path& folder, const CSoundReader& source);
 
 private:
     std::filesystem::path FreeName() const;

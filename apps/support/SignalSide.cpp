@@ -61,8 +61,16 @@ CSignalSide::CSignalSide() : m_thread([this] { Work(); }) {}
 
 CSignalSide::~CSignalSide()
 {
+    End();
+}
+
+void CSignalSide::End()
+{
     Stop();
-    m_thread.join();
+    if (m_thread.joinable())
+    {
+        m_thread.join();
+    }
 }
 
 void CSignalSide::Stop()
@@ -91,7 +99,7 @@ void CSignalSide::SetLog(std::function<void(const std::string&)> log)
     m_log = std::move(log);
 }
 
-void CSignalSide::SetObserver(std::function<void()> observer)
+void CSignalSide::SetObserver(std::function<void(const CCaptureReport&)> observer)
 {
     std::lock_guard lock(m_mutex);
     m_observer = std::move(observer);
@@ -101,7 +109,8 @@ void CSignalSide::SetSource(const CCaptureSource& source)
 {
     auto pSource = std::make_unique<Source>(CSoundReader(source.file), source.dPosition);
     std::lock_guard lock(m_mutex);
-    CDubFile::Check(m_settings.captureFolder, pSource->reader);
+    CDubFile::CheckPath(m_settings.captureFolder, pSource->reader);
+    CDubFile::CheckFolder(m_settings.captureFolder);
     m_pSource = std::move(pSource);
     m_fBegin = m_fArmed;
     m_wake.notify_all();
@@ -147,6 +156,7 @@ void CSignalSide::SetArmed(bool fArmed)
 
 OSStatus CSignalSide::TakeAck(const TNElementAck& ack)
 {
+    CCaptureReport acknowledged;
     {
         std::lock_guard lock(m_mutex);
         if (m_waiting.empty() || m_captures[m_waiting.front()].nElement != ack.nElement)
@@ -158,9 +168,10 @@ OSStatus CSignalSide::TakeAck(const TNElementAck& ack)
         report.nTrack = m_nTrack;
         report.state = CaptureState::Acknowledged;
         m_waiting.pop_front();
+        acknowledged = report;
     }
     Notify(TNProperty_ArmCapture);
-    Observe();
+    Observe(acknowledged);
     return noErr;
 }
 
@@ -183,6 +194,7 @@ void CSignalSide::Work()
         CCaptureReport& report = m_captures.emplace_back();
         report.source = m_pSource->reader.Path();
         const size_t nReport = m_captures.size() - 1;
+        report.nNumber = nReport;
         const std::unique_ptr<Source> pSource = std::move(m_pSource);
         lock.unlock();
         Capture(*pSource, nReport);
@@ -283,6 +295,7 @@ void CSignalSide::Publish(const Source& source, uint64_t nFrames, CDubFile& dub,
     const TNCaptureElement record =
         RecordOf(source.reader.Path(), dub.Publish(), source.dPosition,
                  static_cast<double>(nFrames), source.reader.Info().samplerate);
+    CCaptureReport published;
     {
         std::lock_guard lock(m_mutex);
         CCaptureReport& report = m_captures[nReport];
@@ -291,20 +304,23 @@ void CSignalSide::Publish(const Source& source, uint64_t nFrames, CDubFile& dub,
         report.state = CaptureState::Waiting;
         m_waiting.push_back(nReport);
         m_fCapturing = false;
+        published = report;
     }
     Notify(TNProperty_Elements);
-    Observe();
+    Observe(published);
 }
 
 void CSignalSide::Conclude(size_t nReport, CaptureState state, const std::string& strFailure)
 {
+    CCaptureReport concluded;
     {
         std::lock_guard lock(m_mutex);
         m_captures[nReport].state = state;
         m_captures[nReport].strFailure = strFailure;
         m_fCapturing = false;
+        concluded = m_captures[nReport];
     }
-    Observe();
+    Observe(concluded);
 }
 
 void CSignalSide::Notify(AudioUnitPropertyID nId)
@@ -325,16 +341,16 @@ void CSignalSide::Log(const std::string& strLine)
     }
 }
 
-void CSignalSide::Observe()
+void CSignalSide::Observe(const CCaptureReport& report)
 {
-    std::function<void()> observer;
+    std::function<void(const CCaptureReport&)> observer;
     {
         std::lock_guard lock(m_mutex);
         observer = m_observer;
     }
     if (observer)
     {
-        observer();
+        observer(report);
     }
 }
 

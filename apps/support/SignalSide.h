@@ -75,9 +75,9 @@ public:
     // Where a line for every property write goes, with a reason where the write is refused. Called
     // on the writing thread.
     void SetLog(std::function<void(const std::string&)> log);
-    // Called, with nothing to say, after a capture's state has changed and the listeners have been
-    // told. Any thread.
-    void SetObserver(std::function<void()> observer);
+    // Told of every change of a capture's state but its beginning, after the listeners have been.
+    // Any thread.
+    void SetObserver(std::function<void(const CCaptureReport&)> observer);
 
     // The file that the next arming captures, or that is captured at once when the instance is
     // armed and idle. Replaces one that still waits. Throws CUsageError, and keeps what was there,
@@ -89,6 +89,10 @@ public:
     bool IsArmed() const;
     // True from a capture's start until it is published, failed or dropped.
     bool IsCapturing() const;
+
+    // Ends capturing for good, as disposal does, and returns when the capture thread has ended. The
+    // properties can still be read and written. Not inside a notification.
+    void End();
 
     // What the component's entry points call. Sizes are those of the link protocol: a read takes a
     // size of at least that, a write exactly that.
@@ -127,7 +131,7 @@ private:
 
     void Notify(AudioUnitPropertyID nId);
     void Log(const std::string& strLine);
-    void Observe();
+    void Observe(const CCaptureReport& report);
 
     AudioUnit m_pUnit = nullptr;
     CPropertyListeners m_listeners;
@@ -136,7 +140,7 @@ private:
     std::condition_variable m_wake;
     CSignalSettings m_settings;
     std::function<void(const std::string&)> m_log;
-    std::function<void()> m_observer;
+    std::function<void(const CCaptureReport&)> m_observer;
     std::unique_ptr<Source> m_pSource;
     std::vector<CCaptureReport> m_captures;
     std::deque<size_t> m_waiting; // places in m_captures; the front is the element to deliver

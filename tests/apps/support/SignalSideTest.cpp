@@ -284,7 +284,7 @@ TEST(SignalSide, DisarmingBeforeTheFirstSampleDeliversNothing)
     plugIn.SetSpeed(kCrawl);
     plugIn.Side().SetSource({plugIn.MakeSource("a.wav", 48000), 0});
     std::promise<void> over;
-    plugIn.Side().SetObserver([&] { over.set_value(); });
+    plugIn.Side().SetObserver([&](const CCaptureReport&) { over.set_value(); });
     plugIn.Arm(true);
     while (!plugIn.Side().IsCapturing())
     {
@@ -302,7 +302,7 @@ TEST(SignalSide, AFailedCaptureDisarmsAndSaysWhy)
     CPlugInUnderTest plugIn;
     plugIn.Side().SetSource({plugIn.MakeSource("a.wav", 100), 0});
     std::promise<void> over;
-    plugIn.Side().SetObserver([&] { over.set_value(); });
+    plugIn.Side().SetObserver([&](const CCaptureReport&) { over.set_value(); });
     fs::remove_all(plugIn.captures.Path());
     plugIn.Arm(true);
     over.get_future().wait();
@@ -321,6 +321,40 @@ TEST(SignalSide, ASourceThatCannotBeUsedIsRefusedAndTheEarlierOneStays)
     plugIn.Arm(true);
     plugIn.WaitForFirst(TNProperty_Elements);
     EXPECT_EQ(plugIn.Side().Captures().at(0).source.filename(), "a.wav");
+}
+
+TEST(SignalSide, TheObserverIsToldWhatAChangeWasAfterTheListeners)
+{
+    CPlugInUnderTest plugIn;
+    std::mutex mutex;
+    std::vector<std::string> order;
+    const auto note = [&](const std::string& strWhat)
+    {
+        std::lock_guard lock(mutex);
+        order.push_back(strWhat);
+    };
+    std::promise<void> waiting;
+    plugIn.Side().SetObserver(
+        [&](const CCaptureReport& report)
+        {
+            note(report.state == CaptureState::Waiting ? "waiting" : "acknowledged");
+            EXPECT_EQ(report.nNumber, 0U);
+            if (report.state == CaptureState::Waiting)
+            {
+                waiting.set_value();
+            }
+        });
+    plugIn.onNotification = [&](AudioUnitPropertyID nId)
+    {
+        if (nId != kTNProperty_CurrentCaptureLength)
+        {
+            note(std::to_string(nId));
+        }
+    };
+    plugIn.Capture(plugIn.MakeSource("a.wav", 100));
+    waiting.get_future().wait();
+    plugIn.Acknowledge(0);
+    EXPECT_THAT(order, ElementsAre("64004", "64004", "64000", "waiting", "64004", "acknowledged"));
 }
 
 TEST(SignalSide, IsPlayedNoFasterThanItsSpeed)

@@ -1,0 +1,148 @@
+#include "apps/host/CaptureStory.h"
+
+#include "apps/support/Timecode.h"
+
+#include <cstdio>
+
+namespace Tarvane
+{
+namespace
+{
+
+// The words that the view shows when the server knows the audio.
+constexpr const char* kDuplicateMessage = "Same audio captured previously.";
+
+const char* OutcomeWord(CaptureOutcome outcome)
+{
+    switch (outcome)
+    {
+    case CaptureOutcome::Delivered:
+        return "delivered";
+    case CaptureOutcome::Duplicate:
+        return "duplicate";
+    case CaptureOutcome::NotDelivered:
+        return "not delivered";
+    case CaptureOutcome::Empty:
+        return "nothing captured";
+    case CaptureOutcome::Failed:
+        return "failed";
+    case CaptureOutcome::NotAcknowledged:
+        return "not acknowledged";
+    }
+    return "";
+}
+
+std::string Length(double dFrames, double dRate)
+{
+    char sz[64];
+    std::snprintf(sz, sizeof sz, "%.3f s", dRate > 0 ? dFrames / dRate : 0.0);
+    return sz;
+}
+
+std::string Track(const CCaptureEntry& entry)
+{
+    if (entry.words.strTrack.empty())
+    {
+        return "no track is chosen";
+    }
+    return "track " + std::to_string(entry.report.nTrack) + " \"" + entry.words.strTrack + "\"";
+}
+
+nlohmann::json DescribeAck(const CCaptureReport& report)
+{
+    if (!report.pAck)
+    {
+        return nullptr;
+    }
+    return {{"nElement", report.pAck->nElement},
+            {"fHandled", report.pAck->fHandled},
+            {"fNotDelivered", report.pAck->fNotDelivered},
+            {"fFinal", report.pAck->fFinal}};
+}
+
+} // namespace
+
+CaptureOutcome CCaptureEntry::Outcome() const
+{
+    switch (report.state)
+    {
+    case CaptureState::Acknowledged:
+        if (report.IsDelivered())
+        {
+            return CaptureOutcome::Delivered;
+        }
+        return words.strMessage == kDuplicateMessage ? CaptureOutcome::Duplicate
+                                                     : CaptureOutcome::NotDelivered;
+    case CaptureState::Empty:
+        return CaptureOutcome::Empty;
+    case CaptureState::Failed:
+        return CaptureOutcome::Failed;
+    case CaptureState::Running:
+    case CaptureState::Waiting:
+        break;
+    }
+    return CaptureOutcome::NotAcknowledged;
+}
+
+bool CCaptureEntry::IsGood() const
+{
+    return Outcome() == CaptureOutcome::Delivered || Outcome() == CaptureOutcome::Duplicate;
+}
+
+std::string TellCapture(const CCaptureEntry& entry)
+{
+    const CCaptureReport& report = entry.report;
+    const double dRate = report.record.dSampleRate;
+    const TNRegionTimes& times = report.record.tDub;
+    std::string strStory = "Capture " + std::to_string(report.nNumber + 1) + ": " +
+                           report.source.filename().string() + "\n";
+    if (report.nElement >= 0)
+    {
+        strStory += "  length       " + Length(report.Frames(), dRate) + ", " +
+                    FormatSamples(report.Frames()) + " samples at " + FormatSamples(dRate) +
+                    " Hz\n";
+        strStory += "  host's time  sample " + FormatSamples(times.dPosition) + ", " +
+                    FormatTimecode(times.dPosition, dRate) + "\n";
+        strStory += "  file         " + std::string(report.record.szDubPath) + "\n";
+        strStory += "  sent to      " + Track(entry) + "\n";
+    }
+    strStory += "  outcome      " + std::string(OutcomeWord(entry.Outcome())) + "\n";
+    if (!report.strFailure.empty())
+    {
+        strStory += "  because      " + report.strFailure + "\n";
+    }
+    if (!entry.words.strMessage.empty() || !entry.words.strAdvice.empty())
+    {
+        strStory +=
+            "  view says    " + entry.words.strMessage + " / " + entry.words.strAdvice + "\n";
+    }
+    return strStory;
+}
+
+nlohmann::json DescribeCapture(const CCaptureEntry& entry)
+{
+    const CCaptureReport& report = entry.report;
+    const TNRegionTimes& times = report.record.tDub;
+    return {{"source", report.source.string()},
+            {"dub", std::string(report.record.szDubPath)},
+            {"frames", report.Frames()},
+            {"sampleRate", report.record.dSampleRate},
+            {"start", times.dStart},
+            {"end", times.dEnd},
+            {"position", times.dPosition},
+            {"track", report.nTrack},
+            {"trackName", entry.words.strTrack},
+            {"element", report.nElement},
+            {"ack", DescribeAck(report)},
+            {"outcome", OutcomeWord(entry.Outcome())},
+            {"failure", report.strFailure},
+            {"message", entry.words.strMessage},
+            {"advice", entry.words.strAdvice}};
+}
+
+std::string JsonText(const nlohmann::json& value, int nIndent)
+{
+    return value.dump(nIndent, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+} // namespace Tarvane

@@ -1,0 +1,48 @@
+// A capture in words for people and in JSON for programs.
+#pragma once
+
+#include "apps/support/CaptureReport.h"
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace Tarvane
+{
+
+// What the link view showed after a capture.
+struct ViewWords
+{
+    std::string strMessage; // first line
+    std::string strAdvice;  // second line
+    std::string strTrack;   // the menu's choice; empty when the menu is
+};
+
+enum class CaptureOutcome
+{
+    Delivered,
+    Duplicate, // the server has this audio already
+    NotDelivered,
+    Empty,           // disarmed before the first sample
+    Failed,          // no file could be written
+    NotAcknowledged, // the view said nothing in time
+};
+
+struct CCaptureEntry
+{
+    CCaptureReport report;
+    ViewWords words;
+
+    CaptureOutcome Outcome() const;
+    // As it should be: the server has the audio, now or already.
+    bool IsGood() const;
+};
+
+// Lines with their line ends.
+std::string TellCapture(const CCaptureEntry& entry);
+
+nlohmann::json DescribeCapture(const CCaptureEntry& entry);
+
+// Text that no file name can make throw: what is not UTF-8 is replaced.
+std::string JsonText(const nlohmann::json& value, int nIndent = -1);
+
+} // namespace Tarvane

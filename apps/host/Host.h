@@ -1,0 +1,105 @@
+// The host: one plug-in, its view in a window, and the captures that are driven through both.
+#pragma once
+
+#include "apps/host/CaptureStory.h"
+#import "apps/host/LineSource.h"
+#include "apps/host/Options.h"
+#include "apps/support/ResultFolder.h"
+
+#include <AudioUnit/AudioUnit.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+@class MainThreadCall;
+
+namespace Tarvane
+{
+
+class CLinkView;
+
+// Main thread.
+class CHost : private ILineListener
+{
+  public:
+    // Opens the plug-in, its view and the window. Throws CUsageError when something named on the
+    // command line cannot be used.
+    CHost(const HostOptions& options, const HostPlan& plan);
+    // The view goes before the plug-in.
+    ~CHost() override;
+    CHost(const CHost&) = delete;
+    CHost& operator=(const CHost&) = delete;
+
+    // Runs the application until the captures are done, the window is closed, the commands end or a
+    // signal comes. Returns the program's exit code.
+    int Run();
+
+  private:
+    class CSignalListener : public ILineListener
+    {
+      public:
+        explicit CSignalListener(CHost& host) : m_host(host) {}
+        void LineArrived(const std::string&) override { m_host.End(kExitFailed); }
+        void LinesEnded() override {}
+
+      private:
+        CHost& m_host;
+    };
+
+    void OpenLog();
+    void WatchWindow();
+    void WatchSignals();
+
+    void Guarded(const std::function<void()>& fnWork);
+    std::function<void()> OnMain(std::function<void()> fnWork);
+    void End(int nExitCode);
+
+    void Start();
+    void CaptureNext();
+    void Begin(const CCaptureSource& source);
+    void OfferNextByHand();
+    void CaptureChanged(const CCaptureReport& report);
+    void WaitForAck(const CCaptureReport& report);
+    void Tell(const CCaptureReport& report);
+    void WriteResults();
+    void GoOn(const CCaptureEntry& entry);
+
+    // Commands.
+    void LineArrived(const std::string& strLine) override;
+    void LinesEnded() override;
+    void Obey(const std::string& strLine);
+    void ObeyWords(std::istream& words, const std::string& strCommand);
+    void CaptureOnCommand(std::istream& words);
+    void ChooseTrackOnCommand(std::istream& words);
+    void PictureOnCommand(std::istream& words);
+    void ArmOnCommand(bool fArm);
+    nlohmann::json State() const;
+    void Answer(nlohmann::json answer);
+    void Refuse(const std::string& strReason);
+
+    const HostOptions m_options;
+    const HostPlan m_plan;
+    std::FILE* m_pStory;
+    std::shared_ptr<std::FILE> m_pLog;
+    std::optional<CResultFolder> m_results;
+
+    AudioUnit m_pUnit = nullptr;
+    CSignalSide* m_pSide = nullptr;
+    std::unique_ptr<CLinkView> m_pView;
+    LineSource* m_commands = nullptr;
+    LineSource* m_signals = nullptr;
+    CSignalListener m_signalListener{*this};
+    MainThreadCall* m_windowClosed = nullptr;
+    id m_ackTimer = nullptr; // NSTimer, owned by the run loop
+
+    std::vector<CCaptureEntry> m_entries; // in the order in which they came to an end
+    size_t m_nNextSource = 0;
+    std::string m_strCommand; // being obeyed; empty between commands
+    bool m_fCapturingOnCommand = false;
+    int m_nExitCode = kExitDone;
+};
+
+} // namespace Tarvane

@@ -1,0 +1,349 @@
+#import "apps/host/Host.h"
+
+#import "apps/host/LinkView.h"
+#import "apps/host/MainThread.h"
+
+#include "apps/support/Pipe.h"
+
+#import <AppKit/AppKit.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace Tarvane
+{
+namespace
+{
+
+constexpr const char* kResultsName = "captures.json";
+constexpr const char* kPictureName = "link-view.png";
+
+// Lives as long as the process: a signal may come at any time.
+CPipe& SignalPipe()
+{
+    static CPipe* const pPipe = new CPipe;
+    return *pPipe;
+}
+
+void NoteSignal(int) { (void)!::write(SignalPipe().WriteEnd(), "\n", 1); }
+
+// What has been handed to the main thread already, and what that hands over in turn.
+void RunWhatWaits()
+{
+    constexpr int kPasses = 8;
+    for (int nPass = 0; nPass < kPasses; ++nPass)
+    {
+        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+        [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate date]];
+        [pool drain];
+    }
+}
+
+} // namespace
+
+CHost::CHost(const HostOptions& options, const HostPlan& plan)
+    : m_options(options), m_plan(plan), m_pStory(options.fCommands ? stderr : stdout)
+{
+    if (!m_options.strResults.empty())
+    {
+        m_results.emplace(m_options.strResults);
+        m_results->Claim(kPictureName);
+    }
+    if (AudioComponentInstanceNew(CSignalSide::Register(), &m_pUnit) != noErr)
+    {
+        throw std::runtime_error("the plug-in cannot be opened.");
+    }
+    m_pSide = CSignalSide::Of(m_pUnit);
+    m_pSide->Configure(m_plan.settings);
+    OpenLog();
+    // The view hands what it is told to the main thread as well, and is told first: by the time
+    // that this call runs, what the view shows is settled.
+    m_pSide->SetObserver([this](const CCaptureReport& report)
+                         { CallOnMainThread(OnMain([=, this] { CaptureChanged(report); })); });
+    m_pView = std::make_unique<CLinkView>(m_plan.bundle, m_pUnit);
+    WriteResults();
+    WatchWindow();
+    WatchSignals();
+}
+
+CHost::~CHost()
+{
+    [m_commands close];
+    [m_signals close];
+    [m_ackTimer invalidate];
+    if (m_windowClosed != nil)
+    {
+        [[NSNotificationCenter defaultCenter] removeObserver:m_windowClosed];
+    }
+    if (m_pSide != nullptr)
+    {
+        m_pSide->SetObserver(nullptr);
+        m_pSide->End();
+        // Calls that wait for the main thread still hold the view.
+        RunWhatWaits();
+    }
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    m_pView.reset();
+    [m_commands release];
+    [m_signals release];
+    [m_windowClosed release];
+    [pool drain];
+    if (m_pUnit != nullptr)
+    {
+        AudioComponentInstanceDispose(m_pUnit);
+    }
+}
+
+void CHost::OpenLog()
+{
+    if (m_options.strLog.empty())
+    {
+        return;
+    }
+    if (m_options.strLog == "-")
+    {
+        m_pLog.reset(m_pStory, [](std::FILE*) {});
+    }
+    else
+    {
+        m_pLog.reset(std::fopen(m_options.strLog.c_str(), "a"),
+                     [](std::FILE* pFile) { pFile != nullptr&& std::fclose(pFile); });
+    }
+    if (!m_pLog)
+    {
+        throw CUsageError("cannot write the log " + m_options.strLog +
+                          " - name another with --log.");
+    }
+    const std::shared_ptr<std::FILE> pLog = m_pLog;
+    m_pSide->SetLog(
+        [pLog](const std::string& strLine)
+        {
+            std::fprintf(pLog.get(), "%s\n", strLine.c_str());
+            std::fflush(pLog.get());
+        });
+}
+
+void CHost::WatchWindow()
+{
+    m_windowClosed = [MakeCall([this] { End(m_nExitCode); }) retain];
+    [[NSNotificationCenter defaultCenter] addObserver:m_windowClosed
+                                             selector:@selector(run:)
+                                                 name:NSWindowWillCloseNotification
+                                               object:m_pView->Window()];
+}
+
+void CHost::WatchSignals()
+{
+    m_signals = [[LineSource alloc] initWithDescriptor:SignalPipe().ReadEnd()
+                                              listener:&m_signalListener];
+    std::signal(SIGTERM, &NoteSignal);
+    std::signal(SIGINT, &NoteSignal);
+}
+
+// No C++ exception may travel through the run loop.
+void CHost::Guarded(const std::function<void()>& fnWork)
+{
+    try
+    {
+        fnWork();
+    }
+    catch (const std::exception& error)
+    {
+        std::cerr << "tarvane-host: " << error.what() << std::endl;
+        End(kExitFailed);
+    }
+}
+
+std::function<void()> CHost::OnMain(std::function<void()> fnWork)
+{
+    return [=, this] { Guarded(fnWork); };
+}
+
+int CHost::Run()
+{
+    CallOnMainThread(OnMain([this] { Start(); }));
+    [NSApp activateIgnoringOtherApps:YES];
+    [NSApp run];
+    return m_nExitCode;
+}
+
+void CHost::End(int nExitCode)
+{
+    m_nExitCode = nExitCode;
+    [NSApp stop:nil];
+    // The application looks at its stop only after an event.
+    NSEvent* event = [NSEvent otherEventWithType:NSApplicationDefined
+                                        location:NSZeroPoint
+                                   modifierFlags:0
+                                       timestamp:0
+                                    windowNumber:0
+                                         context:nil
+                                         subtype:0
+                                           data1:0
+                                           data2:0];
+    [NSApp postEvent:event atStart:YES];
+}
+
+void CHost::Start()
+{
+    if (m_options.fCommands)
+    {
+        m_commands = [[LineSource alloc] initWithDescriptor:STDIN_FILENO listener:this];
+        m_strCommand = "ready";
+        Answer(State());
+    }
+    if (m_options.fHeadless && !m_options.fCommands)
+    {
+        CaptureNext();
+    }
+    else
+    {
+        OfferNextByHand();
+    }
+}
+
+void CHost::CaptureNext()
+{
+    if (m_nNextSource == m_plan.sources.size())
+    {
+        End(m_nExitCode);
+        return;
+    }
+    Begin(m_plan.sources[m_nNextSource++]);
+}
+
+void CHost::Begin(const CCaptureSource& source)
+{
+    m_pSide->SetSource(source);
+    if (m_pSide->IsArmed())
+    {
+        return;
+    }
+    const size_t nBefore = m_pSide->Captures().size();
+    m_pView->PressToggle();
+    // A short file may have been captured, and the plug-in disarmed, by now.
+    if (!m_pSide->IsArmed() && m_pSide->Captures().size() == nBefore)
+    {
+        throw std::runtime_error("the view's capture toggle does not arm the plug-in.");
+    }
+}
+
+// The files come round again, each behind what was captured last.
+void CHost::OfferNextByHand()
+{
+    if (m_plan.sources.empty())
+    {
+        return;
+    }
+    CCaptureSource source = m_plan.sources[m_nNextSource % m_plan.sources.size()];
+    if (m_nNextSource >= m_plan.sources.size() && !m_entries.empty())
+    {
+        const CCaptureReport& last = m_entries.back().report;
+        source.dPosition =
+            PositionBehind(last.record.tDub.dPosition, last.Frames(), last.record.dSampleRate,
+                           CSoundReader(source.file).Info().samplerate);
+    }
+    ++m_nNextSource;
+    m_pSide->SetSource(source);
+}
+
+void CHost::CaptureChanged(const CCaptureReport& report)
+{
+    const bool fTold = std::any_of(m_entries.begin(), m_entries.end(),
+                                   [&](const CCaptureEntry& entry)
+                                   { return entry.report.nNumber == report.nNumber; });
+    if (!report.IsOver())
+    {
+        WaitForAck(report);
+    }
+    // An acknowledge that comes too late changes nothing any more.
+    else if (!fTold)
+    {
+        Tell(report);
+    }
+}
+
+void CHost::WaitForAck(const CCaptureReport& report)
+{
+    const auto fnOver = OnMain(
+        [=, this]
+        {
+            m_ackTimer = nil;
+            // One that came while the main thread was busy is still on its way here.
+            if (!m_pSide->Captures().at(report.nNumber).IsOver())
+            {
+                Tell(report);
+            }
+        });
+    [m_ackTimer invalidate];
+    m_ackTimer = [NSTimer scheduledTimerWithTimeInterval:m_options.dAckTimeout
+                                                  target:MakeCall(fnOver)
+                                                selector:@selector(run:)
+                                                userInfo:nil
+                                                 repeats:NO];
+}
+
+void CHost::Tell(const CCaptureReport& report)
+{
+    [m_ackTimer invalidate];
+    m_ackTimer = nil;
+    m_entries.push_back({report, m_pView->Words()});
+    const CCaptureEntry entry = m_entries.back();
+    if (!entry.IsGood())
+    {
+        m_nExitCode = kExitFailed;
+    }
+    std::fputs(TellCapture(entry).c_str(), m_pStory);
+    std::fflush(m_pStory);
+    WriteResults();
+    GoOn(entry);
+}
+
+void CHost::WriteResults()
+{
+    if (!m_results)
+    {
+        return;
+    }
+    nlohmann::json captures = nlohmann::json::array();
+    for (const CCaptureEntry& entry : m_entries)
+    {
+        captures.push_back(DescribeCapture(entry));
+        if (entry.report.nElement >= 0)
+        {
+            m_results->Adopt(entry.report.record.szDubPath);
+        }
+    }
+    m_results->WriteText(kResultsName, JsonText({{"captures", captures}}, 2) + "\n");
+    m_results->WriteText(kPictureName, m_pView->Picture());
+}
+
+void CHost::GoOn(const CCaptureEntry& entry)
+{
+    if (m_fCapturingOnCommand)
+    {
+        m_fCapturingOnCommand = false;
+        Answer(DescribeCapture(entry));
+    }
+    else if (m_options.fCommands)
+    {
+        nlohmann::json event = DescribeCapture(entry);
+        event["event"] = "capture";
+        std::cout << JsonText(event) << std::endl;
+    }
+    if (m_options.fHeadless && !m_options.fCommands)
+    {
+        CaptureNext();
+    }
+    else
+    {
+        OfferNextByHand();
+    }
+}
+
+} // namespace Tarvane

@@ -1,0 +1,189 @@
+#import "apps/host/LinkView.h"
+
+#include "apps/support/CommandLine.h"
+
+#import <AudioUnit/AUCocoaUIView.h>
+
+#include <stdexcept>
+
+namespace Tarvane
+{
+namespace
+{
+
+NSString* ToNSString(const std::string& strText)
+{
+    return [NSString stringWithUTF8String:strText.c_str()];
+}
+
+std::string FromNSString(NSString* strText)
+{
+    const char* szText = [strText UTF8String];
+    return szText != nullptr ? szText : "";
+}
+
+id MakeFactory(const std::filesystem::path& path)
+{
+    NSBundle* bundle = [NSBundle bundleWithPath:ToNSString(path.string())];
+    Class factoryClass = [bundle principalClass];
+    if (factoryClass == Nil)
+    {
+        throw CUsageError("the bundle " + path.string() +
+                          " cannot be loaded or names no principal class - build it again, or name "
+                          "another with --bundle.");
+    }
+    if (![factoryClass conformsToProtocol:@protocol(AUCocoaUIBase)])
+    {
+        throw CUsageError("the principal class " + FromNSString(NSStringFromClass(factoryClass)) +
+                          " of " + path.string() +
+                          " makes no plug-in views - name another bundle with --bundle.");
+    }
+    return [[[factoryClass alloc] init] autorelease];
+}
+
+NSWindow* MakeWindow(NSView* view)
+{
+    const NSRect frame = {{120, 320}, [view frame].size};
+    NSWindow* window = [[NSWindow alloc]
+        initWithContentRect:frame
+                  styleMask:NSTitledWindowMask | NSClosableWindowMask | NSMiniaturizableWindowMask
+                    backing:NSBackingStoreBuffered
+                      defer:NO];
+    [window setReleasedWhenClosed:NO];
+    [window setTitle:@"Tarvane Link"];
+    [window setContentView:view];
+    [window makeKeyAndOrderFront:nil];
+    return window;
+}
+
+NSEvent* MouseEvent(NSEventType type, NSView* view)
+{
+    const NSRect bounds = [view bounds];
+    const NSPoint centre = {NSMidX(bounds), NSMidY(bounds)};
+    return [NSEvent mouseEventWithType:type
+                              location:[view convertPoint:centre toView:nil]
+                         modifierFlags:0
+                             timestamp:0
+                          windowNumber:[[view window] windowNumber]
+                               context:nil
+                           eventNumber:0
+                            clickCount:1
+                              pressure:0];
+}
+
+} // namespace
+
+CLinkView::CLinkView(const std::filesystem::path& bundle, AudioUnit pUnit)
+{
+    const NSSize size = {0, 0};
+    m_view = [[MakeFactory(bundle) uiViewForAudioUnit:pUnit withSize:size] retain];
+    if (m_view == nil)
+    {
+        throw CUsageError("the bundle " + bundle.string() +
+                          " made no view - see above for its reason, or name another with "
+                          "--bundle.");
+    }
+    m_window = MakeWindow(m_view);
+}
+
+CLinkView::~CLinkView()
+{
+    [m_window setDelegate:nil];
+    [m_window orderOut:nil];
+    [m_view removeFromSuperview];
+    [m_window close];
+    [m_window release];
+    [m_view release];
+}
+
+// The view's parts go by the names that its nib connects.
+id CLinkView::Part(NSString* strName) const
+{
+    @try
+    {
+        return [m_view valueForKey:strName];
+    }
+    @catch (NSException*)
+    {
+        return nil;
+    }
+}
+
+std::string CLinkView::Text(NSString* strName) const
+{
+    return FromNSString([Part(strName) stringValue]);
+}
+
+NSPopUpButton* CLinkView::Menu() const { return Part(@"m_btnTracks"); }
+
+ViewWords CLinkView::Words() const
+{
+    return {Text(@"m_textError"), Text(@"m_textAdvice"),
+            FromNSString([Menu() titleOfSelectedItem])};
+}
+
+std::vector<std::string> CLinkView::Tracks() const
+{
+    std::vector<std::string> names;
+    for (NSInteger n = 0; n < [Menu() numberOfItems]; ++n)
+    {
+        names.push_back(FromNSString([Menu() itemTitleAtIndex:n]));
+    }
+    return names;
+}
+
+int CLinkView::SelectedTrack() const
+{
+    return Menu() == nil ? -1 : static_cast<int>([Menu() indexOfSelectedItem]);
+}
+
+bool CLinkView::PressToggle()
+{
+    NSView* toggle = Part(@"m_switchCapture");
+    if (toggle == nil)
+    {
+        return false;
+    }
+    [toggle mouseDown:MouseEvent(NSLeftMouseDown, toggle)];
+    [toggle mouseUp:MouseEvent(NSLeftMouseUp, toggle)];
+    return true;
+}
+
+bool CLinkView::ChooseTrack(int nTrack)
+{
+    NSPopUpButton* menu = Menu();
+    if (nTrack < 0 || nTrack >= [menu numberOfItems])
+    {
+        return false;
+    }
+    [menu selectItemAtIndex:nTrack];
+    [menu sendAction:[menu action] to:[menu target]];
+    return true;
+}
+
+bool CLinkView::OpenMenu()
+{
+    NSPopUpButton* menu = Menu();
+    NSPopUpButtonCell* cell = [menu cell];
+    [cell attachPopUpWithFrame:[menu bounds] inView:menu];
+    [cell dismissPopUp];
+    return menu != nil;
+}
+
+std::string CLinkView::Picture()
+{
+    [m_window orderFront:nil];
+    [m_window display];
+    [m_view lockFocus];
+    NSBitmapImageRep* image =
+        [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[m_view bounds]] autorelease];
+    [m_view unlockFocus];
+    NSData* data = [image representationUsingType:NSPNGFileType properties:nil];
+    if ([data length] == 0)
+    {
+        throw std::runtime_error("cannot take a picture of the window.");
+    }
+    return std::string(static_cast<const char*>([data bytes]), [data length]);
+}
+
+} // namespace Tarvane

@@ -1,0 +1,174 @@
+#include "apps/host/Options.h"
+
+#include "apps/support/ChildProcess.h"
+#include "apps/support/DubFile.h"
+
+#include <charconv>
+#include <cmath>
+#include <optional>
+
+namespace fs = std::filesystem;
+
+namespace Tarvane
+{
+namespace
+{
+
+double SpeedOf(const std::string& strSpeed)
+{
+    if (strSpeed == "max")
+    {
+        return 0;
+    }
+    double dSpeed = 0;
+    const auto [pEnd, error] =
+        std::from_chars(strSpeed.data(), strSpeed.data() + strSpeed.size(), dSpeed);
+    if (error != std::errc() || pEnd != strSpeed.data() + strSpeed.size() || !(dSpeed > 0) ||
+        !std::isfinite(dSpeed))
+    {
+        throw CUsageError("--speed " + strSpeed +
+                          " is no speed - give a number above 0, 1 for real time, or max.");
+    }
+    return dSpeed;
+}
+
+std::vector<CCaptureSource> PlaceFiles(const HostOptions& options)
+{
+    if (options.positions.size() > options.files.size())
+    {
+        throw CUsageError("there are more positions than sound files - give at most one for each.");
+    }
+    std::vector<CCaptureSource> sources;
+    double dEnd = 0, dRate = 0;
+    for (size_t n = 0; n < options.files.size(); ++n)
+    {
+        const CSoundReader reader(options.files[n]);
+        const double dOwnRate = reader.Info().samplerate;
+        const double dPosition = n < options.positions.size()
+                                     ? options.positions[n]
+                                     : PositionBehind(dEnd, 0, dRate, dOwnRate);
+        if (!std::isfinite(dPosition))
+        {
+            throw CUsageError("a position must be a number of samples.");
+        }
+        sources.push_back({reader.Path(), dPosition});
+        dEnd = dPosition + static_cast<double>(reader.Info().frames);
+        dRate = dOwnRate;
+    }
+    return sources;
+}
+
+fs::path BundlePath(const std::string& strBundle)
+{
+    const fs::path path = strBundle.empty()
+                              ? ProgramFolder().parent_path() / "lib" / "TarvaneLink.bundle"
+                              : fs::absolute(strBundle);
+    std::error_code error;
+    if (!fs::is_directory(path, error))
+    {
+        throw CUsageError("there is no bundle " + path.string() +
+                          " - build it, or name one with --bundle.");
+    }
+    return path;
+}
+
+fs::path CaptureFolder(const HostOptions& options)
+{
+    if (!options.strCaptureFolder.empty())
+    {
+        return fs::absolute(options.strCaptureFolder).lexically_normal();
+    }
+    return fs::absolute(fs::path(options.strResults) / "captures").lexically_normal();
+}
+
+// Checks first what can be checked without it, so that wrong use leaves no folder behind.
+void MakeCaptureFolder(const fs::path& folder, const std::vector<CCaptureSource>& sources)
+{
+    for (const CCaptureSource& source : sources)
+    {
+        CDubFile::CheckPath(folder, CSoundReader(source.file));
+    }
+    std::error_code error;
+    fs::create_directories(folder, error);
+    if (error)
+    {
+        throw CUsageError("cannot make the capture folder " + folder.string() + " (" +
+                          error.message() + ") - name another with --capture-folder.");
+    }
+    CDubFile::CheckFolder(folder);
+}
+
+} // namespace
+
+void DeclareOptions(CLI::App& app, HostOptions& options)
+{
+    app.add_option(
+        "SOUND_FILE", options.files,
+        "Sound files to capture, one behind the other from sample 0. The same file at the "
+        "same position a second time is what the server calls a duplicate");
+    app.add_option("--position", options.positions,
+                   "Where the first sample of a file lies on the host's timeline; the first one is "
+                   "for the first file, and so on (repeatable)")
+        ->type_name("SAMPLES")
+        ->allow_extra_args(false);
+    app.add_option("--bundle", options.strBundle,
+                   "The view to load (default: ../lib/TarvaneLink.bundle beside this program)")
+        ->type_name("PATH");
+    app.add_option("--track", options.nTrack,
+                   "The track that is chosen at first, counted from 0 in the menu's order "
+                   "(default 0)")
+        ->type_name("N");
+    app.add_option("--capture-folder", options.strCaptureFolder,
+                   "Where captured files go (default: captures, in the results folder if there is "
+                   "one)")
+        ->type_name("DIR");
+    app.add_option("--speed", options.strSpeed,
+                   "Times real time, or max for as fast as the disk allows (default 1)")
+        ->type_name("X|max");
+    app.add_flag("--headless", options.fHeadless,
+                 "Capture every file without a hand on the toggle, and end. Without it the window "
+                 "stays open: each press of the toggle captures the next file");
+    app.add_flag("--commands", options.fCommands,
+                 "Do what lines on the standard input say, and answer each with one line of JSON: "
+                 "capture FILE [SAMPLES], track N, open-menu, screenshot PATH, arm, disarm, state, "
+                 "quit. A FILE with blanks stands between double quotes. The story goes to the "
+                 "standard error stream then");
+    app.add_option("--results", options.strResults,
+                   "Write captures.json and link-view.png, a picture of the window, into this "
+                   "folder. Files there that are not ours are never replaced")
+        ->type_name("DIR");
+    app.add_option("--log", options.strLog,
+                   "Record every property that the view writes in this file; - is the standard "
+                   "output, or the standard error stream with --commands")
+        ->type_name("FILE");
+    app.add_option("--ack-timeout", options.dAckTimeout,
+                   "How long to wait for the acknowledge of a capture before it counts as not "
+                   "delivered (default 200, as a delivery may take three minutes)")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.0, 1e6));
+}
+
+double PositionBehind(double dPosition, double dFrames, double dRate, double dNextRate)
+{
+    const double dEnd = dPosition + dFrames;
+    return dRate > 0 && dRate != dNextRate ? std::ceil(dEnd / dRate * dNextRate) : dEnd;
+}
+
+HostPlan MakePlan(const HostOptions& options)
+{
+    if (options.fHeadless && !options.fCommands && options.files.empty())
+    {
+        throw CUsageError("there is nothing to capture - name a sound file, or leave --headless "
+                          "away.");
+    }
+    HostPlan plan;
+    plan.settings.dSpeed = SpeedOf(options.strSpeed);
+    plan.settings.nTrack = options.nTrack;
+    plan.settings.captureFolder = CaptureFolder(options);
+    plan.sources = PlaceFiles(options);
+    plan.bundle = BundlePath(options.strBundle);
+    MakeCaptureFolder(plan.settings.captureFolder, plan.sources);
+    return plan;
+}
+
+} // namespace Tarvane

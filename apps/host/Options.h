@@ -1,0 +1,46 @@
+// What the host's command line says.
+#pragma once
+
+#include "apps/support/CommandLine.h"
+#include "apps/support/SignalSide.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace Tarvane
+{
+
+struct HostOptions
+{
+    std::vector<std::string> files;
+    std::vector<double> positions; // of the first files, in samples
+    std::string strBundle;         // empty: beside the program
+    std::string strCaptureFolder;  // empty: "captures" in the results folder, or here
+    std::string strResults;        // empty: nothing is written
+    std::string strLog;            // "-": the standard output, or error with --commands
+    std::string strSpeed = "1";
+    int nTrack = 0;
+    double dAckTimeout = 200; // seconds; three commands may take a minute each
+    bool fHeadless = false;
+    bool fCommands = false;
+};
+
+void DeclareOptions(CLI::App& app, HostOptions& options);
+
+// The options as they are meant, with everything that can be wrong found wrong at once: the sound
+// files with their places on the timeline, the folders. Throws CUsageError. Makes the capture
+// folder last, when all else is good.
+struct HostPlan
+{
+    std::vector<CCaptureSource> sources;
+    CSignalSettings settings;
+    std::filesystem::path bundle;
+};
+HostPlan MakePlan(const HostOptions& options);
+
+// Where the next file lies when it is laid behind this one: its end, in samples of the next file's
+// rate.
+double PositionBehind(double dPosition, double dFrames, double dRate, double dNextRate);
+
+} // namespace Tarvane

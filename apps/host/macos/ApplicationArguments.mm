@@ -1,0 +1,15 @@
+#include "apps/host/ApplicationArguments.h"
+
+#import <Foundation/Foundation.h>
+
+namespace Tarvane
+{
+
+void HideArguments(char**)
+{
+    [[NSUserDefaults standardUserDefaults]
+        registerDefaults:[NSDictionary dictionaryWithObject:@"NO"
+                                                     forKey:@"NSTreatUnknownArgumentsAsOpen"]];
+}
+
+} // namespace Tarvane
