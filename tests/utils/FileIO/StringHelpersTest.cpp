@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -18,8 +19,9 @@ constexpr std::size_t kRoom = 256;
 // A Pascal string in a buffer that ends with it, so that a byte read too many is seen.
 Bytes Pascal(const std::string& strText)
 {
-    Bytes bytes{static_cast<unsigned char>(strText.size())};
-    bytes.insert(bytes.end(), strText.begin(), strText.end());
+    Bytes bytes(strText.size() + 1);
+    bytes[0] = static_cast<unsigned char>(strText.size());
+    std::copy(strText.begin(), strText.end(), bytes.begin() + 1);
     return bytes;
 }
 
