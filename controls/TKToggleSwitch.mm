@@ -1,6 +1,33 @@
 #import "controls/TKToggleSwitch.h"
 
+#include "colours/ComponentsColors.h"
+#import "controls/GraphicUtils.h"
+
 @implementation TKToggleSwitch
+
+- (id)initWithFrame:(NSRect)frame
+{
+    self = [super initWithFrame:frame];
+    if (!self)
+        return nil;
+    m_fDrawButton = true;
+    m_fEnabled = true;
+    m_fRadius = gfDefaultRadius;
+    m_nLabelColor = ccControlText;
+    return self;
+}
+
+- (void)dealloc
+{
+    [m_imageOnUp release];
+    [m_imageOnDown release];
+    [m_imageOffUp release];
+    [m_imageOffDown release];
+    [m_strLabel release];
+    [super dealloc];
+}
+
+#pragma mark State and delegate
 
 - (void)SetDelegate:(id)idDelegate
 {
@@ -20,53 +47,213 @@
     [self setNeedsDisplay:YES];
 }
 
-- (BOOL)Hits:(NSEvent*)pEvent
+#pragma mark Look
+
+static NSImage* ImageInBundle(NSBundle* bundle, NSString* strName)
 {
-    return NSPointInRect([self convertPoint:[pEvent locationInWindow] fromView:nil], [self bounds]);
+    NSString* path = [bundle pathForResource:strName ofType:@"png"];
+    return [[NSImage alloc] initWithContentsOfFile:path];
 }
 
-- (void)Arm:(bool)fMouseDown
+- (void)SetStateImages:(NSInteger)nState Up:(NSString*)strUp Down:(NSString*)strDown
 {
-    m_fMouseDown = fMouseDown;
+    if (nState != 0 && nState != 1)
+        return;
+    NSImage** pUp = nState ? &m_imageOnUp : &m_imageOffUp;
+    NSImage** pDown = nState ? &m_imageOnDown : &m_imageOffDown;
+    [*pUp release];
+    [*pDown release];
+    // The view's own bundle, not the host's.
+    NSBundle* bundle = [NSBundle bundleForClass:[self class]];
+    *pUp = ImageInBundle(bundle, strUp);
+    *pDown = ImageInBundle(bundle, strDown);
+}
+
+- (void)SetDrawButton:(bool)fDrawButton
+{
+    m_fDrawButton = fDrawButton;
+}
+
+- (void)SetCorner:(float)fRadius
+{
+    m_fRadius = fRadius;
+}
+
+- (void)SetUpColorsFace:(CComponentCode)face Border:(CComponentCode)border
+{
+    m_nOnUpFace = face;
+    m_nOnUpBorder = border;
+}
+
+- (void)SetDownColorsFace:(CComponentCode)face Border:(CComponentCode)border
+{
+    m_nOnDownFace = face;
+    m_nOnDownBorder = border;
+}
+
+- (void)SetOffUpColorsFace:(CComponentCode)face Border:(CComponentCode)border
+{
+    m_nOffUpFace = face;
+    m_nOffUpBorder = border;
+}
+
+- (void)SetOffDownColorsFace:(CComponentCode)face Border:(CComponentCode)border
+{
+    m_nOffDownFace = face;
+    m_nOffDownBorder = border;
+}
+
+- (void)SetLabel:(NSString*)strLabel XOffset:(float)fXOffset
+{
+    [strLabel retain];
+    [m_strLabel release];
+    m_strLabel = strLabel;
+    m_fLabelXOffset = fXOffset;
+}
+
+- (void)SetLabelColor:(CComponentCode)colour
+{
+    m_nLabelColor = colour;
+}
+
+- (void)SetImageOffset:(float)fXOffset
+{
+    m_fImageXOffset = fXOffset;
+}
+
+- (void)SetEnabled:(bool)fEnabled
+{
+    m_fEnabled = fEnabled;
+}
+
+- (void)SetToolTip:(NSString*)strToolTip
+{
+    [self setToolTip:strToolTip];
+}
+
+#pragma mark Tracking
+
+- (bool)isInside:(NSEvent*)event
+{
+    const NSPoint point = [self convertPoint:[event locationInWindow] fromView:nil];
+    return NSPointInRect(point, [self bounds]);
+}
+
+- (void)mouseDown:(NSEvent*)event
+{
+    if (!m_fEnabled || ![self isInside:event])
+        return;
+    m_fMouseDown = true;
     [self setNeedsDisplay:YES];
 }
 
-- (void)mouseDown:(NSEvent*)pEvent
+- (void)mouseDragged:(NSEvent*)event
 {
-    [self Arm:[self Hits:pEvent]];
-}
-
-- (void)mouseDragged:(NSEvent*)pEvent
-{
-    [self Arm:[self Hits:pEvent]];
-}
-
-- (void)mouseUp:(NSEvent*)pEvent
-{
-    [self Arm:false];
-    if (![self Hits:pEvent])
+    if (!m_fEnabled)
         return;
-    [self setState:m_nState == 1 ? 0 : 1];
-    [m_idDelegate TKSwitchChange:self
-                   ModifierFlags:static_cast<std::int32_t>([pEvent modifierFlags])];
+    const bool fInside = [self isInside:event];
+    if (fInside == m_fMouseDown)
+        return;
+    m_fMouseDown = fInside;
+    [self setNeedsDisplay:YES];
 }
 
-- (void)drawRect:(NSRect)rcDirty
+// Where the mouse is released alone decides, whatever the pointer did before.
+- (void)mouseUp:(NSEvent*)event
 {
-    (void)rcDirty;
-    NSRect rcFace = NSInsetRect([self bounds], 1, 1);
-    [[NSColor colorWithCalibratedWhite:m_fMouseDown ? 0.1 : 0.2 alpha:1.0] setFill];
-    NSBezierPath* pFace = [NSBezierPath bezierPathWithRoundedRect:rcFace xRadius:4 yRadius:4];
-    [pFace fill];
-    [[NSColor colorWithCalibratedWhite:0.5 alpha:1.0] setStroke];
-    [pFace stroke];
+    if (!m_fEnabled)
+        return;
+    if ([self isInside:event])
+    {
+        m_nState = m_nState == 1 ? 0 : 1;
+        [m_idDelegate TKSwitchChange:self ModifierFlags:std::int32_t([event modifierFlags])];
+    }
+    m_fMouseDown = false;
+    [self setNeedsDisplay:YES];
+}
 
-    NSColor* pLamp = m_nState == 1
-                         ? [NSColor colorWithCalibratedRed:1.0 green:0.25 blue:0.2 alpha:1.0]
-                         : [NSColor colorWithCalibratedWhite:0.38 alpha:1.0];
-    [pLamp setFill];
-    NSRect rcLamp = NSMakeRect(NSMidX(rcFace) - 5, NSMidY(rcFace) - 5, 10, 10);
-    [[NSBezierPath bezierPathWithOvalInRect:rcLamp] fill];
+#pragma mark Drawing
+
+- (NSImage*)image
+{
+    if (m_nState == 1)
+        return m_fMouseDown ? m_imageOnDown : m_imageOnUp;
+    return m_fMouseDown ? m_imageOffDown : m_imageOffUp;
+}
+
+// False, with nothing painted, when the on colour is empty, whatever the off colour is. Colours ask
+// whether the state is 0, images whether it is 1: any other shows off images in on colours.
+- (bool)fill:(NSRect)rect on:(CComponentCode)on off:(CComponentCode)off
+{
+    if (on.Empty())
+        return false;
+    const bool fOff = m_nState == 0 && !off.Empty();
+    [GraphicUtils FillRoundRect:(CGContextRef)[[NSGraphicsContext currentContext] graphicsPort]
+                          Color:fOff ? off : on
+                     Background:CComponentCode(0, 0)
+                           Rect:rect
+                         Radius:m_fRadius
+                  FillDirection:kFillDiagonal
+                        Flipped:[self isFlipped]];
+    return true;
+}
+
+// Returns what is left inside the border.
+- (NSRect)drawButton:(NSRect)rect
+{
+    const CComponentCode onBorder = m_fMouseDown ? m_nOnDownBorder : m_nOnUpBorder;
+    const CComponentCode offBorder = m_fMouseDown ? m_nOffDownBorder : m_nOffUpBorder;
+    const CComponentCode onFace = m_fMouseDown ? m_nOnDownFace : m_nOnUpFace;
+    const CComponentCode offFace = m_fMouseDown ? m_nOffDownFace : m_nOffUpFace;
+
+    if ([self fill:rect on:onBorder off:offBorder])
+        rect = NSInsetRect(rect, 1.0, 1.0);
+    [self fill:rect on:onFace off:offFace];
+    return rect;
+}
+
+- (void)drawImage:(NSImage*)image inside:(NSRect)rect
+{
+    NSRect target = [self bounds];
+    if (m_fDrawButton)
+    {
+        const NSSize size = image ? [image size] : NSZeroSize;
+        target = NSMakeRect((NSWidth(rect) - size.width) * 0.5 + NSMinX(rect) + m_fImageXOffset,
+                            (NSHeight(rect) - size.height) * 0.5 + NSMinY(rect), size.width,
+                            size.height);
+    }
+    [image drawInRect:target fromRect:NSZeroRect operation:NSCompositeSourceOver fraction:1.0];
+}
+
+- (void)drawLabel
+{
+    NSMutableParagraphStyle* style = [[NSMutableParagraphStyle alloc] init];
+    [style setAlignment:NSCenterTextAlignment];
+    NSMutableDictionary* attributes = [NSMutableDictionary
+        dictionaryWithObjectsAndKeys:style, NSParagraphStyleAttributeName, nil];
+    // Without the font or the colour the platform's own stand in.
+    if (NSFont* font = [NSFont fontWithName:@"Tahoma" size:12.0])
+        [attributes setObject:font forKey:NSFontAttributeName];
+    if (NSColor* colour = gAppColours.FindNSColor(m_nLabelColor))
+        [attributes setObject:colour forKey:NSForegroundColorAttributeName];
+
+    const NSRect bounds = [self bounds];
+    const NSSize size = [m_strLabel sizeWithAttributes:attributes];
+    const CGFloat y = NSMinY(bounds) + (NSHeight(bounds) - size.height) * 0.5 + 1.0;
+    [m_strLabel drawInRect:NSMakeRect(m_fLabelXOffset, y, size.width, size.height)
+            withAttributes:attributes];
+    [style release];
+}
+
+- (void)drawRect:(NSRect)rect
+{
+    rect = [self bounds]; // the whole switch is painted every time
+    NSImage* image = [self image];
+    if (m_fDrawButton)
+        rect = [self drawButton:rect];
+    [self drawImage:image inside:rect];
+    if (m_strLabel)
+        [self drawLabel];
 }
 
 @end

@@ -15,6 +15,9 @@ namespace TarvaneTests
 const std::vector<std::string>& GraphicsCalls();
 void ResetGraphicsCalls();
 
+// Adds a call of another recorder, so that one list holds the order of all.
+void NoteGraphicsCall(const std::string& strCall);
+
 // While false, calls are let through without a note and without an allocation.
 void SetGraphicsRecording(bool fRecord);
 

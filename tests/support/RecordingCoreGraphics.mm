@@ -117,6 +117,8 @@ void ResetGraphicsCalls()
     nLastColourSpace = 0;
 }
 
+void NoteGraphicsCall(const std::string& strCall) { calls.push_back(strCall); }
+
 void SetGraphicsRecording(bool fRecord) { fRecording = fRecord; }
 
 size_t LiveGraphicsObjects() { return nLive; }

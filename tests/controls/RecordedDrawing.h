@@ -1,0 +1,44 @@
+// Notes what the controls ask of AppKit while they draw, in the list of RecordingCoreGraphics:
+// images, texts and the look-up of resources. Nothing is painted.
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <string>
+#include <vector>
+
+namespace TarvaneTests
+{
+
+// While it lives, the platform's methods are replaced and a context stands ready to draw in. One at
+// a time.
+//
+//     "BundleOf <class>"
+//     "Resource <name>.<type>"
+//     "LoadImage <path>"           path "none" when the resource is missing
+//     "DrawImage <name> in x y w h from x y w h operation n fraction f[ flipped]"
+//     "SetFlipped <name> <0 or 1>"
+//     "DrawText <text> in x y w h"
+//     "Measure <text>"             answers kTextSize
+class RecordedDrawing
+{
+  public:
+    RecordedDrawing();
+    ~RecordedDrawing();
+    RecordedDrawing(const RecordedDrawing&) = delete;
+    RecordedDrawing& operator=(const RecordedDrawing&) = delete;
+
+    // From now on resources of this name are not found.
+    void LoseResource(const std::string& strName);
+
+    // The attributes of the last text that was drawn; autoreleased.
+    NSDictionary* LastAttributes() const;
+
+    static constexpr NSSize kTextSize = {40, 14};
+    static constexpr NSSize kImageSize = {17, 13};
+};
+
+// The calls that begin with one of the words.
+std::vector<std::string> CallsThatBegin(const std::vector<std::string>& words);
+
+} // namespace TarvaneTests
