@@ -148,12 +148,6 @@ void DeclareOptions(CLI::App& app, HostOptions& options)
         ->check(CLI::Range(0.0, 1e6));
 }
 
-double PositionBehind(double dPosition, double dFrames, double dRate, double dNextRate)
-{
-    const double dEnd = dPosition + dFrames;
-    return dRate > 0 && dRate != dNextRate ? std::ceil(dEnd / dRate * dNextRate) : dEnd;
-}
-
 HostPlan MakePlan(const HostOptions& options)
 {
     if (options.fHeadless && !options.fCommands && options.files.empty())

@@ -39,8 +39,4 @@ struct HostPlan
 };
 HostPlan MakePlan(const HostOptions& options);
 
-// Where the next file lies when it is laid behind this one: its end, in samples of the next file's
-// rate.
-double PositionBehind(double dPosition, double dFrames, double dRate, double dNextRate);
-
 } // namespace Tarvane

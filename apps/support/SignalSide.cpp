@@ -57,6 +57,12 @@ template <typename Work> std::string FailureOf(Work work)
 
 } // namespace
 
+double PositionBehind(double dPosition, double dFrames, double dRate, double dNextRate)
+{
+    const double dEnd = dPosition + dFrames;
+    return dRate > 0 && dRate != dNextRate ? std::ceil(dEnd / dRate * dNextRate) : dEnd;
+}
+
 CSignalSide::CSignalSide() : m_thread([this] { Work(); }) {}
 
 CSignalSide::~CSignalSide()

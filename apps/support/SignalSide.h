@@ -34,6 +34,10 @@ struct CCaptureSource
     double dPosition = 0; // samples
 };
 
+// Where the next file lies when it is laid behind this one: its end, in samples of the next file's
+// rate, rounded up. A rate of 0 is that of the next file.
+double PositionBehind(double dPosition, double dFrames, double dRate, double dNextRate);
+
 struct CSignalSettings
 {
     std::filesystem::path captureFolder = "."; // must exist
