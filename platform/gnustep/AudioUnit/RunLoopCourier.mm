@@ -70,18 +70,23 @@ void platform::PerformOnRunLoop(CFRunLoopRef runLoop, CFStringRef mode, double d
     PlatformRunLoopCourier* courier =
         [[[PlatformRunLoopCourier alloc] initWithErrand:errand mode:(NSString*)mode
                                                   delay:delay] autorelease];
-    if (delay > 0 && thread == [NSThread currentThread])
-    {
+    NSArray* modes = [NSArray arrayWithObject:(NSString*)mode];
+    // On its own thread by the run loop: -performSelector:onThread:... would run the errand at
+    // once in a thread that has not used its run loop yet.
+    if (thread != [NSThread currentThread])
+        [courier performSelector:@selector(arrive)
+                        onThread:thread
+                      withObject:nil
+                   waitUntilDone:NO
+                           modes:modes];
+    else if (delay > 0)
         [courier arrive];
-        return;
-    }
-    // With no waiting asked for, the main thread too is reached through its run loop and never
-    // from inside this call.
-    [courier performSelector:@selector(arrive)
-                    onThread:thread
-                  withObject:nil
-               waitUntilDone:NO
-                       modes:[NSArray arrayWithObject:(NSString*)mode]];
+    else
+        [[NSRunLoop currentRunLoop] performSelector:@selector(run)
+                                             target:courier
+                                           argument:nil
+                                              order:0
+                                              modes:modes];
 }
 
 bool platform::HasEnded(CFRunLoopRef runLoop) { return [(NSThread*)runLoop isFinished]; }

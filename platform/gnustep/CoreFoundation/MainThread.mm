@@ -1,7 +1,8 @@
 #include "platform/gnustep/CoreFoundation/Pool.h"
 
-// GNUstep takes the thread that uses it first for the main one. Programs that start threads
-// before they come to their first object rely on it being the one that started them.
+// GNUstep takes the thread that uses it first for the main one; a program may start threads
+// before it comes to its first object. And -performSelectorOnMainThread:... without waiting,
+// sent on the main thread, only goes through the run loop when there is one already.
 @interface PlatformMainThread : NSObject
 @end
 
@@ -11,6 +12,7 @@
 {
     platform::Pool pool;
     [NSThread mainThread];
+    [NSRunLoop currentRunLoop];
 }
 
 @end

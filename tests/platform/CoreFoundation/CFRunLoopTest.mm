@@ -6,6 +6,21 @@
 
 #include <thread>
 
+@interface TestPerformed : NSObject
+{
+  @public
+    int m_nTimes;
+}
+- (void)perform;
+@end
+
+@implementation TestPerformed
+- (void)perform
+{
+    ++m_nTimes;
+}
+@end
+
 TEST(CFRunLoop, EachThreadHasOneOfItsOwn)
 {
     CFRunLoopRef here = CFRunLoopGetCurrent();
@@ -36,4 +51,15 @@ TEST(CFRunLoop, MainIsTheMainThreadsFromEverywhere)
 TEST(CFRunLoop, DefaultModeIsFoundations)
 {
     EXPECT_TRUE([NSDefaultRunLoopMode isEqualToString:(NSString*)kCFRunLoopDefaultMode]);
+}
+
+TEST(CFRunLoop, MainThreadIsAskedThroughItsRunLoop)
+{
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    TestPerformed* target = [[[TestPerformed alloc] init] autorelease];
+    [target performSelectorOnMainThread:@selector(perform) withObject:nil waitUntilDone:NO];
+    EXPECT_EQ(target->m_nTimes, 0);
+    [[NSRunLoop currentRunLoop] runUntilDate:[NSDate date]];
+    EXPECT_EQ(target->m_nTimes, 1);
+    [pool drain];
 }
