@@ -7,8 +7,8 @@ void CByteString::SetLong(std::string_view text)
     auto* pText = new (::operator new(sizeof(Text) + text.size() + 1)) Text{{1}, text.size()};
     std::memcpy(pText->Bytes(), text.data(), text.size());
     pText->Bytes()[text.size()] = '\0';
-    std::memcpy(m_bytes, &pText, sizeof pText);
-    m_bytes[kMostInside] = kLong;
+    m_words[0] = reinterpret_cast<std::uintptr_t>(pText);
+    m_words[1] = std::uint64_t{kLong} << kLastByteShift;
 }
 
 void CByteString::Release() noexcept

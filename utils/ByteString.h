@@ -1,11 +1,13 @@
 #pragma once
 
 #include <atomic>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 
 /// A byte string that is never changed in place, only assigned; zero bytes may stand in it. It
 /// takes 16 bytes: up to 15 bytes of text lie in the object itself, a longer text lies in one
@@ -27,22 +29,21 @@ public:
     CByteString(const char* pText) { Set(pText ? std::string_view(pText) : std::string_view()); }
     CByteString(const std::string& text) { Set(text); }
 
-    CByteString(const CByteString& other) noexcept
+    CByteString(const CByteString& other) noexcept : m_words{other.m_words[0], other.m_words[1]}
     {
-        std::memcpy(m_bytes, other.m_bytes, sizeof m_bytes);
         if (IsLong())
             GetText()->nOwners.fetch_add(1, std::memory_order_relaxed);
     }
 
-    CByteString(CByteString&& other) noexcept
+    CByteString(CByteString&& other) noexcept : m_words{other.m_words[0], other.m_words[1]}
     {
-        std::memcpy(m_bytes, other.m_bytes, sizeof m_bytes);
         other.SetEmpty();
     }
 
-    CByteString& operator=(CByteString other) noexcept
+    CByteString& operator=(const CByteString& other) noexcept { return *this = CByteString(other); }
+    CByteString& operator=(CByteString&& other) noexcept
     {
-        swap(other);
+        std::swap(m_words, other.m_words);
         return *this;
     }
 
@@ -52,25 +53,17 @@ public:
             Release();
     }
 
-    void swap(CByteString& other) noexcept
-    {
-        unsigned char bytes[sizeof m_bytes];
-        std::memcpy(bytes, m_bytes, sizeof m_bytes);
-        std::memcpy(m_bytes, other.m_bytes, sizeof m_bytes);
-        std::memcpy(other.m_bytes, bytes, sizeof m_bytes);
-    }
-
     /// Ends in a zero byte behind size() bytes.
     const char* c_str() const noexcept
     {
-        return IsLong() ? GetText()->Bytes() : reinterpret_cast<const char*>(m_bytes);
+        return IsLong() ? GetText()->Bytes() : reinterpret_cast<const char*>(m_words);
     }
     const char* data() const noexcept { return c_str(); }
     std::size_t size() const noexcept
     {
-        return IsLong() ? GetText()->nSize : kMostInside - m_bytes[kMostInside];
+        return IsLong() ? GetText()->nSize : kMostInside - LastByte();
     }
-    bool empty() const noexcept { return m_bytes[kMostInside] == kMostInside; }
+    bool empty() const noexcept { return LastByte() == kMostInside; }
 
     operator std::string_view() const noexcept { return {c_str(), size()}; }
     std::string str() const { return {c_str(), size()}; }
@@ -97,15 +90,14 @@ public:
     /// says nothing about two long strings. The quick half of a comparison, for look-ups by name.
     bool HasSameBytes(const CByteString& other) const noexcept
     {
-        return std::memcmp(m_bytes, other.m_bytes, sizeof m_bytes) == 0;
+        return m_words[0] == other.m_words[0] && m_words[1] == other.m_words[1];
     }
 
     /// Equal wherever HasSameBytes is true.
     std::size_t QuickHash() const noexcept
     {
-        std::uint64_t words[2];
-        std::memcpy(words, m_bytes, sizeof words);
-        return static_cast<std::size_t>(((words[0] ^ (words[1] << 1)) * 0x9E3779B97F4A7C15u) >> 32);
+        return static_cast<std::size_t>(((m_words[0] ^ (m_words[1] << 1)) * 0x9E3779B97F4A7C15u) >>
+                                        32);
     }
 
 private:
@@ -117,37 +109,42 @@ private:
     };
 
     static constexpr unsigned char kLong = 0xFF;
+    static constexpr int kLastByteShift = 56;
+    static_assert(std::endian::native == std::endian::little);
 
-    bool IsLong() const noexcept { return m_bytes[kMostInside] == kLong; }
+    unsigned char LastByte() const noexcept
+    {
+        return static_cast<unsigned char>(m_words[1] >> kLastByteShift);
+    }
+    bool IsLong() const noexcept { return LastByte() == kLong; }
 
     Text* GetText() const noexcept
     {
-        Text* pText;
-        std::memcpy(&pText, m_bytes, sizeof pText);
-        return pText;
+        return reinterpret_cast<Text*>(static_cast<std::uintptr_t>(m_words[0]));
     }
 
-    void SetEmpty() noexcept
+    void SetEmpty() noexcept { SetSize(0); }
+    void SetSize(std::size_t nSize) noexcept
     {
-        std::memset(m_bytes, 0, sizeof m_bytes);
-        m_bytes[kMostInside] = kMostInside;
+        m_words[0] = 0;
+        m_words[1] = std::uint64_t{kMostInside - nSize} << kLastByteShift;
     }
 
     void Set(std::string_view text)
     {
-        SetEmpty();
         if (text.size() > kMostInside)
         {
             SetLong(text);
             return;
         }
+        SetSize(text.size());
         if (!text.empty())
-            std::memcpy(m_bytes, text.data(), text.size());
-        m_bytes[kMostInside] = static_cast<unsigned char>(kMostInside - text.size());
+            std::memcpy(m_words, text.data(), text.size());
     }
 
     void SetLong(std::string_view text);
     void Release() noexcept;
 
-    alignas(void*) unsigned char m_bytes[kMostInside + 1];
+    // Whole words: a byte stored just before would hold up the next copy of all 16.
+    std::uint64_t m_words[2];
 };

@@ -15,37 +15,42 @@ CParameterBlock* AsBlock(CParameter* pParameter)
 
 /// Deletes a parameter with all that lies below it. It has to do without recursion and, since
 /// destructors may not fail, without memory: a block that still has siblings takes their list,
-/// which has a place free since the block was taken off it, and waits for them at the front of its
-/// own.
+/// which has a place free since the block was taken off it, and waits for them at the far end of
+/// its own. Lists are reversed and taken from their end: memory is gone through fastest in the
+/// order in which a load has laid it out.
 void DeleteTree(CParameter* pTop) noexcept
 {
-    CParameterBlock* pTopBlock = AsBlock(pTop);
-    if (!pTopBlock || pTopBlock->m_vParameters.empty())
+    CParameterList current;
+    std::size_t nWaiting = 0;
+    CParameter* pNext = pTop;
+    for (;;)
     {
-        delete pTop;
-        return;
-    }
-    CParameterBlock::Parameters current;
-    current.swap(pTopBlock->m_vParameters);
-    delete pTop;
-    while (!current.empty())
-    {
-        CParameter* pLast = current.back();
-        current.pop_back();
-        CParameterBlock* pBlock = AsBlock(pLast);
+        CParameterBlock* pBlock = AsBlock(pNext);
         if (!pBlock || pBlock->m_vParameters.empty())
+            delete pNext;
+        else if (current.empty() && nWaiting > 0)
         {
-            delete pLast;
-            continue;
-        }
-        current.swap(pBlock->m_vParameters);
-        if (pBlock->m_vParameters.empty())
-        {
+            --nWaiting;
+            current.swap(pBlock->m_vParameters);
             delete pBlock;
-            continue;
         }
-        pBlock->m_vParameters.push_back(current.front());
-        current.front() = pBlock;
+        else
+        {
+            current.swap(pBlock->m_vParameters);
+            std::reverse(current.begin(), current.end());
+            if (pBlock->m_vParameters.empty())
+                delete pBlock;
+            else
+            {
+                ++nWaiting;
+                pBlock->m_vParameters.push_back(current.front());
+                current.front() = pBlock;
+            }
+        }
+        if (current.empty())
+            return;
+        pNext = current.back();
+        current.pop_back();
     }
 }
 
@@ -82,14 +87,13 @@ Iterator FindFrom(Iterator first, Iterator last, const char* pName)
                         });
 }
 
-template <class Parameter>
-Parameter* FindFirst(const CParameterBlock::Parameters& parameters, const char* pName)
+template <class Parameter> Parameter* FindFirst(const CParameterList& parameters, const char* pName)
 {
     const auto it = FindFrom<Parameter>(parameters.begin(), parameters.end(), pName);
     return it == parameters.end() ? nullptr : static_cast<Parameter*>(*it);
 }
 
-void Append(CParameterBlock::Parameters& parameters, std::unique_ptr<CParameter> pNew)
+void Append(CParameterList& parameters, std::unique_ptr<CParameter> pNew)
 {
     parameters.push_back(pNew.get());
     pNew.release();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "utils/Parameter.h"
+#include "utils/ParameterList.h"
 
 #include <map>
 #include <string>
@@ -50,8 +51,7 @@ class CParameterBlock : public CParameter
 public:
     static constexpr int kType = 6;
 
-    using Parameters = std::vector<CParameter*>;
-    using iterator = Parameters::iterator;
+    using iterator = CParameterList::iterator;
     using SessionNames = std::vector<std::pair<std::string, int>>;
 
     /// Results of the session operations.
@@ -69,7 +69,7 @@ public:
 
     static const std::string m_strBinaryHeader;
 
-    Parameters m_vParameters;
+    CParameterList m_vParameters;
     CProgress* m_pProgress = nullptr;   ///< Not owned.
     unsigned long m_nProgressTotal = 0; ///< The bytes that a load is measured against.
 

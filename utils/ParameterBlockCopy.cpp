@@ -9,16 +9,22 @@ using namespace ParameterFormat;
 
 namespace
 {
-template <class Parameter> CParameter* CopyValue(CParameterPool& pool, const CParameter& source)
+CParameter* CopyValue(CParameterPool& pool, const CParameter& source)
 {
-    auto* pCopy = pool.Make<Parameter>();
-    pCopy->m_strName = source.m_strName;
-    ValueOf(*pCopy) = ValueOf(static_cast<const Parameter&>(source));
+    CParameter* pCopy = nullptr;
+    VisitValue(source,
+               [&]<class Parameter>(const Parameter& value)
+               {
+                   auto* pNew = pool.Make<Parameter>();
+                   pNew->m_strName = value.m_strName;
+                   ValueOf(*pNew) = ValueOf(value);
+                   pCopy = pNew;
+               });
     return pCopy;
 }
 
 /// Name and token alone; what it holds follows.
-CParameter* CopyEmptyBlock(CParameterPool& pool, const CParameter& source)
+CParameterBlock* CopyEmptyBlock(CParameterPool& pool, const CParameter& source)
 {
     auto* pCopy = pool.Make<CParameterBlock>();
     pCopy->m_strName = source.m_strName;
@@ -26,34 +32,14 @@ CParameter* CopyEmptyBlock(CParameterPool& pool, const CParameter& source)
     return pCopy;
 }
 
+/// Null for what cannot be copied: a null entry or a tag of nobody's.
 CParameter* CopyEntry(CParameterPool& pool, const CParameter* pSource)
 {
     if (!pSource)
         return nullptr;
-    switch (pSource->m_nType)
-    {
-    case CStringParameter::kType:
-        return CopyValue<CStringParameter>(pool, *pSource);
-    case CIntParameter::kType:
-        return CopyValue<CIntParameter>(pool, *pSource);
-    case CDoubleParameter::kType:
-        return CopyValue<CDoubleParameter>(pool, *pSource);
-    case CUInt64Parameter::kType:
-        return CopyValue<CUInt64Parameter>(pool, *pSource);
-    case CFileIdTypeParameter::kType:
-        return CopyValue<CFileIdTypeParameter>(pool, *pSource);
-    case CParameterBlock::kType:
-        return CopyEmptyBlock(pool, *pSource);
-    case CBoolParameter::kType:
-        return CopyValue<CBoolParameter>(pool, *pSource);
-    case CFloatParameter::kType:
-        return CopyValue<CFloatParameter>(pool, *pSource);
-    case CSInt64Parameter::kType:
-        return CopyValue<CSInt64Parameter>(pool, *pSource);
-    default:
-        return nullptr;
-    }
+    return IsBlock(*pSource) ? CopyEmptyBlock(pool, *pSource) : CopyValue(pool, *pSource);
 }
+
 /// Copies one entry with all that lies below it.
 class CTreeCopier
 {
@@ -71,16 +57,16 @@ private:
     /// What is still to be copied of a block, and where to.
     struct Rest
     {
-        CParameter* const* pNext;
-        CParameter* const* pEnd;
-        CParameterBlock::Parameters* pTarget;
+        CParameterList::const_iterator pNext;
+        CParameterList::const_iterator pEnd;
+        CParameterList* pTarget;
     };
 
-    static Rest Begin(const CParameterBlock& source, CParameterBlock& target)
+    Rest Begin(const CParameterBlock& source, CParameterBlock& target)
     {
         const auto& entries = source.m_vParameters;
-        target.m_vParameters.reserve(entries.size());
-        return {entries.data(), entries.data() + entries.size(), &target.m_vParameters};
+        target.m_vParameters.reserve(entries.size(), m_pool.GetSlabs());
+        return {entries.begin(), entries.end(), &target.m_vParameters};
     }
 
     void CopyContents(const CParameterBlock& source, CParameterBlock& target)

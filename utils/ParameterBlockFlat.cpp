@@ -83,5 +83,5 @@ long CParameterBlock::LoadBlock(std::vector<std::string>* pNames, unsigned long 
                                 void* pSource)
 {
     Clear();
-    return CParameterBlockLoader(*this, pNames, nSize, static_cast<unsigned char*>(pSource)).Load();
+    return LoadContents(*this, pNames, nSize, static_cast<unsigned char*>(pSource));
 }

@@ -109,6 +109,41 @@ template <class Parameter> auto& ValueOf(Parameter& parameter)
         return parameter.m_strValue;
 }
 
+/// Calls visit(value) with a value parameter as what it is; returns false for a tag that no value
+/// class has.
+template <typename Visit> bool VisitValue(const CParameter& parameter, Visit&& visit)
+{
+    switch (parameter.m_nType)
+    {
+    case CStringParameter::kType:
+        visit(static_cast<const CStringParameter&>(parameter));
+        return true;
+    case CIntParameter::kType:
+        visit(static_cast<const CIntParameter&>(parameter));
+        return true;
+    case CDoubleParameter::kType:
+        visit(static_cast<const CDoubleParameter&>(parameter));
+        return true;
+    case CUInt64Parameter::kType:
+        visit(static_cast<const CUInt64Parameter&>(parameter));
+        return true;
+    case CFileIdTypeParameter::kType:
+        visit(static_cast<const CFileIdTypeParameter&>(parameter));
+        return true;
+    case CBoolParameter::kType:
+        visit(static_cast<const CBoolParameter&>(parameter));
+        return true;
+    case CFloatParameter::kType:
+        visit(static_cast<const CFloatParameter&>(parameter));
+        return true;
+    case CSInt64Parameter::kType:
+        visit(static_cast<const CSInt64Parameter&>(parameter));
+        return true;
+    default:
+        return false;
+    }
+}
+
 template <typename T> unsigned long GetSizeOfPayload(const T&)
 {
     return sizeof(T);

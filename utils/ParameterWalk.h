@@ -17,11 +17,11 @@ template <typename Visit> void WalkParameters(const CParameterBlock& root, Visit
     struct Rest
     {
         explicit Rest(const CParameterBlock& block)
-            : pNext(block.m_vParameters.data()), pEnd(pNext + block.m_vParameters.size())
+            : pNext(block.m_vParameters.begin()), pEnd(block.m_vParameters.end())
         {
         }
-        CParameter* const* pNext;
-        CParameter* const* pEnd;
+        CParameterList::const_iterator pNext;
+        CParameterList::const_iterator pEnd;
     };
     std::vector<Rest> waiting;
     Rest rest(root);

@@ -1,0 +1,101 @@
+#include "utils/ByteString.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+namespace
+{
+const std::string strInside(15, 'i');
+const std::string strLong(16, 'l');
+} // namespace
+
+TEST(ByteString, TakesSixteenBytes)
+{
+    EXPECT_EQ(sizeof(CByteString), 16u);
+}
+
+TEST(ByteString, HoldsTextsOfEveryLength)
+{
+    for (std::size_t nLength = 0; nLength < 70; ++nLength)
+    {
+        std::string text(nLength, '\0');
+        for (std::size_t i = 0; i < nLength; ++i)
+            text[i] = static_cast<char>(i * 37);
+        const CByteString string(text);
+        EXPECT_EQ(string.size(), nLength);
+        EXPECT_EQ(string.empty(), nLength == 0);
+        EXPECT_EQ(string.str(), text);
+        EXPECT_EQ(string.c_str()[nLength], '\0');
+    }
+}
+
+TEST(ByteString, NullIsEmpty)
+{
+    EXPECT_TRUE(CByteString(static_cast<const char*>(nullptr)).empty());
+}
+
+TEST(ByteString, CopiesOfALongTextShareIt)
+{
+    const CByteString first(strLong);
+    const CByteString second(first);
+    EXPECT_EQ(first.c_str(), second.c_str());
+    EXPECT_TRUE(first.HasSameBytes(second));
+    EXPECT_EQ(first.QuickHash(), second.QuickHash());
+}
+
+TEST(ByteString, CopyOutlivesItsSource)
+{
+    for (const std::string& text : {strInside, strLong})
+    {
+        CByteString copy;
+        {
+            const CByteString source(text);
+            copy = source;
+        }
+        EXPECT_EQ(copy.str(), text);
+    }
+}
+
+TEST(ByteString, MovedFromIsEmpty)
+{
+    for (const std::string& text : {strInside, strLong})
+    {
+        CByteString source(text);
+        const CByteString target(std::move(source));
+        EXPECT_EQ(target.str(), text);
+        EXPECT_TRUE(source.empty()); // NOLINT: this is the rule under test
+    }
+}
+
+TEST(ByteString, AssignedToItselfItStays)
+{
+    for (const std::string& text : {strInside, strLong})
+    {
+        CByteString string(text);
+        const CByteString& same = string;
+        string = same;
+        EXPECT_EQ(string.str(), text);
+    }
+}
+
+TEST(ByteString, ComparesByEveryByte)
+{
+    EXPECT_TRUE(CByteString(strLong) == CByteString(strLong));
+    EXPECT_FALSE(CByteString(strLong).HasSameBytes(CByteString(strLong)));
+    EXPECT_TRUE(CByteString(strInside).HasSameBytes(CByteString(strInside)));
+    EXPECT_FALSE(CByteString(strLong) == CByteString(strLong + "x"));
+    EXPECT_FALSE(CByteString("a") == CByteString(std::string("a\0", 2)));
+    EXPECT_FALSE(CByteString("a") == CByteString("b"));
+    EXPECT_TRUE(CByteString("abc") == "abc");
+    EXPECT_TRUE(CByteString(strLong) == strLong);
+    EXPECT_FALSE(CByteString(strLong) == strInside);
+}
+
+TEST(ByteString, ZeroBytesBelongToTheText)
+{
+    const std::string text("a\0b", 3);
+    EXPECT_EQ(CByteString(text).str(), text);
+    EXPECT_FALSE(CByteString(text) == "a");
+}
