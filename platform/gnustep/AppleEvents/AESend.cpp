@@ -3,6 +3,7 @@
 #include "platform/gnustep/AppleEvents/Sender.h"
 #include "platform/gnustep/AppleEvents/Storage.h"
 #include "platform/gnustep/AppleEvents/Timeout.h"
+#include "platform/gnustep/AppleEvents/Trace.h"
 #include "platform/gnustep/AppleEvents/Wire.h"
 
 #include <cstring>
@@ -66,5 +67,12 @@ OSErr AESend(const AppleEvent* theAppleEvent, AppleEvent* reply, AESendMode send
     const EventStorage* const event = EventOf(theAppleEvent);
     if (!event)
         return errAENotAppleEvent;
-    return WithoutExceptions([&] { return Send(*event, reply, sendMode, timeOutInTicks); });
+    return WithoutExceptions(
+        [&]
+        {
+            const SendTrace trace(*event);
+            const OSErr status = Send(*event, reply, sendMode, timeOutInTicks);
+            trace.Ended(status, EventOf(reply));
+            return status;
+        });
 }

@@ -5,8 +5,6 @@
 
 #include <cstdint>
 
-#include <unistd.h>
-
 namespace AppleEvents
 {
 namespace
@@ -133,7 +131,6 @@ OSErr Sender::Open(const Deadline& deadline)
     const OSErr status = StartConnection(m_bus, deadline);
     if (status != noErr)
         return status;
-    m_process = getpid();
     const Wait wait =
         ProcessUntil(m_bus.get(), deadline, [this] { return sd_bus_is_ready(m_bus.get()) > 0; });
     if (wait == Wait::Done)
@@ -142,32 +139,20 @@ OSErr Sender::Open(const Deadline& deadline)
     return wait == Wait::TimedOut ? OSErr(errAETimeout) : OSErr(procNotFound);
 }
 
-bool Sender::IsUsable(const Deadline& deadline)
-{
-    if (!m_bus || m_process != getpid())
-        return false;
-    // Late replies are taken in and dropped here; behind the last of them stands the news that the
-    // bus has gone, if it has.
-    int processed = 0;
-    while ((processed = sd_bus_process(m_bus.get(), nullptr)) > 0 && !deadline.Passed())
-    {
-    }
-    return processed >= 0 && sd_bus_is_ready(m_bus.get()) > 0;
-}
-
 template <typename Make>
 OSErr Sender::Exchange(Make&& make, MessageRef& answer, const Deadline& deadline)
 {
-    bool fReopened = false;
-    if (!IsUsable(deadline))
-    {
-        m_bus.reset();
-        fReopened = true;
-        if (const OSErr status = Open(deadline))
-            return status;
-    }
+    bool fOpened = false;
     for (;;)
     {
+        if (!m_bus)
+        {
+            if (fOpened)
+                return procNotFound;
+            fOpened = true;
+            if (const OSErr status = Open(deadline))
+                return status;
+        }
         MessageRef message;
         sd_bus_slot* slot = nullptr;
         int result = make(m_bus.get(), message);
@@ -183,11 +168,6 @@ OSErr Sender::Exchange(Make&& make, MessageRef& answer, const Deadline& deadline
         if (!MeansLost(result))
             return StatusForErrno(result);
         m_bus.reset();
-        if (fReopened)
-            return procNotFound;
-        fReopened = true;
-        if (const OSErr status = Open(deadline))
-            return status;
     }
 }
 

@@ -5,8 +5,6 @@
 
 #include <string>
 
-#include <sys/types.h>
-
 namespace AppleEvents
 {
 
@@ -28,7 +26,6 @@ public:
 
 private:
     OSErr Open(const Deadline& deadline);
-    bool IsUsable(const Deadline& deadline);
 
     // Sends the message that `make` builds for the connection at hand, and waits for its answer.
     template <typename Make>
@@ -38,7 +35,6 @@ private:
     void DropWhenClogged();
 
     BusRef m_bus;
-    pid_t m_process = 0;
 };
 
 } // namespace AppleEvents

@@ -33,6 +33,23 @@ protected:
 
     MessageRef NewSend() { return NewCall(kObjectPath, kInterface, kSendMember); }
 
+    MessageRef NewBulkCall(SInt32 nBytes)
+    {
+        Parameters parameters;
+        const auto* const first = reinterpret_cast<const unsigned char*>(&nBytes);
+        parameters[keyDirectObject] = {typeSInt32, Bytes(first, first + sizeof nBytes)};
+        MessageRef call = NewSend();
+        sd_bus_message_append(call.get(), "uu", UInt32(kClass), UInt32(kBulk));
+        EXPECT_GE(AppendParameters(call.get(), parameters), 0);
+        return call;
+    }
+
+    static int CountReply(sd_bus_message* message, void* nReplies, sd_bus_error*)
+    {
+        *static_cast<int*>(nReplies) += sd_bus_message_is_method_error(message, nullptr) == 0;
+        return 1;
+    }
+
     // The name of the error that comes back; empty for a reply, which goes to `reply`.
     std::string Call(const MessageRef& call, MessageRef* reply = nullptr)
     {
@@ -133,6 +150,44 @@ TEST_F(ForeignSender, EventOverTheLimitIsRefusedByTheReceiver)
     ASSERT_EQ("", Call(call, &reply));
     EXPECT_EQ(bufferIsSmall, StatusIn(reply));
     EXPECT_EQ(0, HandledEvents());
+}
+
+TEST_F(ForeignSender, ReplyOverTheLimitIsNotSentByTheReceiver)
+{
+    MessageRef reply;
+    ASSERT_EQ("", Call(NewBulkCall(SInt32(kMaximumEventBytes - kParameterOverhead + 1)), &reply));
+    EXPECT_EQ(bufferIsSmall, StatusIn(reply));
+    Parameters parameters;
+    EXPECT_EQ(noErr, ReadParameters(reply.get(), parameters));
+    EXPECT_TRUE(parameters.empty());
+}
+
+TEST_F(ForeignSender, RepliesThatTheBusDoesNotTakeAtOnceGoOutLater)
+{
+    // More than the buffer of a socket holds, and no event afterwards that would push it on.
+    constexpr int kReplies = 4;
+    m_receiver.Signal(SIGSTOP);
+    int nReplies = 0;
+    std::vector<SlotRef> calls;
+    for (int i = 0; i < kReplies; i++)
+    {
+        sd_bus_slot* slot = nullptr;
+        const MessageRef call = NewBulkCall(15'000'000);
+        ASSERT_GE(sd_bus_call_async(m_connection.get(), &slot, call.get(), CountReply, &nReplies,
+                                    kPlentyMicroseconds),
+                  0);
+        calls.emplace_back(slot);
+    }
+    // By these answers the bus has handed the events on.
+    ConnectionsOnTheBus(m_connection.get());
+    ConnectionsOnTheBus(m_connection.get());
+    m_bus.Freeze();
+    m_receiver.Signal(SIGCONT);
+    usleep(500'000);
+    m_bus.Thaw();
+    ProcessUntil(m_connection.get(), Deadline::After(kPlentyMicroseconds),
+                 [&] { return nReplies == kReplies; });
+    EXPECT_EQ(kReplies, nReplies);
 }
 
 TEST_F(ForeignSender, EventOfManyEmptyParametersIsBoundedToo)
