@@ -1,0 +1,18 @@
+// What Apple events travel over elsewhere is always there; here it is a session bus, and a program
+// that helps its user may ask for it.
+#pragma once
+
+#include <MacTypes.h>
+
+extern "C"
+{
+
+    // Whether there is a session bus that takes connections, by a connection of its own that is
+    // closed again. Any thread; blocks for the timeout at most, in ticks as AESend takes them.
+    //
+    // noErr         there is
+    // procNotFound  there is none: its address is not known, or nobody is there
+    // errAETimeout  somebody is there and does not answer
+    // paramErr, memFullErr  the timeout has no meaning, or memory is exhausted
+    OSErr TarvaneCheckEventBus(SInt32 timeOutInTicks);
+}
