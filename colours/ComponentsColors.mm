@@ -97,7 +97,7 @@ bool CComponentsColors::Load(CParameterBlock* pBlock, CGColorSpaceRef pSpace)
 
     bool fResult = true;
     CParameterBlock* pEntryBlock = nullptr;
-    std::vector<CParameter*>::iterator position;
+    CParameterBlock::iterator position;
     bool fMore = pList->FindFirstParameter(CComponentColour::szComponent, &pEntryBlock, &position);
     while (fMore)
     {

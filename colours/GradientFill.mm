@@ -158,7 +158,7 @@ bool CGradientFill::Load(CParameterBlock* pBlock, CGColorSpaceRef pSpace)
     fResult &= pBlock->FindParameter(szEditable, &m_fEditable, true);
 
     CParameterBlock* pStopBlock = nullptr;
-    std::vector<CParameter*>::iterator position;
+    CParameterBlock::iterator position;
     bool fMore = fResult && pBlock->FindFirstParameter(szGradientComponent, &pStopBlock, &position);
     while (fMore)
     {
