@@ -1,0 +1,37 @@
+// What a command has to say, and the one way in which it is said.
+#pragma once
+
+#include "apps/link/Outcome.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+namespace Tarvane::Link
+{
+
+struct Answer
+{
+    Outcome outcome = Outcome::Done;
+    // For people: whole lines, or the bytes that a script printed.
+    std::string strText{};
+    // For programs, beside what every answer says of itself.
+    nlohmann::ordered_json fields = nlohmann::ordered_json::object();
+};
+
+// One line. What is no UTF-8, such as a name that was cut in two, is shown with U+FFFD.
+std::string JsonLine(const nlohmann::ordered_json& json);
+
+// The answer as an object: "command", "outcome", "exitCode", the two messages as "lastError" and
+// "advice", and the fields.
+nlohmann::ordered_json ToJson(const std::string& strCommand, const Answer& answer,
+                              const CTarvaneScript& link);
+
+// The two message lines as the view shows them, on the standard error stream, and what to do when
+// they do not say it.
+void TellMessages(Outcome outcome, const CTarvaneScript& link);
+
+// Writes to the standard output at once. Throws std::runtime_error when it takes no more.
+void Print(const std::string& strText);
+
+} // namespace Tarvane::Link

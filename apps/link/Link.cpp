@@ -1,0 +1,84 @@
+#include "apps/link/Link.h"
+
+#include "apps/link/AnswerGuard.h"
+#include "apps/link/Commands.h"
+#include "apps/link/Doctor.h"
+#include "apps/link/Watch.h"
+#include "apps/support/CommandLine.h"
+
+#include "TarvaneLinkShared/TarvaneLinkScript.h"
+
+#include <cstdlib>
+#include <map>
+
+namespace Tarvane::Link
+{
+
+namespace
+{
+
+// The platform reads these at each event.
+void SetUpPlatform(const Options& options)
+{
+    // The operations without a timeout of their own take the platform's default.
+    if (options.timeout)
+        setenv("TARVANE_AE_DEFAULT_TIMEOUT_TICKS", std::to_string(options.TimeoutTicks()).c_str(),
+               1);
+    if (options.fTrace)
+        setenv("TARVANE_AE_TRACE", "1", 1);
+}
+
+std::string LastOutput(const Options& options)
+{
+    if (!options.fJson)
+        return {};
+    return JsonLine(ToJson(options.strCommand, {Outcome::NoAnswer}, {}));
+}
+
+int RunCommand(Command command, const Options& options)
+{
+    CTarvaneScript link;
+    const Answer answer = command(link, options);
+    Print(options.fJson ? JsonLine(ToJson(options.strCommand, answer, link)) : answer.strText);
+    TellMessages(answer.outcome, link);
+    return ExitCodeOf(answer.outcome);
+}
+
+int Dispatch(const Options& options)
+{
+    SetUpPlatform(options);
+    const CAnswerGuard guard(LastOutput(options));
+    if (options.strCommand == "watch")
+        return Watch(options);
+    if (options.strCommand == "doctor")
+        return Doctor(options);
+    return RunCommand(FindCommand(options.strCommand), options);
+}
+
+} // namespace
+
+Command FindCommand(const std::string& strName)
+{
+    static const std::map<std::string, Command> commands{
+        {"tracks", Tracks},       {"offset", Offset}, {"updates", Updates}, {"send", Send},
+        {"duplicate", Duplicate}, {"export", Export}, {"render", Render},   {"align", Align},
+        {"spread", Spread},       {"clear", Clear},   {"run", Run},
+    };
+    const auto found = commands.find(strName);
+    return found == commands.end() ? nullptr : found->second;
+}
+
+int RunLink(int argc, char** argv)
+{
+    CLI::App app("Drives a server by the script link: every command is what the plug-in's view "
+                 "sends, or could send. Tracks are numbered by their place in the list, from 0; "
+                 "positions are samples.",
+                 "tarvane-link");
+    AddCommonOptions(app, "the server reported an error");
+    app.footer(ExitCodeHelp());
+    Options options;
+    DeclareOptions(app, options);
+    return RunProgram(app, argc, argv, [&options] { return Dispatch(options); });
+}
+
+} // namespace Tarvane::Link

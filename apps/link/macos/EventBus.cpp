@@ -1,0 +1,11 @@
+#include "apps/link/EventBus.h"
+
+namespace Tarvane::Link
+{
+
+BusState LookAtEventBus(SInt32)
+{
+    return {BusState::Works, "Apple events are part of the system", ""};
+}
+
+} // namespace Tarvane::Link
