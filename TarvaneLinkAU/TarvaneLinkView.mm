@@ -9,6 +9,8 @@
 
 #import "TarvaneLinkAU/TarvaneLinkGestureSlider.h"
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
+#include "colours/ComponentsColors.h"
+#import "controls/GraphicUtils.h"
 #include "utils/FileIO/FileName.h"
 
 namespace
@@ -104,7 +106,13 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
     [self FillTrackMenu];
 
     [[m_btnTracks menu] setDelegate:self];
+
     [m_switchCapture SetDelegate:self];
+    [m_switchCapture SetStateImages:1 Up:@"LinkActive17" Down:@"LinkActive17"];
+    [m_switchCapture SetStateImages:0 Up:@"LinkInactive17" Down:@"LinkInactive17"];
+    [m_switchCapture SetUpColorsFace:ccTransportBtnFaceUp Border:ccTransportBtnBorderUp];
+    [m_switchCapture SetDownColorsFace:ccTransportBtnFaceDown Border:ccTransportBtnBorderDown];
+    [m_switchCapture SetToolTip:@"Capture audio"];
 }
 
 // Another thread may be just about to queue a call, and with it a reference to the view, while the
@@ -417,6 +425,22 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
     ReadProperty(mAU, TNProperty_ArmCapture, 0, nArmed);
     tRequest.fArm = nArmed ^ 1;
     WriteProperty(mAU, TNProperty_SetArmCapture, tRequest);
+}
+
+#pragma mark Drawing
+
+- (void)drawRect:(NSRect)rcDirty
+{
+    // The gradient runs across the whole view, whatever part of it is asked for.
+    (void)rcDirty;
+    CGContextRef context =
+        static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]);
+    [GraphicUtils FillRect:context
+                     Color:ccTrackInfoBackground
+                Background:CComponentCode(0, 0)
+                      Rect:[self bounds]
+             FillDirection:kFillLeftToRight
+                   Flipped:[self isFlipped]];
 }
 
 #pragma mark Gestures

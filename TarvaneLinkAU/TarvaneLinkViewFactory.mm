@@ -1,6 +1,7 @@
 #import "TarvaneLinkAU/TarvaneLinkViewFactory.h"
 
 #import "TarvaneLinkAU/TarvaneLinkView.h"
+#include "colours/ComponentsColors.h"
 
 @implementation TarvaneLink_CocoaViewFactory
 
@@ -23,6 +24,8 @@
         NSLog(@"Unable to load nib for view.");
         return nil;
     }
+    // Before anything is drawn.
+    AppCreateDefaultColoursDesigner();
     [uiFreshlyLoadedView setAU:pUnit];
 
     NSView* pView = uiFreshlyLoadedView;
