@@ -4,9 +4,8 @@
 #include "apps/host/CaptureStory.h"
 #import "apps/host/LineSource.h"
 #include "apps/host/Options.h"
+#include "apps/host/PlugIn.h"
 #include "apps/support/ResultFolder.h"
-
-#include <AudioUnit/AudioUnit.h>
 
 #include <functional>
 #include <memory>
@@ -86,8 +85,7 @@ class CHost : private ILineListener
     std::shared_ptr<std::FILE> m_pLog;
     std::optional<CResultFolder> m_results;
 
-    AudioUnit m_pUnit = nullptr;
-    CSignalSide* m_pSide = nullptr;
+    CPlugIn m_plugIn; // outlives the view
     std::unique_ptr<CLinkView> m_pView;
     LineSource* m_commands = nullptr;
     LineSource* m_signals = nullptr;

@@ -49,23 +49,20 @@ void RunWhatWaits()
 CHost::CHost(const HostOptions& options, const HostPlan& plan)
     : m_options(options), m_plan(plan), m_pStory(options.fCommands ? stderr : stdout)
 {
+    m_plugIn->Configure(m_plan.settings);
+    // The view hands what it is told to the main thread as well, and is told first: by the time
+    // that this call runs, what the view shows is settled.
+    m_plugIn->SetObserver([this](const CCaptureReport& report)
+                          { CallOnMainThread(OnMain([=, this] { CaptureChanged(report); })); });
+    m_pView = std::make_unique<CLinkView>(m_plan.bundle, m_plugIn.Unit());
+    OpenLog();
     if (!m_options.strResults.empty())
     {
         m_results.emplace(m_options.strResults);
+        m_results->Claim(kResultsName);
         m_results->Claim(kPictureName);
     }
-    if (AudioComponentInstanceNew(CSignalSide::Register(), &m_pUnit) != noErr)
-    {
-        throw std::runtime_error("the plug-in cannot be opened.");
-    }
-    m_pSide = CSignalSide::Of(m_pUnit);
-    m_pSide->Configure(m_plan.settings);
-    OpenLog();
-    // The view hands what it is told to the main thread as well, and is told first: by the time
-    // that this call runs, what the view shows is settled.
-    m_pSide->SetObserver([this](const CCaptureReport& report)
-                         { CallOnMainThread(OnMain([=, this] { CaptureChanged(report); })); });
-    m_pView = std::make_unique<CLinkView>(m_plan.bundle, m_pUnit);
+    MakeCaptureFolder(m_plan.settings.captureFolder);
     WriteResults();
     WatchWindow();
     WatchSignals();
@@ -80,23 +77,16 @@ CHost::~CHost()
     {
         [[NSNotificationCenter defaultCenter] removeObserver:m_windowClosed];
     }
-    if (m_pSide != nullptr)
-    {
-        m_pSide->SetObserver(nullptr);
-        m_pSide->End();
-        // Calls that wait for the main thread still hold the view.
-        RunWhatWaits();
-    }
+    m_plugIn->SetObserver(nullptr);
+    m_plugIn->End();
+    // Calls that wait for the main thread still hold the view.
+    RunWhatWaits();
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     m_pView.reset();
     [m_commands release];
     [m_signals release];
     [m_windowClosed release];
     [pool drain];
-    if (m_pUnit != nullptr)
-    {
-        AudioComponentInstanceDispose(m_pUnit);
-    }
 }
 
 void CHost::OpenLog()
@@ -120,7 +110,7 @@ void CHost::OpenLog()
                           " - name another with --log.");
     }
     const std::shared_ptr<std::FILE> pLog = m_pLog;
-    m_pSide->SetLog(
+    m_plugIn->SetLog(
         [pLog](const std::string& strLine)
         {
             std::fprintf(pLog.get(), "%s\n", strLine.c_str());
@@ -219,17 +209,17 @@ void CHost::CaptureNext()
 
 void CHost::Begin(const CCaptureSource& source)
 {
-    m_pSide->SetSource(source);
-    if (m_pSide->IsArmed())
+    m_plugIn->SetSource(source);
+    if (m_plugIn->IsArmed())
     {
         return;
     }
-    const size_t nBefore = m_pSide->Captures().size();
-    m_pView->PressToggle();
-    // A short file may have been captured, and the plug-in disarmed, by now.
-    if (!m_pSide->IsArmed() && m_pSide->Captures().size() == nBefore)
+    if (!m_pView->PressToggle())
     {
-        throw std::runtime_error("the view's capture toggle does not arm the plug-in.");
+        // A view without a toggle: the host arms by itself.
+        const TNArmRequest request{1, 0};
+        AudioUnitSetProperty(m_plugIn.Unit(), TNProperty_SetArmCapture, kAudioUnitScope_Global, 0,
+                             &request, sizeof request);
     }
 }
 
@@ -249,7 +239,7 @@ void CHost::OfferNextByHand()
                            CSoundReader(source.file).Info().samplerate);
     }
     ++m_nNextSource;
-    m_pSide->SetSource(source);
+    m_plugIn->SetSource(source);
 }
 
 void CHost::CaptureChanged(const CCaptureReport& report)
@@ -275,7 +265,7 @@ void CHost::WaitForAck(const CCaptureReport& report)
         {
             m_ackTimer = nil;
             // One that came while the main thread was busy is still on its way here.
-            if (!m_pSide->Captures().at(report.nNumber).IsOver())
+            if (!m_plugIn->Captures().at(report.nNumber).IsOver())
             {
                 Tell(report);
             }

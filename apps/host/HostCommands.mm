@@ -107,7 +107,7 @@ void CHost::CaptureOnCommand(std::istream& words)
         Refuse("say capture FILE, or capture FILE SAMPLES.");
         return;
     }
-    if (m_pSide->IsCapturing() || m_entries.size() < m_pSide->Captures().size())
+    if (m_plugIn->IsCapturing() || m_entries.size() < m_plugIn->Captures().size())
     {
         Refuse("a capture is under way - wait for its end, or disarm first.");
         return;
@@ -141,7 +141,7 @@ void CHost::PictureOnCommand(std::istream& words)
 
 void CHost::ArmOnCommand(bool fArm)
 {
-    if (m_pSide->IsArmed() != fArm && !m_pView->PressToggle())
+    if (m_plugIn->IsArmed() != fArm && !m_pView->PressToggle())
     {
         Refuse("the view has no capture toggle.");
         return;
@@ -153,7 +153,7 @@ void CHost::ArmOnCommand(bool fArm)
 nlohmann::json CHost::State() const
 {
     const ViewWords words = m_pView->Words();
-    return {{"armed", m_pSide->IsArmed()},
+    return {{"armed", m_plugIn->IsArmed()},
             {"tracks", m_pView->Tracks()},
             {"selected", m_pView->SelectedTrack()},
             {"message", words.strMessage},

@@ -81,23 +81,6 @@ fs::path CaptureFolder(const HostOptions& options)
     return fs::absolute(fs::path(options.strResults) / "captures").lexically_normal();
 }
 
-// Checks first what can be checked without it, so that wrong use leaves no folder behind.
-void MakeCaptureFolder(const fs::path& folder, const std::vector<CCaptureSource>& sources)
-{
-    for (const CCaptureSource& source : sources)
-    {
-        CDubFile::CheckPath(folder, CSoundReader(source.file));
-    }
-    std::error_code error;
-    fs::create_directories(folder, error);
-    if (error)
-    {
-        throw CUsageError("cannot make the capture folder " + folder.string() + " (" +
-                          error.message() + ") - name another with --capture-folder.");
-    }
-    CDubFile::CheckFolder(folder);
-}
-
 } // namespace
 
 void DeclareOptions(CLI::App& app, HostOptions& options)
@@ -161,8 +144,23 @@ HostPlan MakePlan(const HostOptions& options)
     plan.settings.captureFolder = CaptureFolder(options);
     plan.sources = PlaceFiles(options);
     plan.bundle = BundlePath(options.strBundle);
-    MakeCaptureFolder(plan.settings.captureFolder, plan.sources);
+    for (const CCaptureSource& source : plan.sources)
+    {
+        CDubFile::CheckPath(plan.settings.captureFolder, CSoundReader(source.file));
+    }
     return plan;
+}
+
+void MakeCaptureFolder(const fs::path& folder)
+{
+    std::error_code error;
+    fs::create_directories(folder, error);
+    if (error)
+    {
+        throw CUsageError("cannot make the capture folder " + folder.string() + " (" +
+                          error.message() + ") - name another with --capture-folder.");
+    }
+    CDubFile::CheckFolder(folder);
 }
 
 } // namespace Tarvane

@@ -39,4 +39,7 @@ struct HostPlan
 };
 HostPlan MakePlan(const HostOptions& options);
 
+// Throws CUsageError when the folder is not there and cannot be made.
+void MakeCaptureFolder(const std::filesystem::path& folder);
+
 } // namespace Tarvane

@@ -88,7 +88,6 @@ void CSignalSide::Stop()
 
 void CSignalSide::Configure(const CSignalSettings& settings)
 {
-    CDubFile::CheckFolder(settings.captureFolder);
     if (!(settings.dSpeed >= 0) || !std::isfinite(settings.dSpeed))
     {
         throw CUsageError("the speed must be a number of 0 or more.");

@@ -40,7 +40,7 @@ double PositionBehind(double dPosition, double dFrames, double dRate, double dNe
 
 struct CSignalSettings
 {
-    std::filesystem::path captureFolder = "."; // must exist
+    std::filesystem::path captureFolder = "."; // must exist by the first capture
     double dSpeed = 1.0;                       // times real time; 0 is as fast as the disk allows
     SInt32 nTrack = 0;                         // what 64009 says until it is written
 };

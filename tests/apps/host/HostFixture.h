@@ -1,0 +1,60 @@
+// The host as a process.
+#pragma once
+
+#include "apps/demo/HostClient.h"
+#include "apps/server/SessionStore.h"
+#include "apps/support/ChildProcess.h"
+#include "tests/apps/support/SoundFixture.h"
+#include "tests/apps/support/TemporaryFolder.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace TarvaneTest
+{
+
+// No test waits for it when all is well.
+constexpr std::chrono::minutes kLong{3};
+
+struct ProcessOutcome
+{
+    std::optional<int> nCode;
+    std::string strOutput;
+    std::string strError;
+};
+
+inline ProcessOutcome RunToEnd(const std::vector<std::string>& arguments)
+{
+    Tarvane::CChildProcess process(arguments);
+    process.CloseInput();
+    ProcessOutcome outcome;
+    outcome.nCode = process.WaitForEnd(kLong);
+    outcome.strOutput = process.Output();
+    outcome.strError = process.ErrorOutput();
+    return outcome;
+}
+
+inline std::vector<std::string> Host(std::vector<std::string> options)
+{
+    options.insert(options.begin(), HOST_PROGRAM);
+    return options;
+}
+
+inline std::string FileText(const std::filesystem::path& path)
+{
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+inline nlohmann::json CapturesIn(const std::filesystem::path& results)
+{
+    return nlohmann::json::parse(FileText(results / "captures.json"), nullptr, false)
+        .value("captures", nlohmann::json::array());
+}
+
+} // namespace TarvaneTest
