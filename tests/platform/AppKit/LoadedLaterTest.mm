@@ -1,0 +1,24 @@
+#include "tests/platform/AppKit/MenuWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+
+TEST(MenuOpeningLoadedLater, WorksFromTheMomentTheLibraryIsLoaded)
+{
+    MenuWindow window;
+    [[window.button menu] setDelegate:window.delegate];
+    [[window.button cell] attachPopUpWithFrame:[window.button bounds] inView:window.button];
+    [[window.button cell] dismissPopUp];
+    EXPECT_EQ(window.delegate->m_nOpened, 0);
+
+    ASSERT_NE(dlopen(PLATFORM_APPKIT_LIBRARY, RTLD_NOW), nullptr) << dlerror();
+    window.ClickAndChooseTheSecond();
+    EXPECT_EQ(window.delegate->m_nOpened, 1);
+
+    // Loaded again, it is the same library.
+    ASSERT_NE(dlopen(PLATFORM_APPKIT_LIBRARY, RTLD_NOW), nullptr) << dlerror();
+    [[window.button cell] attachPopUpWithFrame:[window.button bounds] inView:window.button];
+    [[window.button cell] dismissPopUp];
+    EXPECT_EQ(window.delegate->m_nOpened, 2);
+}
