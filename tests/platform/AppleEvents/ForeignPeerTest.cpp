@@ -2,6 +2,7 @@
 #include "platform/gnustep/AppleEvents/Wire.h"
 #include "tests/platform/AppleEvents/EventFixture.h"
 
+#include <atomic>
 #include <thread>
 
 #include <unistd.h>
@@ -162,6 +163,20 @@ TEST_F(ForeignSender, ReplyOverTheLimitIsNotSentByTheReceiver)
     EXPECT_TRUE(parameters.empty());
 }
 
+TEST_F(ForeignSender, FailureIsAnsweredWithoutParameters)
+{
+    // The handler puts a parameter into its reply and then fails.
+    MessageRef call = NewSend();
+    sd_bus_message_append(call.get(), "uua(uuay)", UInt32(kClass), UInt32(kFail), 1,
+                          UInt32(keyDirectObject), UInt32(typeSInt16), 2, 0xfe, 0xff);
+    MessageRef reply;
+    ASSERT_EQ("", Call(call, &reply));
+    EXPECT_EQ(-2, StatusIn(reply));
+    Parameters parameters;
+    EXPECT_EQ(noErr, ReadParameters(reply.get(), parameters));
+    EXPECT_TRUE(parameters.empty());
+}
+
 TEST_F(ForeignSender, RepliesThatTheBusDoesNotTakeAtOnceGoOutLater)
 {
     // More than the buffer of a socket holds, and no event afterwards that would push it on.
@@ -259,6 +274,20 @@ TEST_F(ForeignReply, OfOtherTypesIsCorruptData)
                                         sd_bus_message_append(reply.get(), "na(uuay)s", 0, 0, "x");
                                         return reply;
                                     }));
+}
+
+TEST_F(ForeignReply, IsNotAskedForByAnEventOverTheLimit)
+{
+    std::atomic<int> nCalls = 0;
+    const ForeignReceiver receiver(BusNameForSignature('Tst1'),
+                                   [&](sd_bus_message* call)
+                                   {
+                                       nCalls++;
+                                       return EmptyReply(call);
+                                   });
+    EXPECT_EQ(errAECorruptData, Echo("small").first);
+    EXPECT_EQ(bufferIsSmall, Echo(std::string(kMaximumEventBytes, 'x')).first);
+    EXPECT_EQ(1, nCalls);
 }
 
 TEST_F(ForeignReply, OverTheLimitIsRefusedByTheSender)
