@@ -12,10 +12,10 @@ TEST(MenuOpeningClick, ClickTellsTheDelegateOnce)
 {
     MenuWindow window;
     [[window.button menu] setDelegate:window.delegate];
-    window.ClickAndChooseTheSecond();
+    window.ClickAndChoose();
     EXPECT_EQ(window.delegate->m_nOpened, 1);
     EXPECT_EQ(window.delegate->m_lastMenu, [window.button menu]);
-    EXPECT_TRUE([window.target->m_chosen isEqualToString:@"two"]);
+    EXPECT_NE(window.target->m_chosen, nil);
 }
 
 TEST(MenuOpeningClick, SpaceBarTellsTheDelegateOnce)
@@ -31,7 +31,7 @@ TEST(MenuOpeningClick, NewItemsAreThoseToChooseFrom)
     MenuWindow window;
     [window.delegate setTitles:Tracks()];
     [[window.button menu] setDelegate:window.delegate];
-    window.ClickAndChooseTheSecond();
+    window.ClickAndChoose();
     EXPECT_EQ(window.delegate->m_nOpened, 1);
     EXPECT_TRUE([Tracks() containsObject:window.target->m_chosen])
         << [window.target->m_chosen UTF8String];
@@ -44,7 +44,7 @@ TEST(MenuOpeningClick, EmptyMenuIsFilledByTheClickThatOpensIt)
     [window.button removeAllItems];
     [window.delegate setTitles:Tracks()];
     [[window.button menu] setDelegate:window.delegate];
-    window.ClickAndChooseTheSecond();
+    window.ClickAndChoose();
     EXPECT_EQ(window.delegate->m_nOpened, 1);
     EXPECT_TRUE([Tracks() containsObject:window.target->m_chosen])
         << [window.target->m_chosen UTF8String];
@@ -81,7 +81,7 @@ TEST(MenuOpeningClick, FullMenuAfterAnEmptyOneIsToldOnce)
     window.ClickOnce();
     [window.button addItemWithTitle:@"one"];
     [window.button addItemWithTitle:@"two"];
-    window.ClickAndChooseTheSecond();
+    window.ClickAndChoose();
     EXPECT_EQ(window.delegate->m_nOpened, 2);
 }
 

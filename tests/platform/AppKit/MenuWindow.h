@@ -37,8 +37,8 @@ class MenuWindow
     ~MenuWindow();
 
     // Real input, by the display server: returns when the button has dealt with it.
-    // A click on the button, and then on its menu's second item.
-    void ClickAndChooseTheSecond();
+    // A click on the button, and then on an item of the menu that it shows.
+    void ClickAndChoose();
     // A click on a button that shows no menu then.
     void ClickOnce();
     // Shows the menu by the space bar, for the first time, and chooses an item by Down and Return.

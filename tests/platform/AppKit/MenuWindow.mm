@@ -53,7 +53,7 @@
 
 @end
 
-// While a menu is tracked by the mouse: goes to its second item and lets the button go, or clicks.
+// While a menu is tracked by the mouse: goes to an item and lets the button go, or clicks.
 @interface TestMenuHand : NSObject
 {
   @public
@@ -67,7 +67,6 @@ namespace
 {
 
 const NSTimeInterval kMoveEvery = 0.2; // seconds; a pace, not a limit
-const char kWindowName[] = "Menu test";
 
 void Input(const std::string& command)
 {
@@ -123,7 +122,9 @@ MenuWindow::MenuWindow(bool fPullsDown) : m_pool([[NSAutoreleasePool alloc] init
                                            backing:NSBackingStoreBuffered
                                              defer:NO];
     [window setReleasedWhenClosed:NO];
-    [window setTitle:[NSString stringWithUTF8String:kWindowName]];
+    static int nWindows;
+    const std::string name = "Menu test " + std::to_string(++nWindows);
+    [window setTitle:[NSString stringWithUTF8String:name.c_str()]];
     button = [[NSPopUpButton alloc] initWithFrame:NSMakeRect(20, 120, 200, 26)
                                         pullsDown:fPullsDown];
     [button addItemWithTitle:@"one"];
@@ -134,9 +135,19 @@ MenuWindow::MenuWindow(bool fPullsDown) : m_pool([[NSAutoreleasePool alloc] init
     [button setAction:@selector(choose:)];
     [[window contentView] addSubview:button];
     [window makeFirstResponder:button];
-    [window makeKeyAndOrderFront:nil];
-    [NSApp activateIgnoringOtherApps:YES];
-    EXPECT_TRUE(RunUntil([this] { return [window isKeyWindow] && [NSApp isActive]; }));
+    // The display server's word counts: while the window manager still deals with the window of
+    // the test before, it may give the focus elsewhere.
+    EXPECT_TRUE(RunUntil(
+        [&]
+        {
+            if ([window isKeyWindow] && [NSApp isActive] && NameOfFocusedWindow() == name)
+                return true;
+            [NSApp activateIgnoringOtherApps:YES];
+            [window makeKeyAndOrderFront:nil];
+            return false;
+        }))
+        << "focused: " << NameOfFocusedWindow() << ", key: " << int([window isKeyWindow])
+        << ", active: " << int([NSApp isActive]);
 }
 
 MenuWindow::~MenuWindow()
@@ -191,7 +202,7 @@ void MenuWindow::PointAtTheButton()
         }));
 }
 
-void MenuWindow::ClickAndChooseTheSecond()
+void MenuWindow::ClickAndChoose()
 {
     TestMenuHand* hand = [[[TestMenuHand alloc] init] autorelease];
     PointAtTheButton();
@@ -219,7 +230,6 @@ void MenuWindow::ClickOnce()
 
 void MenuWindow::PressSpaceAndReturn()
 {
-    EXPECT_TRUE(RunUntil([] { return NameOfFocusedWindow() == kWindowName; }));
     Input("key space");
     EXPECT_TRUE(RunUntil([this] { return delegate->m_nOpened > 0; }));
     Input("key Down key Return");
