@@ -7,17 +7,17 @@
 namespace Tarvane::Server
 {
 
-CCommandProcessor::CCommandProcessor(CSession session, CSessionStore* pStore, bool fHasDocuments,
-                                     const SandboxLimits& limits)
-    : m_session(std::move(session)), m_pStore(pStore), m_fHasDocuments(fHasDocuments),
-      m_limits(limits)
+CCommandProcessor::CCommandProcessor(CSession session, CSessionStore* pStore, CRenderFolder folder,
+                                     bool fHasDocuments, const SandboxLimits& limits)
+    : m_session(std::move(session)), m_pStore(pStore), m_folder(std::move(folder)),
+      m_fHasDocuments(fHasDocuments), m_limits(limits)
 {
 }
 
 CommandReply CCommandProcessor::Run(std::string_view strScript)
 {
     CSession before = m_session;
-    CScriptContext context(m_session, m_fHasDocuments);
+    CScriptContext context(m_session, m_folder, m_fHasDocuments);
     ScriptResult result = RunScript(strScript, MakeScriptFunctions(context), m_limits);
 
     CommandReply reply{std::move(result.strOutput), std::move(result.strError)};

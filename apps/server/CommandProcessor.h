@@ -11,6 +11,7 @@
 #pragma once
 
 #include "apps/server/LuaSandbox.h"
+#include "apps/server/RenderFolder.h"
 #include "apps/server/Session.h"
 #include "apps/server/SessionStore.h"
 
@@ -32,9 +33,9 @@ class CCommandProcessor
 {
 public:
     // pStore may be null: then the session lives as long as this object. It must outlive the
-    // object.
-    CCommandProcessor(CSession session, CSessionStore* pStore, bool fHasDocuments,
-                      const SandboxLimits& limits = {});
+    // object. The folder is for exported and rendered audio.
+    CCommandProcessor(CSession session, CSessionStore* pStore, CRenderFolder folder,
+                      bool fHasDocuments, const SandboxLimits& limits = {});
 
     CommandReply Run(std::string_view strScript);
     const CSession& Session() const { return m_session; }
@@ -45,6 +46,7 @@ private:
 
     CSession m_session;
     CSessionStore* m_pStore;
+    CRenderFolder m_folder;
     bool m_fHasDocuments;
     SandboxLimits m_limits;
 };

@@ -1,6 +1,6 @@
 #include "apps/server/Duplicates.h"
 
-#include "apps/server/SoundFiles.h"
+#include "apps/server/RegionReader.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,8 +12,6 @@ namespace Tarvane::Server
 
 namespace
 {
-
-constexpr std::int64_t kSamplesAtOnce = 65536;
 
 // The number nWhole + dPart, 0 <= dPart < 1, as one end of an interval that does or does not
 // contain it. Kept apart because the sum would be rounded.
@@ -42,63 +40,10 @@ std::int64_t GreatestTruncated(const IntervalEnd& end)
     return fBelowWhole ? std::max<std::int64_t>(end.nWhole - 1, 0) : end.nWhole;
 }
 
-std::vector<std::int32_t> ChannelsOf(const Region& region, const CSoundFile& file)
-{
-    if (!region.channels.empty())
-        return region.channels;
-    std::vector<std::int32_t> all(static_cast<std::size_t>(file.Channels()));
-    for (std::size_t nChannel = 0; nChannel < all.size(); nChannel++)
-        all[nChannel] = static_cast<std::int32_t>(nChannel);
-    return all;
-}
-
 bool SameSample(double dOne, double dOther)
 {
     return dOne == dOther || (std::isnan(dOne) && std::isnan(dOther));
 }
-
-// A region's audio, read piece by piece.
-class CRegionReader
-{
-public:
-    explicit CRegionReader(const Region& region)
-        : m_file(region.strPath), m_channels(ChannelsOf(region, m_file)), m_nLeft(region.Length())
-    {
-        for (std::int32_t nChannel : m_channels)
-        {
-            if (nChannel >= m_file.Channels())
-                throw CSoundFileError("the file " + region.strPath + " has lost channels");
-        }
-        m_file.Seek(region.nStart);
-    }
-
-    std::int32_t SampleRate() const { return m_file.SampleRate(); }
-    std::size_t Channels() const { return m_channels.size(); }
-    bool AtEnd() const { return m_nLeft == 0; }
-
-    // The next frames; an empty piece before the end means that the file is too short by now.
-    const std::vector<double>& Next(std::int64_t nFrames)
-    {
-        const std::int64_t nRead = m_file.Read(m_all, std::min(nFrames, m_nLeft));
-        m_nLeft -= nRead;
-        m_piece.clear();
-        const auto nFileChannels = static_cast<std::size_t>(m_file.Channels());
-        for (std::size_t nFrame = 0; nFrame < static_cast<std::size_t>(nRead); nFrame++)
-        {
-            for (std::int32_t nChannel : m_channels)
-                m_piece.push_back(
-                    m_all[nFrame * nFileChannels + static_cast<std::size_t>(nChannel)]);
-        }
-        return m_piece;
-    }
-
-private:
-    CSoundFile m_file;
-    std::vector<std::int32_t> m_channels;
-    std::int64_t m_nLeft;
-    std::vector<double> m_all;
-    std::vector<double> m_piece;
-};
 
 // Empty when the region's own file is no longer what it was.
 std::optional<CRegionReader> OpenIfReadable(const Region& region)
@@ -120,8 +65,7 @@ bool SameAudio(const Region& captured, const Region& region)
     if (!other || one.SampleRate() != other->SampleRate() || one.Channels() != other->Channels())
         return false;
 
-    const std::int64_t nFrames =
-        std::max<std::int64_t>(1, kSamplesAtOnce / static_cast<std::int64_t>(one.Channels()));
+    const std::int64_t nFrames = one.PieceFrames();
     while (!one.AtEnd())
     {
         const std::vector<double>& pieceOne = one.Next(nFrames);

@@ -13,7 +13,7 @@ namespace
 // A CLI11 check: empty when the value will do.
 std::string CheckTrackName(const std::string& strName)
 {
-    const auto flaw = TrackNameFlaw(strName);
+    const auto flaw = NameFlaw(strName);
     return flaw ? "a track's name " + *flaw : std::string();
 }
 
@@ -80,6 +80,10 @@ void DeclareOptions(CLI::App& app, Options& options)
         ->type_name("SECONDS");
     app.add_flag("--no-document", options.fNoDocument,
                  "Behave as with no document open: scripts can select none");
+    app.add_option("--render-folder", options.strRenderFolder,
+                   "Put exported and rendered audio into this folder (default: FILE.audio beside "
+                   "the session file, tarvane-audio among the temporary files without one)")
+        ->type_name("FOLDER");
     app.add_option("--log", options.strLogFile,
                    "Record every event in and out in this file; - is the standard output")
         ->type_name("FILE");

@@ -18,6 +18,7 @@ struct Options
     std::vector<std::string> trackNames;
     std::optional<double> linkOffset; // seconds
     bool fNoDocument = false;
+    std::string strRenderFolder; // empty: beside the session file (RenderFolderFor)
     std::string strLogFile;
     std::vector<PlannedFault> faults;
     // A listing of this session is all that is asked for.

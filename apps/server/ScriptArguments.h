@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <variant>
@@ -23,6 +24,9 @@ public:
 // monostate is nothing at all: the function returns no value.
 using ScriptValue = std::variant<std::monostate, bool, std::int64_t, double, std::string>;
 
+// The named whole numbers of a table.
+using ScriptRecord = std::map<std::string, std::int64_t>;
+
 // The arguments of one call, by place from 1. Each reading operation throws CScriptError when the
 // argument is missing or of another type. Valid during the call only.
 class CScriptArguments
@@ -42,8 +46,13 @@ public:
     std::string String(int nPlace) const;
     // A table's whole numbers at 1, 2, 3, ... At most nMost of them.
     std::vector<std::int64_t> Integers(int nPlace, std::size_t nMost) const;
+    // A table's tables of named whole numbers at 1, 2, 3, ... At most nMost of them. What else is
+    // in them is left out.
+    std::vector<ScriptRecord> Records(int nPlace, std::size_t nMost) const;
 
 private:
+    // The length of a table argument.
+    std::size_t TableLength(int nPlace, std::size_t nMost) const;
     // Throws "argument 2 should be a number, and is a string".
     [[noreturn]] void Fail(int nPlace, const char* szWanted) const;
 

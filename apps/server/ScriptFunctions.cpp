@@ -33,10 +33,19 @@ const Track& CScriptContext::FindTrack(std::int64_t nTrackId) const
     return *pTrack;
 }
 
+const Region& CScriptContext::FindRegion(std::int64_t nRegionId) const
+{
+    const Region* pRegion = SelectedDocument().FindRegion(nRegionId);
+    if (pRegion == nullptr)
+        throw CScriptError("the document has no region with the id " + std::to_string(nRegionId));
+    return *pRegion;
+}
+
 std::vector<ScriptFunction> MakeScriptFunctions(CScriptContext& context)
 {
     std::vector<ScriptFunction> all;
-    for (const auto& make : {DocumentFunctions, TrackFunctions, RegionFunctions})
+    for (const auto& make : {DocumentFunctions, TrackFunctions, RegionFunctions, RenderFunctions,
+                             ProcessFunctions, ClearingFunctions})
     {
         std::vector<ScriptFunction> some = make(context);
         std::move(some.begin(), some.end(), std::back_inserter(all));

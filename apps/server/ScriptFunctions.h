@@ -1,7 +1,7 @@
 // The functions that the server offers to scripts, on top of the sandbox.
 //
 // A script selects a document first; the selection holds for that script. Every function but the
-// two that select and GetUpdateCount refuses to work without one.
+// two that select, GetUpdateCount and the two that know the null id refuses to work without one.
 //
 //     SelectScriptDocument()       true, and selects it, when the server has the document
 //     SelectAudioSuiteDocument()   likewise
@@ -21,9 +21,31 @@
 //                                  id. fSelect makes it the document's selected region; fMute adds
 //                                  it muted. 1 and a table of channel numbers, from 0 and rising,
 //                                  add these channels of the file alone.
+//
+// Of use to clients that have the server export, render, process and clear:
+//
+//     GetSelectedRegionID()        the null id when none is
+//     IsNullRegionID(id)           1 for the null id, else 0
+//     IsNullProcessID(id)          likewise
+//     GetSampleRate()              of the selected region; without one, of the document's first
+//     ExportRegion(idRegion)       writes the region's audio to a new file and returns its path
+//     RegionRender(idRegion)       writes the region's audio to a new file, which the region then
+//                                  plays, where it did before
+//     GetRegionStartPosition(idRegion), GetRegionEndPosition(idRegion)
+//                                  on the timeline, in samples; the end is not part of the region
+//     CreateProcess(strKind, strHost, tInputs, tOutputs)
+//                                  the id of a new process (Processes.h). Inputs are tables with
+//                                  IOType, Track, Start and End, outputs tables with Track
+//     FindLastProcessCreated()     the null id when there is none
+//     SelectProcess(idProcess)     selects the region that the process made
+//     GetMarkerTrackID(idTrack, 0) the track of a track's marker areas
+//     CountMarkerAreas(idMarker), GetMarkerAreaID(idMarker, nArea), DeleteMarkerArea(idArea)
+//     GetRegionCount(idTrack), GetRegionID(idTrack, nRegion), DeleteRegion(idRegion)
+//                                  places count from 0 and close up after a deletion
 #pragma once
 
 #include "apps/server/LuaSandbox.h"
+#include "apps/server/RenderFolder.h"
 #include "apps/server/Session.h"
 
 #include <optional>
@@ -36,23 +58,28 @@ namespace Tarvane::Server
 class CScriptContext
 {
 public:
-    // fHasDocuments: false makes both documents unselectable. The session must outlive the object.
-    CScriptContext(CSession& session, bool fHasDocuments)
-        : m_session(session), m_fHasDocuments(fHasDocuments)
+    // fHasDocuments: false makes both documents unselectable. Session and folder must outlive the
+    // object.
+    CScriptContext(CSession& session, CRenderFolder& folder, bool fHasDocuments)
+        : m_session(session), m_folder(folder), m_fHasDocuments(fHasDocuments)
     {
     }
 
     CSession& Session() { return m_session; }
+    // Where exported and rendered audio goes.
+    CRenderFolder& Folder() { return m_folder; }
     // False when the document is not there.
     bool Select(DocumentKind kind);
     // Throw CScriptError when nothing is selected.
     DocumentKind Selected() const;
     const Document& SelectedDocument() const;
-    // Throws CScriptError when the selected document has no such track.
+    // Throw CScriptError when the selected document has no such thing.
     const Track& FindTrack(std::int64_t nTrackId) const;
+    const Region& FindRegion(std::int64_t nRegionId) const;
 
 private:
     CSession& m_session;
+    CRenderFolder& m_folder;
     bool m_fHasDocuments;
     std::optional<DocumentKind> m_selected;
 };
@@ -64,5 +91,8 @@ std::vector<ScriptFunction> MakeScriptFunctions(CScriptContext& context);
 std::vector<ScriptFunction> DocumentFunctions(CScriptContext& context);
 std::vector<ScriptFunction> TrackFunctions(CScriptContext& context);
 std::vector<ScriptFunction> RegionFunctions(CScriptContext& context);
+std::vector<ScriptFunction> RenderFunctions(CScriptContext& context);
+std::vector<ScriptFunction> ProcessFunctions(CScriptContext& context);
+std::vector<ScriptFunction> ClearingFunctions(CScriptContext& context);
 
 } // namespace Tarvane::Server

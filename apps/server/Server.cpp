@@ -89,6 +89,16 @@ CSession OpenSession(CSessionStore* pStore, const Options& options)
     return fresh;
 }
 
+std::filesystem::path RenderFolderFor(const CSessionStore* pStore, const Options& options)
+{
+    if (!options.strRenderFolder.empty())
+        return std::filesystem::absolute(options.strRenderFolder);
+    if (pStore == nullptr)
+        return std::filesystem::temp_directory_path() / "tarvane-audio";
+    std::filesystem::path folder = pStore->File();
+    return folder += ".audio";
+}
+
 int RunServer(const Options& options)
 {
     if (!options.strListedFile.empty())
@@ -105,6 +115,7 @@ int RunServer(const Options& options)
 
     CEventLog log(options.strLogFile);
     CCommandProcessor processor(OpenSession(pStore.get(), options), pStore.get(),
+                                CRenderFolder(RenderFolderFor(pStore.get(), options)),
                                 !options.fNoDocument);
     CEventHandler handler(processor, log, options.faults, [&signals] { signals.Wait(); });
     handler.Install();

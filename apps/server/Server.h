@@ -15,6 +15,9 @@ namespace Tarvane::Server
 // pStore may be null: the session is then new and in memory.
 CSession OpenSession(CSessionStore* pStore, const Options& options);
 
+// The folder for exported and rendered audio, a full path.
+std::filesystem::path RenderFolderFor(const CSessionStore* pStore, const Options& options);
+
 // Does what the options ask for, and returns when that is done or the process has been asked to
 // end. Main thread. Throws as OpenSession does, and std::runtime_error when events cannot be
 // received.

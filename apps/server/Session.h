@@ -21,7 +21,7 @@ constexpr std::int64_t kNullId = 0;
 constexpr std::int64_t kLargestPosition = std::int64_t(1) << 53;
 
 // A client reads a name as one line of at most so many bytes.
-constexpr std::size_t kLongestTrackName = 999;
+constexpr std::size_t kLongestName = 999;
 
 // The offset between the timelines, either way, in seconds.
 constexpr double kLargestLinkOffset = 1e6;
@@ -53,18 +53,51 @@ struct Region
     std::int64_t TimelineStart() const { return nPosition + nStart; }
 };
 
-// Tracks and regions stand in the order in which they were added; a track's place in that order is
-// its number for clients.
+// A stretch of a track's timeline that is marked, in samples: from nStart up to, and without, nEnd.
+struct MarkerArea
+{
+    std::int64_t nId = kNullId;
+    std::int64_t nTrackId = kNullId;
+    std::int64_t nStart = 0;
+    std::int64_t nEnd = 0;
+};
+
+// A stretch of a track's timeline that a process reads.
+struct ProcessInput
+{
+    std::int64_t nIOType = 0; // what the stretch is to the process (Processes.h)
+    std::int64_t nTrackId = kNullId;
+    std::int64_t nStart = 0;
+    std::int64_t nEnd = 0;
+};
+
+struct Process
+{
+    std::int64_t nId = kNullId;
+    std::string strKind;
+    std::string strHost; // the kind of application that asked for it, in its own words
+    std::vector<ProcessInput> inputs;
+    std::vector<std::int64_t> outputTrackIds;
+    // What the process made; null when its inputs held no audio, or when it was deleted.
+    std::int64_t nRegionId = kNullId;
+};
+
+// Everything stands in the order in which it was added; a thing's place in that order is its number
+// for clients.
 struct Document
 {
     std::vector<Track> tracks;
     std::vector<Region> regions;
+    std::vector<MarkerArea> markerAreas;
+    std::vector<Process> processes;
     std::int64_t nSelectedRegionId = kNullId;
     double dDisplayPosition = 0.0; // samples
 
     // Null when there is none.
     const Track* FindTrack(std::int64_t nTrackId) const;
     const Region* FindRegion(std::int64_t nRegionId) const;
+    const MarkerArea* FindMarkerArea(std::int64_t nAreaId) const;
+    const Process* FindProcess(std::int64_t nProcessId) const;
 };
 
 enum class DocumentKind : int
@@ -81,7 +114,7 @@ class CSession
 public:
     CSession() = default;
     // A new session: both documents with tracks of these names. The names and the offset are valid
-    // (TrackNameFlaw, LinkOffsetFlaw).
+    // (NameFlaw, LinkOffsetFlaw).
     CSession(const std::vector<std::string>& trackNames, double dLinkOffset);
 
     const Document& GetDocument(DocumentKind kind) const;
@@ -98,6 +131,15 @@ public:
     // Gives the region the next id and returns it. Its track is one of the document.
     std::int64_t AddRegion(DocumentKind kind, Region region);
     void SelectRegion(DocumentKind kind, std::int64_t nRegionId);
+    // Lets the region play all of another file, without moving it on the timeline or changing its
+    // length.
+    void ReplaceAudio(DocumentKind kind, std::int64_t nRegionId, const std::string& strPath);
+    // Whatever named the region names none from then on.
+    void DeleteRegion(DocumentKind kind, std::int64_t nRegionId);
+    // Give the new thing the next id and return it. Its tracks are the document's.
+    std::int64_t AddMarkerArea(DocumentKind kind, MarkerArea area);
+    std::int64_t AddProcess(DocumentKind kind, Process process);
+    void DeleteMarkerArea(DocumentKind kind, std::int64_t nAreaId);
     void MoveDisplay(DocumentKind kind, double dPosition);
 
     // Puts a stored session together again; the caller checks it with Flaw.
@@ -115,10 +157,13 @@ private:
     std::int64_t m_nNextId = 1;
 };
 
-// Why this can be no track name: "is empty" for instance. Empty when it can.
-std::optional<std::string> TrackNameFlaw(std::string_view strName);
+// Why this can be no name of a track or of anything else that a client reads as a line: "is empty"
+// for instance. Empty when it can.
+std::optional<std::string> NameFlaw(std::string_view strName);
 std::optional<std::string> LinkOffsetFlaw(double dSeconds);
 // Of the part of a region that needs no file: its stretch and its place.
 std::optional<std::string> RegionPlaceFlaw(const Region& region);
+// Of a stretch of a timeline.
+std::optional<std::string> StretchFlaw(std::int64_t nStart, std::int64_t nEnd);
 
 } // namespace Tarvane::Server

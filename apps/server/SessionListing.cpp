@@ -51,6 +51,19 @@ void ListDocument(std::ostream& out, const Document& document)
             if (region.nTrackId == track.nId)
                 ListRegion(out, region, document);
         }
+        for (const MarkerArea& area : document.markerAreas)
+        {
+            if (area.nTrackId == track.nId)
+                out << "    marker area " << area.nId << "  " << area.nStart << " to " << area.nEnd
+                    << '\n';
+        }
+    }
+    for (const Process& process : document.processes)
+    {
+        out << "  process " << process.nId << "  " << process.strKind;
+        if (process.nRegionId != kNullId)
+            out << "  made region " << process.nRegionId;
+        out << '\n';
     }
 }
 
@@ -79,10 +92,17 @@ Json TrackAsJson(const Document& document, std::size_t nTrack)
         if (region.nTrackId == track.nId)
             regions.push_back(RegionAsJson(region));
     }
+    Json areas = Json::array();
+    for (const MarkerArea& area : document.markerAreas)
+    {
+        if (area.nTrackId == track.nId)
+            areas.push_back({{"id", area.nId}, {"start", area.nStart}, {"end", area.nEnd}});
+    }
     return {{"number", nTrack},
             {"id", track.nId},
             {"name", track.strName},
-            {"regions", std::move(regions)}};
+            {"regions", std::move(regions)},
+            {"markerAreas", std::move(areas)}};
 }
 
 Json DocumentAsJson(const CSession& session, DocumentKind kind)
@@ -91,10 +111,15 @@ Json DocumentAsJson(const CSession& session, DocumentKind kind)
     Json tracks = Json::array();
     for (std::size_t nTrack = 0; nTrack < document.tracks.size(); nTrack++)
         tracks.push_back(TrackAsJson(document, nTrack));
+    Json processes = Json::array();
+    for (const Process& process : document.processes)
+        processes.push_back(
+            {{"id", process.nId}, {"kind", process.strKind}, {"region", process.nRegionId}});
     return {{"kind", DocumentName(kind)},
             {"displayPosition", document.dDisplayPosition},
             {"selectedRegion", document.nSelectedRegionId},
-            {"tracks", std::move(tracks)}};
+            {"tracks", std::move(tracks)},
+            {"processes", std::move(processes)}};
 }
 
 } // namespace

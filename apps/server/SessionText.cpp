@@ -28,6 +28,22 @@ Json EncodeRegion(const Region& region)
             {"muted", region.fMuted}};
 }
 
+Json EncodeProcess(const Process& process)
+{
+    Json inputs = Json::array();
+    for (const ProcessInput& input : process.inputs)
+        inputs.push_back({{"ioType", input.nIOType},
+                          {"track", input.nTrackId},
+                          {"start", input.nStart},
+                          {"end", input.nEnd}});
+    return {{"id", process.nId},
+            {"kind", process.strKind},
+            {"host", process.strHost},
+            {"inputs", std::move(inputs)},
+            {"outputs", process.outputTrackIds},
+            {"region", process.nRegionId}};
+}
+
 Json EncodeDocument(const Document& document)
 {
     Json tracks = Json::array();
@@ -36,10 +52,21 @@ Json EncodeDocument(const Document& document)
     Json regions = Json::array();
     for (const Region& region : document.regions)
         regions.push_back(EncodeRegion(region));
+    Json areas = Json::array();
+    for (const MarkerArea& area : document.markerAreas)
+        areas.push_back({{"id", area.nId},
+                         {"track", area.nTrackId},
+                         {"start", area.nStart},
+                         {"end", area.nEnd}});
+    Json processes = Json::array();
+    for (const Process& process : document.processes)
+        processes.push_back(EncodeProcess(process));
     return {{"displayPosition", document.dDisplayPosition},
             {"selectedRegion", document.nSelectedRegionId},
             {"tracks", std::move(tracks)},
-            {"regions", std::move(regions)}};
+            {"regions", std::move(regions)},
+            {"markerAreas", std::move(areas)},
+            {"processes", std::move(processes)}};
 }
 
 const Json& Member(const Json& object, const char* szKey)
@@ -123,6 +150,28 @@ Region DecodeRegion(const Json& object)
     return region;
 }
 
+MarkerArea DecodeMarkerArea(const Json& object)
+{
+    return {GetInteger<std::int64_t>(object, "id"), GetInteger<std::int64_t>(object, "track"),
+            GetInteger<std::int64_t>(object, "start"), GetInteger<std::int64_t>(object, "end")};
+}
+
+Process DecodeProcess(const Json& object)
+{
+    Process process;
+    process.nId = GetInteger<std::int64_t>(object, "id");
+    process.strKind = GetString(object, "kind");
+    process.strHost = GetString(object, "host");
+    for (const Json& input : GetList(object, "inputs"))
+        process.inputs.push_back(
+            {GetInteger<std::int64_t>(input, "ioType"), GetInteger<std::int64_t>(input, "track"),
+             GetInteger<std::int64_t>(input, "start"), GetInteger<std::int64_t>(input, "end")});
+    for (const Json& output : GetList(object, "outputs"))
+        process.outputTrackIds.push_back(ToInteger<std::int64_t>(output, "outputs"));
+    process.nRegionId = GetInteger<std::int64_t>(object, "region");
+    return process;
+}
+
 Document DecodeDocument(const Json& object)
 {
     Document document;
@@ -133,6 +182,10 @@ Document DecodeDocument(const Json& object)
             {GetInteger<std::int64_t>(track, "id"), GetString(track, "name")});
     for (const Json& region : GetList(object, "regions"))
         document.regions.push_back(DecodeRegion(region));
+    for (const Json& area : GetList(object, "markerAreas"))
+        document.markerAreas.push_back(DecodeMarkerArea(area));
+    for (const Json& process : GetList(object, "processes"))
+        document.processes.push_back(DecodeProcess(process));
     return document;
 }
 

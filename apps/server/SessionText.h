@@ -6,7 +6,9 @@
 //
 // A document is {"displayPosition", "selectedRegion", "tracks": [{"id", "name"}, ...],
 // "regions": [{"id", "track", "file", "start", "end", "position", "sampleRate", "channels",
-// "muted"}, ...]}, with the meanings of Session.h.
+// "muted"}, ...], "markerAreas": [{"id", "track", "start", "end"}, ...], "processes": [{"id",
+// "kind", "host", "inputs": [{"ioType", "track", "start", "end"}, ...], "outputs": [track, ...],
+// "region"}, ...]}, with the meanings of Session.h.
 #pragma once
 
 #include "apps/server/Session.h"

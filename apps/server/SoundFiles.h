@@ -29,6 +29,8 @@ public:
     std::int64_t Frames() const { return m_info.frames; }
     std::int32_t SampleRate() const { return m_info.samplerate; }
     std::int32_t Channels() const { return m_info.channels; }
+    // The library's SF_FORMAT_SUBMASK part.
+    int SampleForm() const { return m_info.format & SF_FORMAT_SUBMASK; }
 
     // Throws CSoundFileError unless frames can be read up to, and without, nEnd: a file can be
     // shorter than its header says.

@@ -31,6 +31,11 @@ protected:
         return reply.strError;
     }
 
+    Tarvane::Server::CRenderFolder RenderFolder() const
+    {
+        return Tarvane::Server::CRenderFolder(m_folder / "made");
+    }
+
     // The same with the script document selected.
     std::string SelectedResult(const std::string& strScript)
     {
@@ -49,7 +54,7 @@ protected:
     CTemporaryFolder m_folder;
     const std::string m_strTake = MakeSound(m_folder / "take.wav", Noise(100));
     Tarvane::Server::CCommandProcessor m_processor{
-        Tarvane::Server::CSession({"Vox", "Guitar"}, 0.1), nullptr, true};
+        Tarvane::Server::CSession({"Vox", "Guitar"}, 0.1), nullptr, RenderFolder(), true};
 };
 
 } // namespace TarvaneTest

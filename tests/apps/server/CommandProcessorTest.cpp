@@ -37,7 +37,7 @@ protected:
     }
 
     CSessionStore m_store;
-    CCommandProcessor m_stored{CSession({"Vox"}, 0), &m_store, true};
+    CCommandProcessor m_stored{CSession({"Vox"}, 0), &m_store, RenderFolder(), true};
 };
 
 TEST_F(CommandProcessor, AReplyHoldsWhatWasPrinted)
@@ -138,7 +138,7 @@ TEST_F(CommandProcessor, LimitsAreTheGivenOnes)
 {
     SandboxLimits limits;
     limits.nInstructions = 1000;
-    CCommandProcessor processor(CSession(), nullptr, true, limits);
+    CCommandProcessor processor(CSession(), nullptr, RenderFolder(), true, limits);
     EXPECT_EQ(processor.Run("for n = 1, 5000 do end").strError,
               "the script runs longer than 1000 instructions");
 }

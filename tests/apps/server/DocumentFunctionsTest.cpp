@@ -17,7 +17,7 @@ TEST_F(DocumentFunctions, BothDocumentsCanBeSelected)
 
 TEST_F(DocumentFunctions, WithoutADocumentNoneIsSelected)
 {
-    CCommandProcessor processor(CSession({"Vox"}, 0), nullptr, false);
+    CCommandProcessor processor(CSession({"Vox"}, 0), nullptr, RenderFolder(), false);
     EXPECT_EQ(processor.Run("print(SelectScriptDocument())").strResult, "false\n");
     EXPECT_EQ(processor.Run("print(SelectAudioSuiteDocument())").strResult, "false\n");
     EXPECT_EQ(processor.Run("SelectScriptDocument() GetTrackCount()").strError,
@@ -45,7 +45,7 @@ TEST_F(DocumentFunctions, TheUpdateCountNeedsNoDocument)
 TEST_F(DocumentFunctions, TheOffsetPrintsInFull)
 {
     EXPECT_EQ(std::atof(SelectedResult("print(GetLinkSMPTEOffset())").c_str()), 0.1);
-    CCommandProcessor processor(CSession({}, 1001.0 / 30000.0), nullptr, true);
+    CCommandProcessor processor(CSession({}, 1001.0 / 30000.0), nullptr, RenderFolder(), true);
     const CommandReply reply =
         processor.Run("if SelectScriptDocument() then\nprint(GetLinkSMPTEOffset())\nend\n");
     EXPECT_EQ(std::atof(reply.strResult.c_str()), 1001.0 / 30000.0);

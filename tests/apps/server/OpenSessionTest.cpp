@@ -91,6 +91,16 @@ TEST_F(OpenSessionOf, AFileInUseIsRefused)
     EXPECT_THROW(Open(), std::runtime_error);
 }
 
+TEST_F(OpenSessionOf, MadeAudioGoesBesideTheSession)
+{
+    const CSessionStore store(m_file);
+    EXPECT_EQ(RenderFolderFor(&store, m_options), m_folder / "session.audio");
+    EXPECT_EQ(RenderFolderFor(nullptr, m_options),
+              std::filesystem::temp_directory_path() / "tarvane-audio");
+    m_options.strRenderFolder = "made";
+    EXPECT_EQ(RenderFolderFor(&store, m_options), std::filesystem::current_path() / "made");
+}
+
 TEST_F(OpenSessionOf, WithoutAFileThereIsANewSession)
 {
     m_options.trackNames = {"Vox"};

@@ -48,12 +48,13 @@ TEST(Options, AllAreRead)
     const Options options =
         Parse({"--session", "a.session", "--track", "Vox", "--track", "Lead Guitar",
                "--link-offset", "-2.5", "--log", "-", "--no-document", "--misbehave", "hang@3",
-               "--misbehave", "exit-after-effect@1"});
+               "--misbehave", "exit-after-effect@1", "--render-folder", "made"});
     EXPECT_EQ(options.strSessionFile, "a.session");
     EXPECT_THAT(options.trackNames, ElementsAre("Vox", "Lead Guitar"));
     EXPECT_EQ(options.linkOffset, -2.5);
     EXPECT_EQ(options.strLogFile, "-");
     EXPECT_TRUE(options.fNoDocument);
+    EXPECT_EQ(options.strRenderFolder, "made");
     ASSERT_EQ(options.faults.size(), 2u);
     EXPECT_EQ(options.faults[0].fault, Fault::Hang);
     EXPECT_EQ(options.faults[1].nEvent, 1);

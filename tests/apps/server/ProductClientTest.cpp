@@ -89,6 +89,77 @@ TEST_F(ProductClient, ARefusalReachesTheUser)
     EXPECT_THAT(m_script.m_strLastError, testing::HasSubstr("is too short: it has 100 frames"));
 }
 
+TEST_F(ProductClient, ADeliveredCaptureCanBeExportedAndRendered)
+{
+    const Child server = Start({"--session", m_strSession, "--track", "Vox"});
+    EXPECT_TRUE(Deliver(1000, 10, 60));
+    CFileName file;
+    ASSERT_TRUE(m_script.ExportSelectedRegion(false, 48000, &file)) << m_script.m_strLastError;
+    const std::string strPath = file.GetFullPathString();
+    const std::vector<double> samples = Noise(100);
+    EXPECT_EQ(ReadSamples(strPath),
+              std::vector<double>(samples.begin() + 10, samples.begin() + 60));
+
+    long long nStart = 0;
+    long long nEnd = 0;
+    EXPECT_TRUE(m_script.RenderSelectedRegion(false, 44100, &nStart, &nEnd));
+    EXPECT_EQ(nStart, 1010);
+    EXPECT_EQ(nEnd, 1060);
+    EXPECT_EQ(m_script.m_strLastError,
+              "Warning - Session Sample Rate is: 44100 Tarvane Sample rate is: 48000");
+}
+
+TEST_F(ProductClient, IsToldWhatIsMissingForAnExport)
+{
+    const Child server = Start({"--track", "Vox"});
+    CFileName file;
+    EXPECT_FALSE(m_script.ExportSelectedRegion(false, -1, &file));
+    EXPECT_EQ(m_script.m_strLastError, "No Tarvane region is selected");
+    EXPECT_FALSE(m_script.ExportSelectedRegion(true, -1, &file));
+    EXPECT_EQ(m_script.m_strLastError, "No Tarvane Process exists");
+    long long nPosition = 0;
+    EXPECT_FALSE(m_script.RenderSelectedRegion(false, -1, &nPosition, &nPosition));
+    EXPECT_EQ(m_script.m_strLastError, "No Tarvane region is selected");
+    EXPECT_FALSE(m_script.RenderSelectedRegion(true, -1, &nPosition, &nPosition));
+    EXPECT_EQ(m_script.m_strLastError, "No Tarvane Process exists");
+}
+
+TEST_F(ProductClient, WhatAProcessMadeCanBeRendered)
+{
+    m_fAudioSuite = true;
+    const Child server =
+        Start({"--session", m_strSession, "--track", "Guide", "--track", "Dub", "--track", "Out"});
+    CFileName file(m_strTake.c_str());
+    ASSERT_EQ(m_script.SendFile(true, 1, &file, 5000, 0, 100, 0), 0);
+    EXPECT_TRUE(m_script.CreateGDX(true, 0, 2000, 2100, 1, 5000, 5100, 2));
+    EXPECT_EQ(m_script.m_strLastError, "");
+    long long nStart = 0;
+    long long nEnd = 0;
+    EXPECT_TRUE(m_script.RenderSelectedRegion(true, 48000, &nStart, &nEnd));
+    EXPECT_EQ(nStart, 2000);
+    EXPECT_EQ(nEnd, 2100);
+
+    EXPECT_TRUE(m_script.CreateSpreader(true, 1, 5020, 5060, 0, 0));
+    CFileName exported;
+    ASSERT_TRUE(m_script.ExportSelectedRegion(true, 48000, &exported)) << m_script.m_strLastError;
+    const std::string strPath = exported.GetFullPathString();
+    EXPECT_EQ(ReadSamples(strPath).size(), 40u);
+}
+
+TEST_F(ProductClient, AClearedTrackIsEmpty)
+{
+    const Child server = Start({"--session", m_strSession, "--track", "Vox", "--track", "Out"});
+    EXPECT_TRUE(Deliver(0, 0, 100));
+    EXPECT_TRUE(Deliver(500, 0, 100));
+    EXPECT_TRUE(m_script.CreateSpreader(false, 0, 0, 100, 0, 1));
+    m_script.ClearTrack(false, 0);
+    EXPECT_EQ(m_script.m_strLastError, "");
+    const CScriptAnswer answer =
+        SendScript("SelectScriptDocument() for n = 0, 1 do local id = GetTrackID(n) "
+                   "print(GetRegionCount(id), CountMarkerAreas(id)) end");
+    EXPECT_EQ(answer.result, "0\t0\n1\t0\n");
+}
+
 TEST_F(ProductClient, IsToldWhenNoServerRuns)
 {
     EXPECT_FALSE(Deliver(0, 0, 100));

@@ -141,7 +141,7 @@ TEST_F(RegionFunctions, ACaptureIsFoundAgainAtEveryPlace)
     {
         for (double dPosition : {0.0, -0.5, -1.5, 0.999, 1234.9, -1234.9, 100000.25, -4800.0})
         {
-            CCommandProcessor processor(CSession({"Vox"}, dOffset), nullptr, true);
+            CCommandProcessor processor(CSession({"Vox"}, dOffset), nullptr, RenderFolder(), true);
             const auto run = [&](const std::string& strScript)
             { return processor.Run("SelectScriptDocument() " + strScript); };
             const auto text = [](double d)

@@ -62,7 +62,7 @@ TEST(ScriptArguments, WhatIsMissingOrOfAnotherTypeIsNamed)
     EXPECT_EQ(ErrorOf("F(1)", ReadIntegers), "F: argument 1 should be a table, and is a number");
     EXPECT_EQ(ErrorOf("F({1, 'a'})", ReadIntegers),
               "F: argument 1 should be a table of whole numbers, and is a table");
-    EXPECT_EQ(ErrorOf("F({1, 2, 3, 4})", ReadIntegers), "F: argument 1 holds more than 3 numbers");
+    EXPECT_EQ(ErrorOf("F({1, 2, 3, 4})", ReadIntegers), "F: argument 1 holds more than 3 entries");
 }
 
 TEST(ScriptArguments, ValuesArriveAsTheyAre)
@@ -89,6 +89,24 @@ TEST(ScriptArguments, NilIsAsGoodAsMissing)
         EXPECT_FALSE(arguments.Has(3));
     };
     EXPECT_EQ(ErrorOf("F(false, nil)", check), "");
+}
+
+TEST(ScriptArguments, RecordsHoldTheNamedWholeNumbersOfTables)
+{
+    const auto check = [](const CScriptArguments& arguments)
+    {
+        const std::vector<ScriptRecord> records = arguments.Records(1, 4);
+        ASSERT_EQ(records.size(), 2u);
+        EXPECT_EQ(records[0], (ScriptRecord{{"Start", -5}, {"Track", 7}}));
+        EXPECT_TRUE(records[1].empty());
+    };
+    EXPECT_EQ(
+        ErrorOf("F({{Track = 7.0, Start = -5, Name = 'x', Half = 0.5, 9, [2.5] = 3}, {}})", check),
+        "");
+    const auto read = [](const CScriptArguments& arguments) { arguments.Records(1, 2); };
+    EXPECT_EQ(ErrorOf("F(1)", read), "F: argument 1 should be a table, and is a number");
+    EXPECT_EQ(ErrorOf("F({1})", read), "F: argument 1 should be a table of tables, and is a table");
+    EXPECT_EQ(ErrorOf("F({{}, {}, {}})", read), "F: argument 1 holds more than 2 entries");
 }
 
 TEST(ScriptArguments, AnEmptyTableHoldsNothing)

@@ -227,8 +227,8 @@ TEST_F(ServerProcess, HelpAndVersionAreAnswered)
     const Ended help = RunToEnd({"--help"});
     EXPECT_EQ(help.nExitCode, 0);
     for (const char* szPart : {"--session", "--track", "--link-offset", "--log", "--no-document",
-                               "--list-session", "--json", "--misbehave", "exit-before-effect",
-                               "exit-after-effect", "hang", "Exit codes: "})
+                               "--list-session", "--json", "--render-folder", "--misbehave",
+                               "exit-before-effect", "exit-after-effect", "hang", "Exit codes: "})
         EXPECT_THAT(help.strOutput, HasSubstr(szPart));
     const Ended version = RunToEnd({"--version"});
     EXPECT_EQ(version.nExitCode, 0);

@@ -68,6 +68,23 @@ TEST(SessionListing, JsonTellsTheSame)
     EXPECT_EQ(listing["documents"][1]["kind"], "audiosuite");
 }
 
+TEST(SessionListing, MarkerAreasAndProcessesAreListed)
+{
+    CSession session({"Vox"}, 0);
+    session.AddMarkerArea(DocumentKind::Script, {kNullId, 1, -5, 20});
+    session.AddProcess(DocumentKind::Script, {kNullId, "GDX", "PT", {}, {1}, kNullId});
+    session.AddProcess(DocumentKind::Script, {kNullId, "Spreader", "PT", {}, {1}, 9});
+    EXPECT_THAT(ListSession(session), testing::HasSubstr("  track 0  Vox\n"
+                                                         "    marker area 3  -5 to 20\n"
+                                                         "  process 4  GDX\n"
+                                                         "  process 5  Spreader  made region 9\n"));
+    const auto document = nlohmann::json::parse(ListSessionAsJson(session))["documents"][0];
+    EXPECT_EQ(document["tracks"][0]["markerAreas"],
+              nlohmann::json::parse(R"([{"id": 3, "start": -5, "end": 20}])"));
+    EXPECT_EQ(document["processes"][1],
+              nlohmann::json::parse(R"({"id": 5, "kind": "Spreader", "region": 9})"));
+}
+
 TEST(SessionListing, AnEmptySessionIsListedToo)
 {
     EXPECT_EQ(ListSession(CSession()), "link offset 0 s, 0 updates\n"

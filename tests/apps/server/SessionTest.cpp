@@ -67,6 +67,62 @@ TEST(Session, EveryChangeCountsOneUpdate)
     EXPECT_EQ(session.UpdateCount(), 4);
 }
 
+TEST(Session, ADeletedRegionIsNamedNowhere)
+{
+    CSession session({"Vox"}, 0);
+    const std::int64_t nRegion = session.AddRegion(kScript, SoundRegion(1));
+    const std::int64_t nOther = session.AddRegion(kScript, SoundRegion(1));
+    session.SelectRegion(kScript, nRegion);
+    const std::int64_t nProcess =
+        session.AddProcess(kScript, {kNullId, "GDX", "PT", {}, {1}, nRegion});
+    const std::int64_t nUpdates = session.UpdateCount();
+    session.DeleteRegion(kScript, nRegion);
+    EXPECT_EQ(session.UpdateCount(), nUpdates + 1);
+    const Document& document = session.GetDocument(kScript);
+    EXPECT_EQ(document.FindRegion(nRegion), nullptr);
+    EXPECT_NE(document.FindRegion(nOther), nullptr);
+    EXPECT_EQ(document.nSelectedRegionId, kNullId);
+    EXPECT_EQ(document.FindProcess(nProcess)->nRegionId, kNullId);
+    EXPECT_EQ(session.Flaw(), std::nullopt);
+}
+
+TEST(Session, OtherRegionsStaySelectedWhenOneIsDeleted)
+{
+    CSession session({"Vox"}, 0);
+    const std::int64_t nRegion = session.AddRegion(kScript, SoundRegion(1));
+    const std::int64_t nOther = session.AddRegion(kScript, SoundRegion(1));
+    session.SelectRegion(kScript, nOther);
+    session.DeleteRegion(kScript, nRegion);
+    EXPECT_EQ(session.GetDocument(kScript).nSelectedRegionId, nOther);
+}
+
+TEST(Session, NewAudioLeavesARegionWhereItIs)
+{
+    CSession session({"Vox"}, 0);
+    Region region = SoundRegion(1);
+    region.channels = {1};
+    const std::int64_t nRegion = session.AddRegion(kScript, region);
+    session.ReplaceAudio(kScript, nRegion, "/audio/made.wav");
+    const Region& replaced = *session.GetDocument(kScript).FindRegion(nRegion);
+    EXPECT_EQ(replaced.strPath, "/audio/made.wav");
+    EXPECT_EQ(replaced.nStart, 0);
+    EXPECT_EQ(replaced.nEnd, 20);
+    EXPECT_EQ(replaced.TimelineStart(), 1010);
+    EXPECT_TRUE(replaced.channels.empty());
+    EXPECT_EQ(session.UpdateCount(), 2);
+}
+
+TEST(Session, MarkerAreasComeAndGo)
+{
+    CSession session({"Vox"}, 0);
+    const std::int64_t nOne = session.AddMarkerArea(kScript, {kNullId, 1, 0, 10});
+    const std::int64_t nTwo = session.AddMarkerArea(kScript, {kNullId, 1, 5, 15});
+    session.DeleteMarkerArea(kScript, nOne);
+    EXPECT_EQ(session.GetDocument(kScript).FindMarkerArea(nOne), nullptr);
+    EXPECT_EQ(session.GetDocument(kScript).FindMarkerArea(nTwo)->nStart, 5);
+    EXPECT_EQ(session.UpdateCount(), 3);
+}
+
 TEST(Session, WhatChangesNothingCountsNothing)
 {
     CSession session({"Vox"}, 0);
@@ -95,15 +151,15 @@ TEST(Session, ARegionBeginsWhereItsFirstFrameLies)
 
 TEST(Session, NamesThatWouldBreakAListOfLinesAreRefused)
 {
-    EXPECT_EQ(TrackNameFlaw("Vox \u00e9"), std::nullopt);
-    EXPECT_EQ(TrackNameFlaw(std::string(999, 'x')), std::nullopt);
-    EXPECT_EQ(TrackNameFlaw(std::string(1000, 'x')), "is longer than 999 bytes");
-    EXPECT_EQ(TrackNameFlaw(""), "is empty");
+    EXPECT_EQ(NameFlaw("Vox \u00e9"), std::nullopt);
+    EXPECT_EQ(NameFlaw(std::string(999, 'x')), std::nullopt);
+    EXPECT_EQ(NameFlaw(std::string(1000, 'x')), "is longer than 999 bytes");
+    EXPECT_EQ(NameFlaw(""), "is empty");
     const std::string strControl = "contains a line end or another control character";
-    EXPECT_EQ(TrackNameFlaw("a\nb"), strControl);
-    EXPECT_EQ(TrackNameFlaw("a\r"), strControl);
-    EXPECT_EQ(TrackNameFlaw(std::string_view("a\0b", 3)), strControl);
-    EXPECT_EQ(TrackNameFlaw("\xff"), "is not UTF-8 text");
+    EXPECT_EQ(NameFlaw("a\nb"), strControl);
+    EXPECT_EQ(NameFlaw("a\r"), strControl);
+    EXPECT_EQ(NameFlaw(std::string_view("a\0b", 3)), strControl);
+    EXPECT_EQ(NameFlaw("\xff"), "is not UTF-8 text");
 }
 
 TEST(Session, OffsetsAreFiniteAndInReach)
@@ -224,6 +280,51 @@ TEST_F(RestoredSession, SelectionExists)
     EXPECT_EQ(Flaw(), "sound");
     m_documents[0].nSelectedRegionId = 1;
     EXPECT_THAT(Flaw(), HasSubstr("the selected region 1 is missing"));
+}
+
+TEST_F(RestoredSession, MarkerAreasAreStretchesOfTracks)
+{
+    m_nNextId = 4;
+    m_documents[0].markerAreas = {{3, 1, -5, 5}};
+    EXPECT_EQ(Flaw(), "sound");
+    m_documents[0].markerAreas = {{3, 2, -5, 5}};
+    EXPECT_EQ(Flaw(), "the script document: marker area 3: its track 2 is missing");
+    m_documents[0].markerAreas = {{3, 1, 5, 5}};
+    EXPECT_THAT(Flaw(), HasSubstr("the stretch is empty: it ends at 5 and starts at 5"));
+    m_documents[0].markerAreas = {{3, 1, -kLargestPosition - 1, 5}};
+    EXPECT_THAT(Flaw(), HasSubstr("a position is beyond 2^53 samples"));
+    m_documents[0].markerAreas = {{2, 1, 0, 5}};
+    EXPECT_THAT(Flaw(), HasSubstr("the id 2 stands twice"));
+}
+
+TEST_F(RestoredSession, ProcessesNameWhatExists)
+{
+    m_nNextId = 4;
+    const Process sound{3, "GDX", "PT", {{1, 1, 0, 5}}, {1}, 2};
+    const auto flawOf = [this](const Process& process)
+    {
+        m_documents[0].processes = {process};
+        return Flaw();
+    };
+    EXPECT_EQ(flawOf(sound), "sound");
+    Process process = sound;
+    process.nRegionId = 1;
+    EXPECT_EQ(flawOf(process), "the script document: process 3: its region 1 is missing");
+    process = sound;
+    process.inputs[0].nTrackId = 9;
+    EXPECT_THAT(flawOf(process), HasSubstr("its track 9 is missing"));
+    process = sound;
+    process.inputs[0].nEnd = 0;
+    EXPECT_THAT(flawOf(process), HasSubstr("the stretch is empty"));
+    process = sound;
+    process.outputTrackIds = {8};
+    EXPECT_THAT(flawOf(process), HasSubstr("its track 8 is missing"));
+    process = sound;
+    process.strKind = "";
+    EXPECT_THAT(flawOf(process), HasSubstr("one of its names is empty"));
+    process = sound;
+    process.strHost = "a\nb";
+    EXPECT_THAT(flawOf(process), HasSubstr("one of its names contains a line end"));
 }
 
 TEST_F(RestoredSession, NamesOffsetsAndCountsAreInRange)

@@ -27,6 +27,8 @@ CSession FullSession()
     region.fMuted = true;
     session.SelectRegion(kScript, session.AddRegion(kScript, region));
     session.MoveDisplay(DocumentKind::AudioSuite, 1244.5);
+    session.AddMarkerArea(kScript, {kNullId, 1, -20, 30});
+    session.AddProcess(kScript, {kNullId, "GDX", "PT", {{1, 1, 5, 25}, {2, 2, 0, 7}}, {1}, 5});
     return session;
 }
 
@@ -52,8 +54,8 @@ TEST(SessionText, EverythingComesBack)
 {
     const CSession session = DecodeSession(EncodeSession(FullSession()));
     EXPECT_EQ(session.LinkOffset(), 1001.0 / 30000.0);
-    EXPECT_EQ(session.UpdateCount(), 3);
-    EXPECT_EQ(session.NextId(), 6);
+    EXPECT_EQ(session.UpdateCount(), 5);
+    EXPECT_EQ(session.NextId(), 8);
     const Document& document = session.GetDocument(kScript);
     ASSERT_EQ(document.tracks.size(), 2u);
     EXPECT_EQ(document.tracks[0].strName, "Vox \u00e9");
@@ -71,6 +73,22 @@ TEST(SessionText, EverythingComesBack)
     EXPECT_TRUE(region.fMuted);
     EXPECT_EQ(document.nSelectedRegionId, 5);
     EXPECT_EQ(session.GetDocument(DocumentKind::AudioSuite).dDisplayPosition, 1244.5);
+    const MarkerArea& area = document.markerAreas.at(0);
+    EXPECT_EQ(area.nId, 6);
+    EXPECT_EQ(area.nTrackId, 1);
+    EXPECT_EQ(area.nStart, -20);
+    EXPECT_EQ(area.nEnd, 30);
+    const Process& process = document.processes.at(0);
+    EXPECT_EQ(process.nId, 7);
+    EXPECT_EQ(process.strKind, "GDX");
+    EXPECT_EQ(process.strHost, "PT");
+    ASSERT_EQ(process.inputs.size(), 2u);
+    EXPECT_EQ(process.inputs[1].nIOType, 2);
+    EXPECT_EQ(process.inputs[1].nTrackId, 2);
+    EXPECT_EQ(process.inputs[0].nStart, 5);
+    EXPECT_EQ(process.inputs[0].nEnd, 25);
+    EXPECT_EQ(process.outputTrackIds, std::vector<std::int64_t>{1});
+    EXPECT_EQ(process.nRegionId, 5);
 }
 
 TEST(SessionText, EncodingIsTheSameEachTime)
@@ -127,7 +145,8 @@ TEST(SessionText, EveryMissingMemberIsNamed)
         text.erase(szKey);
         EXPECT_EQ(FlawOf(text.dump()), std::string("\"") + szKey + "\" is missing");
     }
-    for (const char* szKey : {"displayPosition", "selectedRegion", "tracks", "regions"})
+    for (const char* szKey :
+         {"displayPosition", "selectedRegion", "tracks", "regions", "markerAreas", "processes"})
     {
         json text = FullJson();
         text["documents"]["script"].erase(szKey);

@@ -41,6 +41,21 @@ inline std::string MakeSound(const std::filesystem::path& path, const std::vecto
     return path.string();
 }
 
+// Every sample of a file, exactly.
+inline std::vector<double> ReadSamples(const std::filesystem::path& path)
+{
+    SF_INFO info{};
+    SNDFILE* pFile = sf_open(path.c_str(), SFM_READ, &info);
+    EXPECT_NE(pFile, nullptr) << path << ": " << sf_strerror(nullptr);
+    std::vector<double> samples(static_cast<std::size_t>(info.frames * info.channels));
+    if (pFile != nullptr)
+    {
+        EXPECT_EQ(sf_readf_double(pFile, samples.data(), info.frames), info.frames);
+        sf_close(pFile);
+    }
+    return samples;
+}
+
 // Samples of which no two stretches are alike, exact in 16 bits. Another seed makes other samples.
 inline std::vector<double> Noise(std::size_t nSamples, unsigned nSeed = 1)
 {
