@@ -57,5 +57,6 @@ class MenuWindow
     bool PointerIsOnTheButton() const;
     void PointAtTheButton();
     NSAutoreleasePool* m_pool;
+    int m_nMouseDowns = 0;
     int m_nMouseUps = 0;
 };
