@@ -127,10 +127,17 @@ std::filesystem::path GiveName(const std::filesystem::path& part, const std::str
     Fail("there are too many files like", part.parent_path() / strStem, "empty the folder");
 }
 
+// Clients read a path as a line and put it between quotes in their scripts, as it is.
+bool IsTroubleInScripts(unsigned char c)
+{
+    return c < 0x20 || c == 0x7f || c == '"' || c == '\\';
+}
+
 // The name of the region's file and its id, short enough for any folder.
 std::string Stem(const Region& region)
 {
     std::string strStem = std::filesystem::path(region.strPath).stem().string();
+    std::replace_if(strStem.begin(), strStem.end(), IsTroubleInScripts, '_');
     std::size_t nEnd = std::min<std::size_t>(strStem.size(), 200);
     while (nEnd > 0 && nEnd < strStem.size() && (strStem[nEnd] & 0xc0) == 0x80)
         nEnd--;

@@ -2,6 +2,7 @@
 
 #include "apps/support/Timecode.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -23,10 +24,18 @@ void ListPlace(std::ostream& out, const char* szName, std::int64_t nSamples, con
     out << "      " << szName << nSamples << "  " << Time(nSamples, region) << '\n';
 }
 
+// One line, whatever is in the file's name.
+std::string PathInOneLine(std::string strPath)
+{
+    const auto isControl = [](unsigned char c) { return c < 0x20 || c == 0x7f; };
+    std::replace_if(strPath.begin(), strPath.end(), isControl, '?');
+    return strPath;
+}
+
 void ListRegion(std::ostream& out, const Region& region, const Document& document)
 {
-    out << "    region " << region.nId << "  " << region.strPath << "  " << region.nSampleRate
-        << " Hz";
+    out << "    region " << region.nId << "  " << PathInOneLine(region.strPath) << "  "
+        << region.nSampleRate << " Hz";
     if (!region.channels.empty())
     {
         out << "  channels";

@@ -125,6 +125,13 @@ TEST_F(RenderFolder, LongNamesAreCutBetweenCharacters)
     EXPECT_EQ(path.filename().string(), strLong.substr(0, 198) + "-region-7.wav");
 }
 
+TEST_F(RenderFolder, NamesThatBreakScriptsAndListsAreMended)
+{
+    m_region.strPath = MakeSound(m_folder / "a\nb\"c\\d\x7f.wav", Noise(100));
+    const std::filesystem::path path = m_made.Write(m_region);
+    EXPECT_EQ(path.filename().string(), "a_b_c_d_-region-7.wav");
+}
+
 TEST_F(RenderFolder, FailuresLeaveNoFile)
 {
     m_region.nEnd = 101;

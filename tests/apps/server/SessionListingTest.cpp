@@ -85,6 +85,21 @@ TEST(SessionListing, MarkerAreasAndProcessesAreListed)
               nlohmann::json::parse(R"({"id": 5, "kind": "Spreader", "region": 9})"));
 }
 
+TEST(SessionListing, APathCannotBreakItsLine)
+{
+    CSession session({"Vox"}, 0);
+    Region region;
+    region.nTrackId = 1;
+    region.strPath = "/a\nb\x1b.wav";
+    region.nEnd = 1;
+    region.nSampleRate = 48000;
+    session.AddRegion(DocumentKind::Script, region);
+    EXPECT_THAT(ListSession(session), testing::HasSubstr("    region 3  /a?b?.wav  48000 Hz\n"));
+    EXPECT_EQ(nlohmann::json::parse(
+                  ListSessionAsJson(session))["documents"][0]["tracks"][0]["regions"][0]["file"],
+              region.strPath);
+}
+
 TEST(SessionListing, AnEmptySessionIsListedToo)
 {
     EXPECT_EQ(ListSession(CSession()), "link offset 0 s, 0 updates\n"
