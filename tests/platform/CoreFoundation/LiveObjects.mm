@@ -1,3 +1,5 @@
+// GNUstep always counts, but declares how only when assertions are on.
+#undef NDEBUG
 #import <Foundation/Foundation.h>
 
 #include "tests/platform/CoreFoundation/LiveObjects.h"
