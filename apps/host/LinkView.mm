@@ -1,10 +1,11 @@
 #import "apps/host/LinkView.h"
 
+#import "apps/support/Application.h"
 #include "apps/support/CommandLine.h"
 
 #import <AudioUnit/AUCocoaUIView.h>
 
-#include <stdexcept>
+#include <objc/runtime.h>
 
 namespace Tarvane
 {
@@ -96,17 +97,11 @@ CLinkView::~CLinkView()
     [m_view release];
 }
 
-// The view's parts go by the names that its nib connects.
+// The view's parts go by the names that its nib connects; a view that has none is no error.
 id CLinkView::Part(NSString* strName) const
 {
-    @try
-    {
-        return [m_view valueForKey:strName];
-    }
-    @catch (NSException*)
-    {
-        return nil;
-    }
+    const bool fHas = class_getInstanceVariable([m_view class], [strName UTF8String]) != nullptr;
+    return fHas ? [m_view valueForKey:strName] : nil;
 }
 
 std::string CLinkView::Text(NSString* strName) const
@@ -173,17 +168,7 @@ bool CLinkView::OpenMenu()
 std::string CLinkView::Picture()
 {
     [m_window orderFront:nil];
-    [m_window display];
-    [m_view lockFocus];
-    NSBitmapImageRep* image =
-        [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[m_view bounds]] autorelease];
-    [m_view unlockFocus];
-    NSData* data = [image representationUsingType:NSPNGFileType properties:nil];
-    if ([data length] == 0)
-    {
-        throw std::runtime_error("cannot take a picture of the window.");
-    }
-    return std::string(static_cast<const char*>([data bytes]), [data length]);
+    return TakePicture(m_view);
 }
 
 } // namespace Tarvane

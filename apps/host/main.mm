@@ -1,39 +1,19 @@
 // tarvane-host: a small host. It opens the link view from its bundle, beside a plug-in that
 // captures from sound files.
-#include "apps/host/ApplicationArguments.h"
 #include "apps/host/Host.h"
 #include "apps/host/Options.h"
+#import "apps/support/Application.h"
 
 #import <AppKit/AppKit.h>
 
 namespace
 {
 
-// Throws CUsageError where there is no display to open a window on.
-void OpenApplication()
-{
-    NSString* strReason = nil;
-    @try
-    {
-        [NSApplication sharedApplication];
-    }
-    @catch (NSException* exception)
-    {
-        strReason = [exception reason];
-    }
-    if (NSApp == nil || strReason != nil)
-    {
-        throw Tarvane::CUsageError("no window can be opened here - start it on a desktop, or under "
-                                   "scripts/with-desktop.");
-    }
-}
-
 int RunHost(const Tarvane::HostOptions& options, char** argv)
 {
     const Tarvane::HostPlan plan = Tarvane::MakePlan(options);
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-    Tarvane::HideArguments(argv);
-    OpenApplication();
+    Tarvane::OpenApplication(argv);
     int nExitCode = 0;
     {
         Tarvane::CHost host(options, plan);

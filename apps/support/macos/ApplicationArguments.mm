@@ -1,4 +1,4 @@
-#include "apps/host/ApplicationArguments.h"
+#include "apps/support/ApplicationArguments.h"
 
 #import <Foundation/Foundation.h>
 

@@ -1,0 +1,50 @@
+#import "apps/support/Application.h"
+
+#include "apps/support/ApplicationArguments.h"
+#include "apps/support/CommandLine.h"
+
+#import <AppKit/AppKit.h>
+
+#include <stdexcept>
+
+namespace Tarvane
+{
+
+void OpenApplication(char** argv)
+{
+    HideArguments(argv);
+    bool fOpen = false;
+    try
+    {
+        fOpen = [NSApplication sharedApplication] != nil;
+    }
+    // An exception of the object system. Only a catch of everything takes it with every compiler.
+    catch (...)
+    {
+    }
+    if (!fOpen)
+    {
+        throw CUsageError("no window can be opened here - start it on a desktop, or under "
+                          "scripts/with-desktop.");
+    }
+}
+
+std::string TakePicture(NSView* view)
+{
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    [[view window] display];
+    [view lockFocus];
+    NSBitmapImageRep* image =
+        [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[view bounds]] autorelease];
+    [view unlockFocus];
+    NSData* data = [image representationUsingType:NSPNGFileType properties:nil];
+    const std::string picture(static_cast<const char*>([data bytes]), [data length]);
+    [pool drain];
+    if (picture.empty())
+    {
+        throw std::runtime_error("cannot take a picture of the window.");
+    }
+    return picture;
+}
+
+} // namespace Tarvane
