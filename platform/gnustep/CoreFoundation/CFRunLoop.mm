@@ -7,6 +7,9 @@ const CFRunLoopMode kCFRunLoopDefaultMode = (CFRunLoopMode)NSDefaultRunLoopMode;
 CFRunLoopRef CFRunLoopGetCurrent(void)
 {
     platform::Pool pool;
+    // GNUstep is not safe against a thread that makes its run loop while another one asks for
+    // something to be done on it, so the loop is made before anybody else can know of it.
+    [NSRunLoop currentRunLoop];
     return (CFRunLoopRef)[NSThread currentThread];
 }
 
