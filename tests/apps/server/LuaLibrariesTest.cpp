@@ -93,6 +93,14 @@ TEST(LuaLibraryGuards, PlainSearchesThatCouldTakeForEver)
     EXPECT_THAT(Error(strTexts + "s:find('^' .. p, 1, true)"), HasSubstr(szTooLong));
 }
 
+TEST(LuaLibraryGuards, AnAnchorHoldsEveryFunctionButGmatch)
+{
+    const std::string strTexts = "local s, p = ('a'):rep(2000000), '^' .. ('a'):rep(100000) ";
+    EXPECT_EQ(Output(strTexts + "print(s:find(p))"), "1\t100000\n");
+    EXPECT_EQ(Output(strTexts + "print(#s:match(p), (s:gsub(p, '', 1) == s))"), "100000\tfalse\n");
+    EXPECT_THAT(Error(strTexts + "s:gmatch(p)()"), HasSubstr("string.gmatch could take"));
+}
+
 TEST(LuaLibraryGuards, ReplacementsThatComeToNothing)
 {
     EXPECT_THAT(Error("('a'):rep(1000000):gsub('()', ('%0'):rep(1000000))"), HasSubstr(szTooLong));
