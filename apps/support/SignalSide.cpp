@@ -112,7 +112,7 @@ void CSignalSide::SetObserver(std::function<void(const CCaptureReport&)> observe
 
 void CSignalSide::SetSource(const CCaptureSource& source)
 {
-    auto pSource = std::make_unique<Source>(CSoundReader(source.file), source.dPosition);
+    std::unique_ptr<Source> pSource(new Source{CSoundReader(source.file), source.dPosition});
     std::lock_guard lock(m_mutex);
     CDubFile::CheckPath(m_settings.captureFolder, pSource->reader);
     CDubFile::CheckFolder(m_settings.captureFolder);
