@@ -32,7 +32,7 @@ std::string LastOutput(const Options& options)
 {
     if (!options.fJson)
         return {};
-    return JsonLine(ToJson(options.strCommand, {Outcome::NoAnswer}, {}));
+    return JsonLine(ToJson(options.strCommand, {Outcome::NoAnswer, ""}, {}));
 }
 
 int RunCommand(Command command, const Options& options)

@@ -34,11 +34,6 @@ std::string Text(double dMilliseconds)
     return text.data();
 }
 
-std::string Join(const std::string& strList, const std::string& strItem)
-{
-    return strList.empty() ? strItem : strList + ", " + strItem;
-}
-
 std::string Printed(const CExaminer::Reply& reply)
 {
     constexpr std::size_t kEnough = 60;
@@ -122,8 +117,8 @@ Finding CheckSpeed(const CExaminer& examiner)
 
 Finding CheckFunctions(const CExaminer& examiner)
 {
+    int nMissing = 0;
     std::string strMissing;
-    std::string strCommands;
     bool fCapturesFail = false;
     for (const ContractFunction& function : ContractFunctions())
     {
@@ -132,16 +127,16 @@ Finding CheckFunctions(const CExaminer& examiner)
             return NoReplyFinding("functions", reply);
         if (reply.Is("function"))
             continue;
-        strMissing = Join(strMissing, function.szName);
-        strCommands += "\n" + std::string(function.szName) + ": " + function.szNeededBy;
+        nMissing++;
+        strMissing += "\n" + std::string(function.szName) + ": " + function.szNeededBy;
         fCapturesFail |= function.fForCaptures;
     }
     const std::string strAll = std::to_string(ContractFunctions().size());
-    if (strMissing.empty())
+    if (nMissing == 0)
         return {"functions", Verdict::Good, "the server has all " + strAll + " functions"};
     return {"functions", fCapturesFail ? Verdict::Problem : Verdict::Warning,
-            "of " + strAll + " functions the server lacks " + strMissing,
-            "Take a newer server, or do without these commands:" + strCommands,
+            "the server lacks " + std::to_string(nMissing) + " of " + strAll + " functions",
+            "Take a newer server, or do without what needs them:" + strMissing,
             fCapturesFail ? Outcome::ServerError : Outcome::Done};
 }
 

@@ -173,7 +173,7 @@ TEST_F(FileCommandsTest, AFileThatIsNoSoundIsWrongUse)
 
 TEST_F(FileCommandsTest, APathThatWouldBreakTheScriptIsWrongUse)
 {
-    for (const std::string& strFile : {"/a\"b.wav", "/a\\b.wav", "/a\nb.wav", "/a\xFF.wav"})
+    for (const std::string strFile : {"/a\"b.wav", "/a\\b.wav", "/a\nb.wav", "/a\xFF.wav"})
     {
         const Ran ran = RunLink(
             {"send", strFile, "--track", "0", "--position", "0", "--start", "0", "--end", "1"});

@@ -24,6 +24,7 @@ struct Ran
     std::string strError;
 
     nlohmann::json Json() const { return nlohmann::json::parse(strOutput); }
+    nlohmann::json Findings() const { return Json()["findings"]; }
 };
 
 // Runs the program with these arguments, its name left out.

@@ -2,9 +2,9 @@
 
 #include "tests/apps/link/LinkFixture.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
 
 using namespace TarvaneTest;
@@ -20,18 +20,28 @@ const std::vector<std::string> kCommands{"tracks", "offset", "updates", "send", 
                                          "export", "render", "align",   "spread", "clear",
                                          "run",    "watch",  "doctor"};
 
+// The words that begin with two hyphens and a letter.
 std::set<std::string> OptionsIn(const std::string& strText)
 {
-    static const std::regex option("--[a-z][a-z-]*[a-z]");
-    return {std::sregex_token_iterator(strText.begin(), strText.end(), option), {}};
+    constexpr const char* kLetters = "abcdefghijklmnopqrstuvwxyz-";
+    std::set<std::string> options;
+    for (std::size_t nAt = 0; (nAt = strText.find("--", nAt)) != std::string::npos;)
+    {
+        const std::size_t nEnd = strText.find_first_not_of(kLetters, nAt);
+        options.insert(strText.substr(nAt, nEnd - nAt));
+        nAt = std::min(nEnd, strText.size());
+    }
+    return options;
 }
 
 // As it is read: without the backslash that keeps a hyphen a hyphen.
 std::string ManPage()
 {
     std::ifstream file(MAN_PAGE);
-    const std::string strText{std::istreambuf_iterator<char>(file), {}};
-    return std::regex_replace(strText, std::regex(R"(\\-)"), "-");
+    std::string strText{std::istreambuf_iterator<char>(file), {}};
+    for (std::size_t nAt = 0; (nAt = strText.find("\\-", nAt)) != std::string::npos;)
+        strText.erase(nAt, 1);
+    return strText;
 }
 
 void ExpectWrongUse(const std::vector<std::string>& arguments, const std::string& strPart)
@@ -87,7 +97,8 @@ TEST_F(UsageTest, TheManPageHasEveryCommandOptionAndExitCode)
     const std::string strPage = ManPage();
     EXPECT_EQ(OptionsIn(strPage), OptionsIn(RunLink({"--help"}).strOutput));
     for (const std::string& strCommand : kCommands)
-        EXPECT_THAT(strPage, HasSubstr("\n.B " + strCommand));
+        EXPECT_THAT(strPage, testing::AnyOf(HasSubstr("\n.B " + strCommand + "\n"),
+                                            HasSubstr("\n.BI " + strCommand + " ")));
     for (const char* szCode : {"0", "1", "2", "3", "4", "5"})
         EXPECT_THAT(strPage, HasSubstr("\n.TP\n.B " + std::string(szCode) + "\n"));
 }
@@ -102,7 +113,7 @@ TEST_F(UsageTest, Version)
 TEST_F(UsageTest, ACommandIsRequired)
 {
     ExpectWrongUse({}, "subcommand");
-    ExpectWrongUse({"frobnicate"}, "frobnicate");
+    ExpectWrongUse({"frobnicate"}, "subcommand");
     ExpectWrongUse({"tracks", "offset"}, "--help");
 }
 

@@ -1,0 +1,207 @@
+// Servers that are absent, hang, die or answer what they should not.
+
+#include "tests/apps/link/ProgramFixture.h"
+
+using namespace TarvaneTest;
+using namespace ScriptedServer;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace
+{
+
+using ProgramFailureTest = ProgramTest;
+
+// Every command that is an operation of the link, with what it needs.
+const std::vector<std::vector<std::string>> kCommands{
+    {"tracks"},
+    {"offset"},
+    {"updates"},
+    {"export"},
+    {"render"},
+    {"send", "/a.wav", "--track", "0", "--position", "0", "--start", "0", "--end", "1"},
+    {"duplicate", "/a.wav", "--track", "0", "--position", "0", "--start", "0", "--end", "1"},
+    {"align", "--guide-track", "0", "--guide-start", "0", "--guide-end", "1", "--dub-track", "0",
+     "--dub-start", "0", "--dub-end", "1", "--aligned-track", "0"},
+    {"spread", "--track", "0", "--start", "0", "--end", "1", "--output-track", "0"},
+    {"clear", "0"},
+    {"run", "print(1)"},
+    {"watch", "--count", "1"},
+    {"doctor"}};
+
+// What a command stays below however slow the machine, unless its timeout is not heeded: the
+// platform's own is a minute.
+constexpr std::chrono::seconds kFarBeyond{50};
+
+} // namespace
+
+TEST_F(ProgramFailureTest, AbsentServer)
+{
+    for (const auto& arguments : kCommands)
+    {
+        const Ended ended = RunLink(arguments);
+        EXPECT_EQ(ended.nExitCode, 3) << arguments[0];
+        if (arguments[0] != "doctor")
+        {
+            EXPECT_THAT(ended.strError,
+                        StartsWith("Error - Tarvane not running.\nLocate and launch Tarvane.\n"));
+        }
+    }
+}
+
+TEST_F(ProgramFailureTest, AbsentBus)
+{
+    m_bus.Kill();
+    EXPECT_EQ(RunLink({"tracks"}).nExitCode, 3);
+    const Ended doctor = RunLink({"doctor"});
+    EXPECT_EQ(doctor.nExitCode, 3);
+    EXPECT_THAT(doctor.strOutput, StartsWith("problem  bus             there is no session bus"));
+}
+
+TEST_F(ProgramFailureTest, MuteBus)
+{
+    m_bus.Freeze();
+    const auto start = std::chrono::steady_clock::now();
+    const Ended doctor = RunLink({"doctor", "--timeout", "0.3"});
+    EXPECT_EQ(doctor.nExitCode, 4);
+    EXPECT_THAT(doctor.strOutput, HasSubstr("the session bus does not answer"));
+    EXPECT_EQ(RunLink({"updates", "--timeout", "0.3"}).nExitCode, 4);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, kFarBeyond);
+    m_bus.Thaw();
+}
+
+TEST_F(ProgramFailureTest, HungServer)
+{
+    const Child server = StartServer({"--track", "Vox"});
+    server->Stop();
+    for (const auto& arguments : kCommands)
+    {
+        const auto start = std::chrono::steady_clock::now();
+        std::vector<std::string> withTimeout = arguments;
+        withTimeout.insert(withTimeout.end(), {"--timeout", "0.2"});
+        const Ended ended = RunLink(withTimeout);
+        EXPECT_EQ(ended.nExitCode, 4) << arguments[0];
+        if (arguments[0] != "doctor")
+        {
+            EXPECT_THAT(ended.strError, StartsWith("AEError ID:-1712\n"));
+        }
+        EXPECT_LT(std::chrono::steady_clock::now() - start, kFarBeyond);
+    }
+    server->Continue();
+    EXPECT_EQ(RunLink({"tracks"}).nExitCode, 0);
+}
+
+TEST_F(ProgramFailureTest, ServerThatHangsInACommand)
+{
+    const Child server = StartServer({"--track", "Vox", "--misbehave", "hang@2"});
+    EXPECT_EQ(RunLink({"tracks"}).nExitCode, 0);
+    EXPECT_EQ(RunLink({"tracks", "--timeout", "0.2"}).nExitCode, 4);
+}
+
+TEST_F(ProgramFailureTest, ServerThatDiesInTheMiddle)
+{
+    for (const char* szFault : {"exit-before-effect@1", "exit-after-effect@1"})
+    {
+        const Child server = StartServer({"--track", "Vox", "--misbehave", szFault});
+        const Ended ended = RunLink({"clear", "0"});
+        EXPECT_EQ(ended.nExitCode, 5);
+        EXPECT_THAT(ended.strError, StartsWith("AEError ID:-609\ntarvane-link: the server or the "
+                                               "bus went away"));
+        EXPECT_TRUE(server->WaitForEnd(kAnyTime));
+        EXPECT_EQ(RunLink({"clear", "0"}).nExitCode, 3);
+    }
+}
+
+TEST_F(ProgramFailureTest, ServerThatDiesUnderTheDoctor)
+{
+    const Child server = StartServer({"--track", "Vox", "--misbehave", "exit-before-effect@30"});
+    const Ended ended = RunLink({"doctor"});
+    EXPECT_EQ(ended.nExitCode, 5);
+    EXPECT_THAT(ended.strOutput, HasSubstr("problem  functions"));
+}
+
+TEST_F(ProgramFailureTest, AnswersThatContradictThemselves)
+{
+    for (const char* szAnswer : {"GetTrackName=>5\n1\nVox\n", "GetTrackName=>x\ny\n",
+                                 "GetTrackName=>3\n1\n\n", "GetTrackName=>\xEF\xBF\xBD\n-1\n"})
+    {
+        const Child server = StartScripted({szAnswer});
+        const Ended ended = RunLink({"tracks", "--json"});
+        EXPECT_EQ(ended.nExitCode, 5) << szAnswer;
+        EXPECT_THAT(ended.strError, HasSubstr("Assertion failed"));
+        EXPECT_THAT(ended.strError, EndsWith("--trace shows the answer.\n"));
+        EXPECT_EQ(ended.Json()["outcome"], "no-answer");
+    }
+}
+
+TEST_F(ProgramFailureTest, GarbageForANumberIsZero)
+{
+    const Child server = StartScripted({"GetUpdateCount=>many\n", "GetLinkSMPTEOffset=>\x01\x02"});
+    EXPECT_EQ(RunLink({"updates"}).strOutput, "0\n");
+    EXPECT_EQ(RunLink({"offset"}).strOutput, "0\n");
+}
+
+TEST_F(ProgramFailureTest, RepliesThatAreNone)
+{
+    const Child server =
+        StartScripted({"silent=>silent", "number=>numbers:1\n", "refuse=>status:-1234",
+                       "unknown=>status:-1708", "busy=>status:-600", "die=>die"});
+    for (const auto& [szScript, szWords] :
+         {std::pair("silent", "AEError ID:-1701\n"), std::pair("number", "AEError ID:-1700\n"),
+          std::pair("refuse", "AEError ID:-1234\n"), std::pair("unknown", "AEError ID:-1708\n")})
+    {
+        const Ended ended = RunLink({"run", szScript});
+        EXPECT_EQ(ended.nExitCode, 5) << szScript;
+        EXPECT_THAT(ended.strError, StartsWith(szWords));
+    }
+    EXPECT_EQ(RunLink({"run", "busy"}).nExitCode, 3);
+    EXPECT_EQ(RunLink({"run", "die"}).nExitCode, 5);
+}
+
+TEST_F(ProgramFailureTest, AHundredKilobytes)
+{
+    const Child server = StartScripted({"much=>bytes:102400", "xxxx=>long\n"});
+    const Ended ended = RunLink({"run", "much"});
+    EXPECT_EQ(ended.nExitCode, 0);
+    EXPECT_EQ(ended.strOutput, std::string(102400, 'b') + "\n");
+    EXPECT_EQ(RunLink({"run", "much", "--json"}).Json()["result"], ended.strOutput);
+    EXPECT_EQ(RunLink({"run", "-- " + std::string(100000, 'x')}).strOutput, "long\n");
+}
+
+TEST_F(ProgramFailureTest, AHundredKilobytesAreNoList)
+{
+    const Child server = StartScripted({"GetTrackName=>bytes:102400"});
+    EXPECT_EQ(RunLink({"tracks"}).nExitCode, 5);
+}
+
+TEST_F(ProgramFailureTest, AHundredThousandTracks)
+{
+    const Child server = StartScripted({"GetTrackName=>tracks:100000", "GetUpdateCount=>1\n"});
+    const Ended ended = RunLink({"tracks"});
+    EXPECT_EQ(ended.nExitCode, 0);
+    EXPECT_THAT(ended.strOutput, StartsWith("0\tTrack 0\n1\tTrack 1\n"));
+    EXPECT_THAT(ended.strOutput, EndsWith("\n99999\tTrack 99999\n"));
+    EXPECT_EQ(RunLink({"tracks", "--json"}).Json()["tracks"].size(), 100000U);
+    EXPECT_THAT(RunLink({"watch", "--count", "1"}).strOutput,
+                StartsWith("updates 1, tracks 100000\n0\tTrack 0\n"));
+}
+
+TEST_F(ProgramFailureTest, AnErrorTextInEveryScript)
+{
+    const Child server = StartScripted({"=>error:out of \xE5\xA3\xB0"});
+    for (const auto& arguments : kCommands)
+    {
+        EXPECT_EQ(RunLink(arguments).nExitCode, 1) << arguments[0];
+    }
+}
+
+TEST_F(ProgramFailureTest, DoctorAgainstAServerThatKnowsNothing)
+{
+    const Child server =
+        StartScripted({"print(\"V=>V\xC3\xB6x \xE5\xA3\xB0 \xF0\x9F\x8E\x99\n", "type(=>nil\n"});
+    const Ended ended = RunLink({"doctor"});
+    EXPECT_EQ(ended.nExitCode, 1);
+    EXPECT_THAT(ended.strOutput, HasSubstr("problem  functions       the server lacks 28 of 28"));
+    EXPECT_THAT(ended.strOutput, HasSubstr("problem  document        the server has no document"));
+}
