@@ -87,8 +87,7 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
 
 - (void)setAU:(AudioUnit)pUnit
 {
-    if (mAU != nullptr)
-        [self removeListeners];
+    [self removeListeners];
     mAU = pUnit;
     m_fAudioSuite = false;
 
@@ -167,10 +166,10 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
 - (void)removeListeners
 {
     // A view that never had a plug-in has nothing to take back.
-    if (mParameterListener == nullptr)
+    if (mAU == nullptr && mParameterListener == nullptr)
         return;
 
-    OSStatus nStatus = AUListenerDispose(mParameterListener);
+    OSStatus nStatus = mParameterListener == nullptr ? 0 : AUListenerDispose(mParameterListener);
     if (nStatus != 0)
         [[NSAssertionHandler currentHandler]
             handleFailureInMethod:_cmd

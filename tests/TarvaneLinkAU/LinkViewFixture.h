@@ -1,0 +1,65 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <gmock/gmock.h>
+
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#import "TarvaneLinkAU/TarvaneLinkGestureSlider.h"
+#include "TarvaneLinkAU/TarvaneLinkProperties.h"
+#import "TarvaneLinkAU/TarvaneLinkView.h"
+#include "tests/support/ScriptedAppleEvents.h"
+#include "tests/support/ScriptedAudioUnit.h"
+
+// The view with controls of its own, as a nib would fill it, and a look inside.
+@interface TestLinkView : TarvaneLink_CocoaView
+
+- (NSTextField*)errorLine;
+- (NSTextField*)adviceLine;
+- (TKToggleSwitch*)captureSwitch;
+- (NSPopUpButton*)trackButton;
+- (TarvaneLink_GestureSlider*)slider;
+- (CTarvaneScript*)script;
+- (std::int32_t)throttle;
+- (void)setThrottle:(std::int32_t)nTimeout;
+
+// Views that have not been deallocated.
++ (int)liveViews;
+
+@end
+
+// Runs what is waiting in the main thread's queue at this moment.
+void RunQueuedCalls();
+
+// A view, a plug-in and a server. The server has the tracks "Vox" and "Bass" until a test says
+// otherwise, the plug-in has the first one chosen and is not armed.
+class LinkViewFixture : public testing::Test
+{
+  protected:
+    LinkViewFixture();
+    ~LinkViewFixture() override;
+
+    // `setAU:`, with the replies that it takes; forgets what was recorded meanwhile.
+    void Attach();
+
+    // What the server lists at the next count of track lists.
+    void PlayTracks(std::initializer_list<const char*> names, int nTimes = 1);
+
+    std::string ErrorLine() const;
+    std::string AdviceLine() const;
+    std::vector<std::string> MenuTitles() const;
+    int CountOf(const char* szKind, AudioUnitPropertyID nProperty) const;
+
+    TarvaneTests::ScriptedAudioUnit m_plugIn;
+    TarvaneTests::ScriptedAppleEvents m_events;
+    TestLinkView* m_pView;
+};
+
+std::string Utf8(NSString* pText);
+
+// The text of a reply that lists tracks.
+std::string TrackList(const std::vector<std::string>& names);
