@@ -16,6 +16,8 @@ using CFTypeRef = const void*;
 using CFIndex = long;
 using CFHashCode = unsigned long;
 using CFTypeID = unsigned long;
+using CFOptionFlags = unsigned long;
+using CFTimeInterval = double; // seconds
 
 using CFStringRef = const struct __CFString*;
 using CFMutableStringRef = struct __CFString*;
