@@ -1,0 +1,117 @@
+#import "apps/palette/PaletteWindow.h"
+
+#import "apps/palette/Sheet.h"
+#import "apps/palette/SheetParts.h"
+#import "apps/support/Application.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+// Ends the run of the application with its window.
+@interface PaletteWindowDelegate : NSObject
+@end
+
+@implementation PaletteWindowDelegate
+
+- (void)windowWillClose:(NSNotification*)notification
+{
+    (void)notification;
+    [NSApp stop:nil];
+    // The application looks at its stop only after an event.
+    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
+                                        location:NSZeroPoint
+                                   modifierFlags:0
+                                       timestamp:0
+                                    windowNumber:0
+                                         context:nil
+                                         subtype:0
+                                           data1:0
+                                           data2:0]
+             atStart:YES];
+}
+
+@end
+
+namespace Tarvane
+{
+namespace
+{
+
+NSWindow* MakeWindow(NSSize size, NSUInteger nStyle)
+{
+    NSWindow* window =
+        [[NSWindow alloc] initWithContentRect:NSMakeRect(0, 0, size.width, size.height)
+                                    styleMask:nStyle
+                                      backing:NSBackingStoreBuffered
+                                        defer:NO];
+    [window setReleasedWhenClosed:NO];
+    [window setBackgroundColor:SheetBackground()];
+    return window;
+}
+
+// As large as the sheet, where the screen has room for that.
+NSWindow* MakeSheetWindow(NSView* sheet)
+{
+    const NSUInteger nStyle = NSTitledWindowMask | NSClosableWindowMask |
+                              NSMiniaturizableWindowMask | NSResizableWindowMask;
+    NSSize size = [sheet frame].size;
+    const NSSize room = [NSWindow contentRectForFrameRect:[[NSScreen mainScreen] visibleFrame]
+                                                styleMask:nStyle]
+                            .size;
+    const CGFloat dScroller = [NSScroller scrollerWidth];
+    const bool fTall = size.height > room.height;
+    const bool fWide = size.width + (fTall ? dScroller : 0) > room.width;
+    size.width = std::min(size.width + (fTall ? dScroller : 0), room.width);
+    size.height = std::min(size.height + (fWide ? dScroller : 0), room.height);
+
+    NSWindow* window = MakeWindow(size, nStyle);
+    [window setTitle:@"Tarvane Link palette"];
+    NSScrollView* scroll = [[[NSScrollView alloc]
+        initWithFrame:NSMakeRect(0, 0, size.width, size.height)] autorelease];
+    [scroll setHasVerticalScroller:YES];
+    [scroll setHasHorizontalScroller:YES];
+    [scroll setAutohidesScrollers:YES];
+    [scroll setBackgroundColor:SheetBackground()];
+    [scroll setDocumentView:sheet];
+    [window setContentView:scroll];
+    [sheet scrollPoint:NSZeroPoint];
+    [window center];
+    return window;
+}
+
+} // namespace
+
+void SavePicture(const std::filesystem::path& path)
+{
+    NSView* sheet = MakeSheet();
+    NSWindow* window = MakeWindow([sheet frame].size, NSBorderlessWindowMask);
+    [window setContentView:sheet];
+    [window orderFront:nil];
+    BeginEditing(sheet);
+    const std::string picture = TakePicture(sheet);
+    [window orderOut:nil];
+    [window release];
+    NSData* data = [NSData dataWithBytes:picture.data() length:picture.size()];
+    if (![data writeToFile:ToNSString(path.string()) atomically:YES])
+    {
+        throw std::runtime_error("cannot write the picture " + path.string() +
+                                 " - name another file with --save.");
+    }
+}
+
+void ShowSheet()
+{
+    PaletteWindowDelegate* delegate = [[PaletteWindowDelegate alloc] init];
+    NSView* sheet = MakeSheet();
+    NSWindow* window = MakeSheetWindow(sheet);
+    [window setDelegate:(id)delegate];
+    [window makeKeyAndOrderFront:nil];
+    [NSApp activateIgnoringOtherApps:YES];
+    BeginEditing(sheet);
+    [NSApp run];
+    [window setDelegate:nil];
+    [window release];
+    [delegate release];
+}
+
+} // namespace Tarvane
