@@ -1,0 +1,16 @@
+// The tree of a session as text.
+#pragma once
+
+#include "utils/ParameterBlock.h"
+
+#include <cstddef>
+#include <iosfwd>
+
+namespace Tarvane::Session
+{
+
+// One line an entry, indented by its level: type, name, value. Blocks deeper than nDepth levels
+// below the top are not opened.
+void Dump(const CParameter& top, std::size_t nDepth, std::ostream& out);
+
+} // namespace Tarvane::Session

@@ -1,0 +1,204 @@
+// The program as it is run.
+#include "apps/support/ChildProcess.h"
+#include "tests/apps/support/TemporaryFolder.h"
+#include "tests/utils/ParameterHelpers.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <fstream>
+#include <iterator>
+
+using testing::HasSubstr;
+
+namespace
+{
+
+class SessionProgram : public testing::Test
+{
+protected:
+    struct Ended
+    {
+        int nExitCode;
+        std::string strOutput;
+        std::string strError;
+    };
+
+    static Ended Run(std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin(), SESSION_PROGRAM);
+        Tarvane::CChildProcess child(arguments);
+        const int nExitCode = child.WaitForEnd(std::chrono::seconds(100)).value_or(-1);
+        return {nExitCode, child.Output(), child.ErrorOutput()};
+    }
+
+    void SetUp() override
+    {
+        CParameterBlock nested;
+        nested.AddParameter("Gain", 0.5F);
+        nested.AddParameter("Name", "a\nb");
+        m_root.AddParameter("Region", &nested);
+        m_root.AddParameter("Region", &nested);
+        m_root.AddParameter("Mod", 7);
+        m_strFile = Write("good.session", SaveSession(m_root));
+    }
+
+    std::string Write(const std::string& strName, const std::string& strBytes)
+    {
+        const std::string strPath = (m_folder / strName).string();
+        std::ofstream(strPath, std::ios::binary) << strBytes;
+        return strPath;
+    }
+    static std::string Read(const std::string& strPath)
+    {
+        std::ifstream file(strPath, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    TarvaneTest::CTemporaryFolder m_folder;
+    CParameterBlock m_root;
+    std::string m_strFile;
+};
+
+} // namespace
+
+TEST_F(SessionProgram, DumpPrintsTheTree)
+{
+    const Ended ended = Run({"dump", m_strFile});
+    EXPECT_EQ(ended.nExitCode, 0) << ended.strError;
+    EXPECT_EQ(ended.strOutput, "block  \"\" = 3 entries\n"
+                               "  block  \"Region\" = 2 entries\n"
+                               "    float  \"Gain\" = 0.5\n"
+                               "    string \"Name\" = \"a\\x0ab\"\n"
+                               "  block  \"Region\" = 2 entries\n"
+                               "    float  \"Gain\" = 0.5\n"
+                               "    string \"Name\" = \"a\\x0ab\"\n"
+                               "  int    \"Mod\" = 7\n");
+}
+
+TEST_F(SessionProgram, DumpTakesDepthAndPath)
+{
+    EXPECT_EQ(Run({"dump", "--depth", "0", m_strFile}).strOutput, "block  \"\" = 3 entries\n");
+    EXPECT_EQ(Run({"dump", "--path", "Region[1]/Gain", m_strFile}).strOutput,
+              "float  \"Gain\" = 0.5\n");
+    const Ended none = Run({"dump", "--path", "Region[2]", m_strFile});
+    EXPECT_EQ(none.nExitCode, 2);
+    EXPECT_THAT(none.strError, HasSubstr("nothing stands at Region[2]"));
+}
+
+TEST_F(SessionProgram, DumpOfABrokenFileShowsWhatThereIs)
+{
+    const std::string bytes = SaveSession(m_root);
+    const Ended ended = Run({"dump", Write("cut", bytes.substr(0, bytes.size() - 8))});
+    EXPECT_EQ(ended.nExitCode, 1);
+    EXPECT_THAT(ended.strOutput, HasSubstr("Region"));
+    EXPECT_THAT(ended.strError, HasSubstr("the file ends where a type tag is due"));
+}
+
+TEST_F(SessionProgram, DumpOfUnknownTypes)
+{
+    const std::string bytes = Bytes().Magic().U32(100).U32(0).U32(0).U8(0).U32(1).U32(77);
+    EXPECT_EQ(Run({"dump", Write("unknown", bytes)}).strOutput,
+              "block  \"\" = 1 entries\n  ?      an entry of unknown type\n");
+}
+
+TEST_F(SessionProgram, VerifyTellsFineFromFlawed)
+{
+    const Ended fine = Run({"verify", m_strFile});
+    EXPECT_EQ(fine.nExitCode, 0);
+    EXPECT_EQ(fine.strOutput, m_strFile + ": fine\n");
+
+    const std::string strCut = Write("cut", Read(m_strFile).substr(0, 70));
+    const Ended flawed = Run({"verify", strCut});
+    EXPECT_EQ(flawed.nExitCode, 1);
+    EXPECT_THAT(flawed.strOutput, HasSubstr(strCut + ": offset "));
+    EXPECT_EQ(Run({"verify", Write("empty", "")}).nExitCode, 1);
+}
+
+TEST_F(SessionProgram, StatCounts)
+{
+    const Ended ended = Run({"stat", m_strFile});
+    EXPECT_EQ(ended.nExitCode, 0);
+    EXPECT_THAT(ended.strOutput,
+                HasSubstr("bytes         " + std::to_string(Read(m_strFile).size())));
+    EXPECT_THAT(ended.strOutput, HasSubstr("deepest block Region\n"));
+    EXPECT_THAT(ended.strOutput, HasSubstr("block            3"));
+    EXPECT_THAT(ended.strOutput, HasSubstr("         4          1  \"Mod\"\n"));
+}
+
+TEST_F(SessionProgram, JsonThereAndBackIsTheSameFile)
+{
+    const std::string strJson = (m_folder / "tree.json").string();
+    const std::string strBack = (m_folder / "back.session").string();
+    ASSERT_EQ(Run({"to-json", m_strFile, strJson}).nExitCode, 0);
+    ASSERT_EQ(Run({"from-json", strJson, strBack}).nExitCode, 0);
+    EXPECT_EQ(Read(strBack), Read(m_strFile));
+    EXPECT_EQ(Run({"to-json", m_strFile}).strOutput, Read(strJson));
+    EXPECT_EQ(Run({"diff", m_strFile, strBack}).nExitCode, 0);
+}
+
+TEST_F(SessionProgram, NothingIsWrittenWhereSomethingIsRefused)
+{
+    const std::string strTarget = Write("target", "old");
+    const std::string strStart = R"({"format": "tarvane-session", "name": "", "parameters": [)";
+    const std::pair<std::string, std::string> refused[] = {
+        {R"({"name": "Id", "type": "fileid", "value": {"key": "1", "sub": "2"}}]})",
+         "file ids can be read but not written"},
+        {R"({"name": "", "type": "int", "value": 2}]})", "a session needs at least one name"},
+        {R"({"name": "A", "type": "int", "value": "two"}]})", "does not fit its type"},
+    };
+    for (const auto& [strEntries, strMessage] : refused)
+    {
+        const Ended ended = Run({"from-json", Write("json", strStart + strEntries), strTarget});
+        EXPECT_EQ(ended.nExitCode, 2);
+        EXPECT_THAT(ended.strError, HasSubstr(strMessage));
+        EXPECT_EQ(Read(strTarget), "old");
+    }
+    EXPECT_EQ(m_folder.Files(), (std::vector<std::string>{"good.session", "json", "target"}))
+        << "no temporary file is left";
+}
+
+TEST_F(SessionProgram, WhatCannotBeReadOrWrittenIsExitCode2)
+{
+    const std::string strNone = (m_folder / "none/file").string();
+    const std::string strFolder = m_folder.Path().string();
+    const std::string strText = Write("text", "some text");
+    for (const char* pCommand : {"dump", "stat", "verify", "to-json"})
+    {
+        EXPECT_EQ(Run({pCommand, strNone}).nExitCode, 2) << pCommand;
+        EXPECT_EQ(Run({pCommand, strFolder}).nExitCode, 2) << pCommand;
+    }
+    EXPECT_EQ(Run({"dump", strText}).nExitCode, 2);
+    EXPECT_THAT(Run({"dump", strText}).strError, HasSubstr("is no session: it does not begin"));
+    EXPECT_EQ(Run({"stat", strText}).nExitCode, 2);
+    EXPECT_EQ(Run({"diff", m_strFile, strText}).nExitCode, 2);
+    EXPECT_EQ(Run({"to-json", m_strFile, strNone}).nExitCode, 2);
+    EXPECT_EQ(Run({"from-json", strText, (m_folder / "new").string()}).nExitCode, 2);
+    EXPECT_EQ(Run({"dump", Write("empty", "")}).nExitCode, 2);
+    EXPECT_EQ(Run({}).nExitCode, 2);
+    EXPECT_EQ(Run({"dump"}).nExitCode, 2);
+    EXPECT_EQ(Run({"other"}).nExitCode, 2);
+    EXPECT_EQ(Run({"--help"}).nExitCode, 0);
+}
+
+TEST_F(SessionProgram, DiffTellsDifferences)
+{
+    m_root.AddParameter("More", true);
+    const Ended ended = Run({"diff", m_strFile, Write("more", SaveSession(m_root))});
+    EXPECT_EQ(ended.nExitCode, 1);
+    EXPECT_EQ(ended.strOutput, "+ More = bool true\n");
+}
+
+TEST_F(SessionProgram, LargeFilesAnnounceHowFarTheyAre)
+{
+    CParameterBlock nested, root;
+    const std::string text(1000000, 'x');
+    nested.AddParameter("Text", text.c_str());
+    for (int i = 0; i < 51; ++i)
+        root.AddParameter("B", &nested);
+    const Ended ended = Run({"dump", "--depth", "0", Write("large", SaveSession(root))});
+    EXPECT_EQ(ended.nExitCode, 0);
+    for (const char* pStep : {" 50 % read", " 90 % read", " 100 % read"})
+        EXPECT_THAT(ended.strError, HasSubstr(pStep));
+    EXPECT_EQ(Run({"dump", m_strFile}).strError, "");
+}
