@@ -1,0 +1,164 @@
+#import "tests/TarvaneLinkAU/LinkViewFixture.h"
+
+#include <atomic>
+#include <latch>
+#include <thread>
+
+// Notifications on threads of the plug-in's own. These tests say as much under the thread
+// sanitizer as by what they expect.
+
+namespace
+{
+class NotificationThreads : public LinkViewFixture
+{
+  protected:
+    // Threads that raise what they are told, all at once and so many times each.
+    class CRaisers
+    {
+      public:
+        CRaisers(TarvaneTests::ScriptedAudioUnit& plugIn,
+                 std::initializer_list<AudioUnitPropertyID> ids, int nTimes)
+            : m_start(static_cast<std::ptrdiff_t>(ids.size()) + 1)
+        {
+            for (AudioUnitPropertyID nProperty : ids)
+            {
+                auto raise = [this, &plugIn, nProperty, nTimes]
+                {
+                    m_start.arrive_and_wait();
+                    for (int n = 0; n < nTimes; ++n)
+                        plugIn.Raise(nProperty);
+                    ++m_nDone;
+                };
+                m_threads.emplace_back(raise);
+            }
+            m_start.arrive_and_wait();
+        }
+        ~CRaisers()
+        {
+            for (std::thread& thread : m_threads)
+                thread.join();
+        }
+        bool Done() const { return m_nDone == static_cast<int>(m_threads.size()); }
+
+      private:
+        std::latch m_start;
+        std::atomic<int> m_nDone{0};
+        std::vector<std::thread> m_threads;
+    };
+
+    int ProgressReads() { return CountOf("Get", kTNProperty_CurrentCaptureLength); }
+};
+
+TEST_F(NotificationThreads, StormOfFourThreadsLeavesOneUpdateWaiting)
+{
+    Attach();
+    {
+        CRaisers raisers(m_plugIn,
+                         {kTNProperty_CurrentCaptureLength, kTNProperty_CurrentCaptureLength,
+                          kTNProperty_CurrentCaptureLength, kTNProperty_CurrentCaptureLength},
+                         5000);
+    }
+    RunQueuedCalls();
+    EXPECT_EQ(ProgressReads(), 1);
+}
+
+TEST_F(NotificationThreads, MainThreadGetsThroughItsQueueDuringAStorm)
+{
+    Attach();
+    int nTurns = 0;
+    {
+        CRaisers raisers(
+            m_plugIn, {kTNProperty_CurrentCaptureLength, kTNProperty_CurrentCaptureLength}, 5000);
+        while (!raisers.Done())
+        {
+            // Ends only if nothing piles up in front of it.
+            RunQueuedCalls();
+            ++nTurns;
+        }
+    }
+    EXPECT_GT(nTurns, 0);
+    m_plugIn.ForgetRecords();
+    RunQueuedCalls();
+    EXPECT_LE(ProgressReads(), 1);
+    // And the display has not been lost on the way.
+    m_plugIn.ForgetRecords();
+    for (int n = 0; n < 21; ++n)
+        m_plugIn.Raise(kTNProperty_CurrentCaptureLength);
+    RunQueuedCalls();
+    EXPECT_EQ(ProgressReads(), 1);
+}
+
+TEST_F(NotificationThreads, FourThreadsRaiseBothProgressIdsTogether)
+{
+    Attach();
+    testing::internal::CaptureStderr();
+    {
+        CRaisers raisers(m_plugIn,
+                         {TNProperty_CurrentSampleInTimeLine, kTNProperty_CurrentCaptureLength,
+                          TNProperty_CurrentSampleInTimeLine, kTNProperty_CurrentCaptureLength},
+                         3000);
+        while (!raisers.Done())
+            RunQueuedCalls();
+    }
+    RunQueuedCalls();
+    // One that passes is the last: no handler ends it.
+    for (int n = 0; n < 100; ++n)
+        m_plugIn.Raise(TNProperty_CurrentSampleInTimeLine);
+    RunQueuedCalls();
+    const std::string strLog = testing::internal::GetCapturedStderr();
+    std::size_t nReports = 0;
+    for (std::size_t nAt = strLog.find("*** NSRunLoop ignoring exception");
+         nAt != std::string::npos; nAt = strLog.find("*** NSRunLoop ignoring exception", nAt + 1))
+        ++nReports;
+    EXPECT_EQ(nReports, 1u) << strLog;
+
+    PlayTracks({"Vox"}, 2);
+    [m_pView setAU:m_plugIn.Unit()];
+    m_plugIn.ForgetRecords();
+    m_plugIn.Raise(kTNProperty_CurrentCaptureLength);
+    RunQueuedCalls();
+    EXPECT_EQ(ProgressReads(), 1);
+}
+
+TEST_F(NotificationThreads, EveryCaptureAndEveryArmChangeGetsItsOwnCall)
+{
+    Attach();
+    m_plugIn.SetValue<std::int32_t>(TNProperty_NextElement, -1);
+    {
+        CRaisers raisers(m_plugIn,
+                         {TNProperty_Elements, TNProperty_ArmCapture, TNProperty_Elements,
+                          kTNProperty_CurrentCaptureLength},
+                         100);
+        while (!raisers.Done())
+            RunQueuedCalls();
+    }
+    RunQueuedCalls();
+    EXPECT_EQ(CountOf("Get", TNProperty_NextElement), 200);
+    EXPECT_EQ(CountOf("Get", TNProperty_ArmCapture), 100);
+}
+
+TEST_F(NotificationThreads, ViewsAreGivenUpWhileNotificationsComeIn)
+{
+    [m_pView release];
+    m_pView = nil;
+    m_plugIn.SetValue<std::int32_t>(TNProperty_NextElement, -1);
+    for (int nRound = 0; nRound < 100; ++nRound)
+    {
+        NSAutoreleasePool* pPool = [[NSAutoreleasePool alloc] init];
+        TestLinkView* pView = [[TestLinkView alloc] initWithFrame:NSMakeRect(0, 0, 300, 100)];
+        [pView setAU:m_plugIn.Unit()];
+        {
+            CRaisers raisers(
+                m_plugIn,
+                {TNProperty_Elements, TNProperty_ArmCapture, kTNProperty_CurrentCaptureLength}, 20);
+            if (nRound % 2 == 0)
+                RunQueuedCalls();
+            [pView release];
+        }
+        RunQueuedCalls();
+        [pPool drain];
+        ASSERT_EQ([TestLinkView liveViews], 0) << "round " << nRound;
+        ASSERT_EQ(m_plugIn.ListenerCount(), 0u);
+    }
+}
+} // namespace
