@@ -43,12 +43,28 @@ pthread_t g_mainThread;
 
 bool IsMainThread() { return pthread_equal(pthread_self(), g_mainThread); }
 
+void Forget(id menu)
+{
+    std::erase_if(Entries(), [menu](const Entry& entry) { return entry.menu == menu; });
+}
+
+std::vector<NSMenu*> MenusOf(id delegate)
+{
+    std::vector<NSMenu*> menus;
+    for (const Entry& entry : Entries())
+    {
+        if (entry.delegate == delegate)
+            menus.push_back(entry.menu);
+    }
+    return menus;
+}
+
 void SetDelegate(id self, SEL selector, id delegate)
 {
     g_setDelegate(self, selector, delegate);
     if (!IsMainThread())
         return;
-    std::erase_if(Entries(), [self](const Entry& entry) { return entry.menu == self; });
+    Forget(self);
     if (delegate != nil)
         Entries().push_back({self, delegate});
 }
@@ -56,15 +72,11 @@ void SetDelegate(id self, SEL selector, id delegate)
 // -[NSObject dealloc], the last that every object runs.
 void Dealloc(id self, SEL selector)
 {
-    if (IsMainThread())
+    if (IsMainThread() && !Entries().empty())
     {
-        std::erase_if(Entries(),
-                      [self](const Entry& entry)
-                      {
-                          if (entry.delegate == self)
-                              g_setDelegate(entry.menu, @selector(setDelegate:), nil);
-                          return entry.delegate == self || entry.menu == self;
-                      });
+        Forget(self);
+        for (NSMenu* menu : MenusOf(self))
+            [menu setDelegate:nil];
     }
     g_dealloc(self, selector);
 }
