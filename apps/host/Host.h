@@ -37,11 +37,12 @@ class CHost : private ILineListener
     int Run();
 
   private:
-    class CSignalListener : public ILineListener
+    // Hears of signals, and of the end.
+    class CWakeListener : public ILineListener
     {
       public:
-        explicit CSignalListener(CHost& host) : m_host(host) {}
-        void LineArrived(const std::string&) override { m_host.End(kExitFailed); }
+        explicit CWakeListener(CHost& host) : m_host(host) {}
+        void LineArrived(const std::string& strLine) override;
         void LinesEnded() override {}
 
       private:
@@ -50,7 +51,7 @@ class CHost : private ILineListener
 
     void OpenLog();
     void WatchWindow();
-    void WatchSignals();
+    void WatchWakePipe();
 
     void Guarded(const std::function<void()>& fnWork);
     std::function<void()> OnMain(std::function<void()> fnWork);
@@ -88,8 +89,8 @@ class CHost : private ILineListener
     CPlugIn m_plugIn; // outlives the view
     std::unique_ptr<CLinkView> m_pView;
     LineSource* m_commands = nullptr;
-    LineSource* m_signals = nullptr;
-    CSignalListener m_signalListener{*this};
+    LineSource* m_wakes = nullptr;
+    CWakeListener m_wakeListener{*this};
     MainThreadCall* m_windowClosed = nullptr;
     id m_ackTimer = nullptr; // NSTimer, owned by the run loop
 

@@ -23,14 +23,16 @@ namespace
 constexpr const char* kResultsName = "captures.json";
 constexpr const char* kPictureName = "link-view.png";
 
-// Lives as long as the process: a signal may come at any time.
-CPipe& SignalPipe()
+constexpr const char* kSignalled = "signal";
+
+// Wakes the run loop. Lives as long as the process: a signal may come at any time.
+CPipe& WakePipe()
 {
     static CPipe* const pPipe = new CPipe;
     return *pPipe;
 }
 
-void NoteSignal(int) { (void)!::write(SignalPipe().WriteEnd(), "\n", 1); }
+void NoteSignal(int) { (void)!::write(WakePipe().WriteEnd(), "signal\n", 7); }
 
 // What has been handed to the main thread already, and what that hands over in turn.
 void RunWhatWaits()
@@ -65,13 +67,13 @@ CHost::CHost(const HostOptions& options, const HostPlan& plan)
     MakeCaptureFolder(m_plan.settings.captureFolder);
     WriteResults();
     WatchWindow();
-    WatchSignals();
+    WatchWakePipe();
 }
 
 CHost::~CHost()
 {
     [m_commands close];
-    [m_signals close];
+    [m_wakes close];
     [m_ackTimer invalidate];
     if (m_windowClosed != nil)
     {
@@ -84,7 +86,7 @@ CHost::~CHost()
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     m_pView.reset();
     [m_commands release];
-    [m_signals release];
+    [m_wakes release];
     [m_windowClosed release];
     [pool drain];
 }
@@ -127,10 +129,17 @@ void CHost::WatchWindow()
                                                object:m_pView->Window()];
 }
 
-void CHost::WatchSignals()
+void CHost::CWakeListener::LineArrived(const std::string& strLine)
 {
-    m_signals = [[LineSource alloc] initWithDescriptor:SignalPipe().ReadEnd()
-                                              listener:&m_signalListener];
+    if (strLine == kSignalled)
+    {
+        m_host.End(kExitFailed);
+    }
+}
+
+void CHost::WatchWakePipe()
+{
+    m_wakes = [[LineSource alloc] initWithDescriptor:WakePipe().ReadEnd() listener:&m_wakeListener];
     std::signal(SIGTERM, &NoteSignal);
     std::signal(SIGINT, &NoteSignal);
 }
@@ -166,7 +175,8 @@ void CHost::End(int nExitCode)
 {
     m_nExitCode = nExitCode;
     [NSApp stop:nil];
-    // The application looks at its stop only after an event.
+    // The application looks at its stop only after an event, and at an event that was posted only
+    // when something from outside has woken its run loop.
     NSEvent* event = [NSEvent otherEventWithType:NSApplicationDefined
                                         location:NSZeroPoint
                                    modifierFlags:0
@@ -176,7 +186,8 @@ void CHost::End(int nExitCode)
                                          subtype:0
                                            data1:0
                                            data2:0];
-    [NSApp postEvent:event atStart:YES];
+    [NSApp postEvent:event atStart:NO];
+    (void)!::write(WakePipe().WriteEnd(), "\n", 1);
 }
 
 void CHost::Start()

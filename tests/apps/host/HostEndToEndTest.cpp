@@ -211,7 +211,7 @@ TEST_F(EndToEnd, AHostThatIsEndedDuringACaptureLeavesNoFile)
     while (host.Ask("state", kLong)["message"] == "")
     {
     }
-    EXPECT_EQ(folder.Files().front().find("captures/.capture-"), 0U);
+    EXPECT_FALSE(std::filesystem::is_empty(folder / "captures"));
     host.Process().Terminate();
     EXPECT_EQ(host.Process().WaitForEnd(kLong), 1) << host.Process().ErrorOutput();
     EXPECT_TRUE(std::filesystem::is_empty(folder / "captures"));
