@@ -1,0 +1,72 @@
+#include "apps/palette/Options.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+using Tarvane::PaletteOptions;
+using testing::HasSubstr;
+
+namespace
+{
+
+class PaletteCommandLine : public testing::Test
+{
+protected:
+    PaletteCommandLine() : m_app("", "tarvane-palette")
+    {
+        Tarvane::AddCommonOptions(m_app, "a file could not be written");
+        Tarvane::DeclareOptions(m_app, m_options);
+    }
+
+    void Parse(const std::string& strLine) { m_app.parse(strLine); }
+
+    CLI::App m_app;
+    PaletteOptions m_options;
+};
+
+} // namespace
+
+TEST_F(PaletteCommandLine, TakesEachOption)
+{
+    Parse("--load a --store b --dump c --save d");
+    EXPECT_EQ(m_options.strLoad, "a");
+    EXPECT_EQ(m_options.strStore, "b");
+    EXPECT_EQ(m_options.strDump, "c");
+    EXPECT_EQ(m_options.strSave, "d");
+}
+
+TEST_F(PaletteCommandLine, RefusesWordsAndEmptyTexts)
+{
+    EXPECT_THROW(Parse("sheet.png"), CLI::ParseError);
+    EXPECT_THROW(Parse("--save \"\""), CLI::ParseError);
+    EXPECT_THROW(Parse("--load"), CLI::ParseError);
+}
+
+TEST_F(PaletteCommandLine, AWindowIsForWhenNothingElseWasAskedFor)
+{
+    EXPECT_TRUE(Tarvane::WantsWindow({}));
+    EXPECT_TRUE(Tarvane::WantsWindow({"file", "", "", ""}));
+    EXPECT_FALSE(Tarvane::WantsWindow({"", "file", "", ""}));
+    EXPECT_FALSE(Tarvane::WantsWindow({"", "", "312", ""}));
+    EXPECT_FALSE(Tarvane::WantsWindow({"", "", "", "file"}));
+}
+
+TEST_F(PaletteCommandLine, ManualPageHasEveryOption)
+{
+    std::ostringstream text;
+    text << std::ifstream(PALETTE_MANUAL).rdbuf();
+    for (const CLI::Option* pOption : m_app.get_options())
+    {
+        std::string strName = pOption->get_lnames().at(0);
+        EXPECT_THAT(text.str(), HasSubstr("\\-\\-" + strName));
+        if (!pOption->get_type_name().empty())
+        {
+            EXPECT_THAT(text.str(), HasSubstr(".BI \\-\\-" + strName + " \" " +
+                                              pOption->get_type_name() + "\""));
+        }
+    }
+    EXPECT_EQ(m_app.get_options().size(), 6u);
+}

@@ -1,0 +1,141 @@
+#import "apps/palette/Sheet.h"
+
+#include "tests/apps/palette/PaletteFixture.h"
+
+#import "controls/TKToggleSwitch.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+#include <set>
+#include <vector>
+
+using testing::Contains;
+using testing::Each;
+using testing::IsSupersetOf;
+using testing::Not;
+
+namespace
+{
+
+class Sheet : public TarvaneTest::PaletteTest
+{
+  protected:
+    static void Walk(NSView* view, const std::function<void(NSView*)>& fnVisit)
+    {
+        fnVisit(view);
+        for (NSUInteger n = 0; n < [[view subviews] count]; ++n)
+        {
+            Walk([[view subviews] objectAtIndex:n], fnVisit);
+        }
+    }
+
+    static std::vector<std::string> Words(NSView* sheet)
+    {
+        std::vector<std::string> words;
+        Walk(sheet,
+             [&](NSView* view)
+             {
+                 if ([view isKindOfClass:[NSTextField class]])
+                 {
+                     words.push_back([[(NSTextField*)view stringValue] UTF8String]);
+                 }
+             });
+        return words;
+    }
+
+    static int Count(NSView* sheet, NSString* strClass)
+    {
+        int nViews = 0;
+        Walk(sheet, [&](NSView* view)
+             { nViews += [NSStringFromClass([view class]) isEqualToString:strClass]; });
+        return nViews;
+    }
+};
+
+} // namespace
+
+TEST_F(Sheet, HasEveryEntryWithNameCodeAndStops)
+{
+    const std::vector<std::string> words = Words(Tarvane::MakeSheet());
+    for (const auto& [nKey, pEntry] : gAppColours.m_Map)
+    {
+        EXPECT_THAT(words, Contains(pEntry->m_strName));
+    }
+    EXPECT_THAT(words, IsSupersetOf({"ccLabelText   0:308", "flat  #B2B2B2",
+                                     "ccTransportBtnBorderUp   0:321", "0 #525252   0.9954 #7B7B7B",
+                                     "0.8073 #575757 82%   1 #444444"}));
+}
+
+TEST_F(Sheet, HasBothFillsOfEachEntryInFourDirections)
+{
+    EXPECT_EQ(Count(Tarvane::MakeSheet(), @"Swatch"), 12 * 2 * 4);
+}
+
+TEST_F(Sheet, HasEveryControlInAllItsLooks)
+{
+    NSView* sheet = Tarvane::MakeSheet();
+    EXPECT_EQ(Count(sheet, @"ToggleSpecimen"), 3 * 4);
+    EXPECT_EQ(Count(sheet, @"CellSpecimen"), 2 * 2 * 3 * 3);
+    EXPECT_EQ(Count(sheet, @"ColoredTextField"), 2);
+    EXPECT_EQ(Count(sheet, @"TKToggleSwitch"), 1);
+}
+
+TEST_F(Sheet, CutsLongListsAndSaysHowManyAreLeft)
+{
+    gAppColours.Add(MakeGradient(CComponentCode(0, 400), "Long", 5));
+    gAppColours.Add(MakeGradient(CComponentCode(0, 401), "None", 0));
+    EXPECT_THAT(Words(Tarvane::MakeSheet()),
+                IsSupersetOf({"0 #000000   0.1 #1A0000   0.2 #330000 and 2 more", "no stops"}));
+    for (int n = 0; n < 500; ++n)
+    {
+        gAppColours.Add(MakeFlat(CComponentCode(1, n), "Many", 1));
+    }
+    NSView* sheet = Tarvane::MakeSheet();
+    EXPECT_THAT(Words(sheet), Contains("and 114 more entries"));
+    EXPECT_LT(NSHeight([sheet frame]), 32767) << "an X window has no more";
+}
+
+TEST_F(Sheet, ShowsNamesThatAreNoText)
+{
+    gAppColours.Add(MakeFlat(CComponentCode(0, 400), "\xff\xfe", 1));
+    EXPECT_THAT(Words(Tarvane::MakeSheet()), Contains("(a text that is not UTF-8)"));
+}
+
+TEST_F(Sheet, TogglesOfTheLooksKeepStillAndTheLiveOneDoesNot)
+{
+    NSView* sheet = Tarvane::MakeSheet();
+    std::set<std::string> hit;
+    Walk(sheet,
+         [&](NSView* view)
+         {
+             if (![view isKindOfClass:[TKToggleSwitch class]])
+             {
+                 return;
+             }
+             const NSPoint middle = NSMakePoint(NSMidX([view bounds]), NSMidY([view bounds]));
+             NSView* found = [sheet hitTest:[view convertPoint:middle toView:sheet]];
+             if (found == view)
+             {
+                 hit.insert([NSStringFromClass([view class]) UTF8String]);
+             }
+         });
+    EXPECT_EQ(hit, std::set<std::string>{"TKToggleSwitch"});
+}
+
+TEST_F(Sheet, NothingOverlapsAndNothingStandsOutside)
+{
+    NSView* sheet = Tarvane::MakeSheet();
+    NSArray* groups = [sheet subviews];
+    for (NSUInteger i = 0; i < [groups count]; ++i)
+    {
+        const NSRect frame = [[groups objectAtIndex:i] frame];
+        EXPECT_TRUE(NSContainsRect([sheet bounds], frame));
+        for (NSUInteger j = 0; j < i; ++j)
+        {
+            const NSRect other = [[groups objectAtIndex:j] frame];
+            EXPECT_TRUE(NSIsEmptyRect(NSIntersectionRect(frame, other)))
+                << [NSStringFromRect(frame) UTF8String] << [NSStringFromRect(other) UTF8String];
+        }
+    }
+}
