@@ -1,0 +1,149 @@
+#include "tests/apps/host/EndToEndFixture.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+
+using namespace Tarvane;
+using namespace TarvaneTest;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+namespace fs = std::filesystem;
+
+namespace
+{
+
+// The demonstration brings a server of its own; the fixture's is for getting in its way.
+class Demo : public EndToEnd
+{
+protected:
+    std::vector<std::string> Command(std::vector<std::string> options) const
+    {
+        options.insert(options.begin(), {DEMO_PROGRAM, "--speed", "max", "--out", folder / "out"});
+        return options;
+    }
+    ProcessOutcome RunDemo(std::vector<std::string> options) const
+    {
+        options.push_back("--headless");
+        return RunToEnd(Command(options));
+    }
+    // A server of a name that nobody holds any more can start.
+    void ExpectNoServerLeft()
+    {
+        StartServer();
+        KillServer();
+    }
+};
+
+} // namespace
+
+TEST_F(Demo, TakesTwoRecordingsToTheSessionAndKnowsTheFirstAgain)
+{
+    const ProcessOutcome outcome = RunDemo({});
+    EXPECT_EQ(outcome.nCode, 0) << outcome.strError;
+    EXPECT_THAT(outcome.strOutput,
+                AllOf(HasSubstr("Capture 1: Front_Center.wav\n  captured     1.428 s, 68545 "
+                                "samples at 48000 Hz\n  track        Dialogue\n"),
+                      HasSubstr("  position     164545, 0:00:03.428\n  acknowledged delivered\n"),
+                      HasSubstr("Capture 3: Front_Center.wav, once more\n"),
+                      HasSubstr("acknowledged duplicate: \"Same audio captured previously.\" "
+                                "\"This capture has been cancelled\"\n"),
+                      HasSubstr("holds exactly these 2 regions")));
+    EXPECT_THAT(FileText(folder / "out/session.txt"),
+                AllOf(HasSubstr("Front_Center-001.wav"), HasSubstr("Front_Left-001.wav"),
+                      HasSubstr("0:00:03.428")));
+    EXPECT_THAT(FileText(folder / "out/link-view.png"), StartsWith("\x89PNG"));
+    EXPECT_THAT(FileText(folder / "out/plug-in.log"), HasSubstr("64008 TNProperty_ElementDone"));
+    ExpectNoServerLeft();
+}
+
+TEST_F(Demo, FilesOnTheCommandLineTakeTheirPlace)
+{
+    const ProcessOutcome outcome = RunDemo({One(), Two(), One()});
+    // The same recording at another place is no duplicate; at its own it is.
+    EXPECT_EQ(outcome.nCode, 0) << outcome.strOutput << outcome.strError;
+    EXPECT_THAT(outcome.strOutput,
+                AllOf(HasSubstr("Capture 4: one.wav, once more"), HasSubstr("track        Foley"),
+                      HasSubstr("holds exactly these 3 regions")));
+}
+
+TEST_F(Demo, ASecondRunReplacesTheFirstAndNothingElse)
+{
+    EXPECT_EQ(RunDemo({One()}).nCode, 0);
+    std::ofstream(folder / "out/notes.txt") << "mine";
+    const auto before = fs::last_write_time(folder / "out/session.tarvane");
+    EXPECT_EQ(RunDemo({Two()}).nCode, 0);
+    EXPECT_NE(fs::last_write_time(folder / "out/session.tarvane"), before);
+    EXPECT_EQ(FileText(folder / "out/notes.txt"), "mine");
+    EXPECT_THAT(FileText(folder / "out/session.txt"), testing::Not(HasSubstr("one-001.wav")));
+    EXPECT_FALSE(fs::exists(folder / "out/captures/one-001.wav"));
+    EXPECT_TRUE(fs::exists(folder / "out/captures/two-001.wav"));
+}
+
+TEST_F(Demo, AFileOfSomebodyElseInTheWayIsRefusedAndKept)
+{
+    fs::create_directory(folder / "out");
+    std::ofstream(folder / "out/session.txt") << "mine";
+    const ProcessOutcome outcome = RunDemo({One()});
+    EXPECT_EQ(outcome.nCode, 2);
+    EXPECT_THAT(outcome.strError, HasSubstr("is not one of our results"));
+    EXPECT_EQ(FileText(folder / "out/session.txt"), "mine");
+}
+
+TEST_F(Demo, AMissingRecordingIsWrongUseAndStartsNothing)
+{
+    const ProcessOutcome outcome = RunDemo({"/nowhere.wav"});
+    EXPECT_EQ(outcome.nCode, 2);
+    EXPECT_EQ(outcome.strError,
+              "tarvane-demo: there is no file /nowhere.wav - name a sound file.\n");
+    EXPECT_FALSE(fs::exists(folder / "out"));
+}
+
+TEST_F(Demo, AServerThatRunsAlreadyIsSaidAndLeftAlone)
+{
+    StartServer();
+    const ProcessOutcome outcome = RunDemo({One()});
+    EXPECT_EQ(outcome.nCode, 1);
+    EXPECT_THAT(outcome.strError, StartsWith("tarvane-demo: the server did not start: "));
+    EXPECT_TRUE(server->IsRunning());
+}
+
+TEST_F(Demo, WithAWindowItStaysUntilItIsEndedAndEndsItsChildren)
+{
+    CChildProcess demo(Command({One()}));
+    ASSERT_TRUE(demo.WaitForLine("The window stays open", kLong)) << demo.ErrorOutput();
+    EXPECT_TRUE(demo.IsRunning());
+    demo.Terminate();
+    EXPECT_EQ(demo.WaitForEnd(kLong), 0);
+    ExpectNoServerLeft();
+}
+
+TEST_F(Demo, EndedInTheMiddleItEndsItsChildren)
+{
+    WriteSound(folder / "long.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000 * 600);
+    CChildProcess demo({DEMO_PROGRAM, "--headless", "--out", folder / "out", folder / "long.wav"});
+    ASSERT_TRUE(demo.WaitForLine("the link view is open", kLong)) << demo.ErrorOutput();
+    demo.Terminate();
+    EXPECT_EQ(demo.WaitForEnd(kLong), 1);
+    ExpectNoServerLeft();
+}
+
+TEST_F(Demo, KilledItTakesItsChildrenWithIt)
+{
+    CChildProcess demo(Command({One()}));
+    ASSERT_TRUE(demo.WaitForLine("The window stays open", kLong)) << demo.ErrorOutput();
+    demo.Kill();
+    EXPECT_EQ(demo.WaitForEnd(kLong), 128 + SIGKILL);
+    // The children's end follows; the bus gives the name away when the server's has come.
+    for (int nTry = 0; nTry < 100; ++nTry)
+    {
+        server.emplace(std::vector<std::string>{SERVER_PROGRAM});
+        if (server->WaitForLine("ready", kLong))
+        {
+            return;
+        }
+    }
+    FAIL() << "the demonstration's server still holds the name";
+}
