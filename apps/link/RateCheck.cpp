@@ -67,7 +67,8 @@ Finding CheckRates(const CExaminer& examiner)
         return NoReplyFinding(szCheck, reply);
     const long nServer = LongFromText(reply.strPrinted.c_str());
     if (nServer <= 0)
-        return {szCheck, Verdict::Unknown, "the server does not tell the rate that it works at"};
+        return {szCheck, Verdict::Unknown, "the server does not tell the rate that it works at",
+                "A server tells it by GetSampleRate, some only once a track has audio."};
     const std::optional<long> host = HostRate(examiner.GetOptions());
     if (!host)
         return {szCheck, Verdict::Unknown,

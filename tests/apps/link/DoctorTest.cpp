@@ -296,6 +296,13 @@ TEST_F(DoctorTest, NoDocumentIsAProblem)
     ExpectFinding(ran, "document", "problem", "no document");
 }
 
+TEST_F(DoctorTest, AWarningDoesNotHideAProblem)
+{
+    Answer("local nothing", "ok\n");
+    Answer("print(GetTrackCount())", "");
+    EXPECT_EQ(Examine().nExitCode, 1);
+}
+
 TEST_F(DoctorTest, NoTrackIsAProblem)
 {
     Answer("print(GetTrackCount())", "0\n");

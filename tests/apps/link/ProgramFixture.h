@@ -3,6 +3,7 @@
 
 #include "apps/support/ChildProcess.h"
 #include "tests/apps/link/ScriptedServer.h"
+#include "tests/apps/support/SoundFixture.h"
 #include "tests/apps/support/TemporaryFolder.h"
 #include "tests/support/PrivateBus.h"
 
@@ -72,6 +73,45 @@ private:
         EXPECT_TRUE(server->WaitForLine("ready", kAnyTime)) << server->ErrorOutput();
         return server;
     }
+};
+
+// The real server with two tracks and a session that can be looked into, and a take to send.
+class RealServerTest : public ProgramTest
+{
+protected:
+    static constexpr int kScriptDocument = 0;
+    static constexpr int kAudioSuiteDocument = 1;
+
+    RealServerTest()
+    {
+        WriteSound(m_strTake, SF_FORMAT_WAV | SF_FORMAT_PCM_24, 4800);
+        m_server = StartServer({"--session", m_strSession, "--track", "Vox", "--track",
+                                "V\xC3\xB6x \xE5\xA3\xB0", "--link-offset", "1.25"});
+    }
+
+    void SendTake(int nTrack, const std::string& strPosition, const std::string& strFlag = "--json")
+    {
+        EXPECT_EQ(RunLink({strFlag, "send", m_strTake, "--track", std::to_string(nTrack),
+                           "--position", strPosition})
+                      .nExitCode,
+                  0);
+    }
+
+    nlohmann::json Session() const
+    {
+        Tarvane::CChildProcess listing({SERVER_PROGRAM, "--list-session", m_strSession, "--json"});
+        EXPECT_EQ(listing.WaitForEnd(kAnyTime), 0) << listing.ErrorOutput();
+        return nlohmann::json::parse(listing.Output());
+    }
+
+    nlohmann::json Track(int nTrack, int nDocument = kScriptDocument) const
+    {
+        return Session()["documents"][nDocument]["tracks"][nTrack];
+    }
+
+    const std::string m_strSession = (m_folder / "session").string();
+    const std::string m_strTake = (m_folder / "take 1.wav").string();
+    Child m_server;
 };
 
 } // namespace TarvaneTest

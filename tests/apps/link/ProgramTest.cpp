@@ -1,40 +1,11 @@
 // Command line to session, with the real server.
 
 #include "tests/apps/link/ProgramFixture.h"
-#include "tests/apps/support/SoundFixture.h"
 
 using namespace TarvaneTest;
-using testing::AllOf;
 using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-namespace
-{
-
-class RealServerTest : public ProgramTest
-{
-protected:
-    RealServerTest()
-    {
-        WriteSound(m_strTake, SF_FORMAT_WAV | SF_FORMAT_PCM_24, 4800);
-        m_server = StartServer({"--session", m_strSession, "--track", "Vox", "--track",
-                                "V\xC3\xB6x \xE5\xA3\xB0", "--link-offset", "1.25"});
-    }
-
-    nlohmann::json Session() const
-    {
-        Tarvane::CChildProcess listing({SERVER_PROGRAM, "--list-session", m_strSession, "--json"});
-        EXPECT_EQ(listing.WaitForEnd(kAnyTime), 0) << listing.ErrorOutput();
-        return nlohmann::json::parse(listing.Output());
-    }
-
-    const std::string m_strSession = (m_folder / "session").string();
-    const std::string m_strTake = (m_folder / "take 1.wav").string();
-    Child m_server;
-};
-
-} // namespace
 
 TEST_F(RealServerTest, ListsTracks)
 {
@@ -48,8 +19,35 @@ TEST_F(RealServerTest, SendsAFileToTheSession)
 {
     const Ended sent = RunLink({"send", m_strTake, "--track", "1", "--position", "48000"});
     EXPECT_EQ(sent.nExitCode, 0) << sent.strError;
-    const std::string strSession = Session().dump();
-    EXPECT_THAT(strSession, AllOf(HasSubstr(m_strTake), HasSubstr("48000"), HasSubstr("4800")));
+    const auto regions = Track(1)["regions"];
+    ASSERT_EQ(regions.size(), 1U);
+    EXPECT_EQ(regions[0]["file"], m_strTake);
+    EXPECT_EQ(regions[0]["start"], 0);
+    EXPECT_EQ(regions[0]["end"], 4800);
+    EXPECT_EQ(regions[0]["position"], 48000);
+    EXPECT_EQ(regions[0]["channels"], nlohmann::json::array());
+    EXPECT_EQ(Track(0)["regions"].size(), 0U);
+}
+
+TEST_F(RealServerTest, SendsAnIndexListAndAStretch)
+{
+    const Ended sent = RunLink({"send", m_strTake, "--track", "0", "--position", "-5", "--start",
+                                "10", "--end", "20", "--index-mask", "1"});
+    EXPECT_EQ(sent.nExitCode, 0) << sent.strError;
+    const auto region = Track(0)["regions"][0];
+    EXPECT_EQ(region["start"], 10);
+    EXPECT_EQ(region["end"], 20);
+    EXPECT_EQ(region["position"], -5);
+    EXPECT_EQ(region["channels"], nlohmann::json::array({0}));
+}
+
+TEST_F(RealServerTest, AudioSuiteSendsToTheOtherDocument)
+{
+    EXPECT_EQ(
+        RunLink({"--audio-suite", "send", m_strTake, "--track", "0", "--position", "0"}).nExitCode,
+        0);
+    EXPECT_EQ(Track(0)["regions"].size(), 0U);
+    EXPECT_EQ(Track(0, kAudioSuiteDocument)["regions"].size(), 1U);
 }
 
 TEST_F(RealServerTest, FindsADuplicateOfWhatWasSent)
@@ -141,20 +139,86 @@ TEST_F(RealServerTest, TraceShowsEveryEventOutAndIn)
                               "    V\xC3\xB6x\n$"));
 }
 
+TEST_F(RealServerTest, ExportsTheSelectedRegion)
+{
+    const Ended none = RunLink({"export"});
+    EXPECT_EQ(none.nExitCode, 1);
+    EXPECT_EQ(none.strError, "No Tarvane region is selected\n");
+
+    SendTake(0, "0");
+    const Ended ended = RunLink({"export", "--json"});
+    EXPECT_EQ(ended.nExitCode, 0) << ended.strError;
+    EXPECT_EQ(ReadSound(ended.Json()["file"].get<std::string>()).samples,
+              ReadSound(m_strTake).samples);
+}
+
+TEST_F(RealServerTest, RendersTheSelectedRegion)
+{
+    SendTake(0, "48000");
+    EXPECT_EQ(RunLink({"render", "--rate", "48000"}).strOutput,
+              "Start: 48000 End: 52800 Sample Rate: 48000\n");
+    const Ended ended = RunLink({"render", "--rate", "44100"});
+    EXPECT_EQ(ended.nExitCode, 0);
+    EXPECT_EQ(ended.strError,
+              "Warning - Session Sample Rate is: 44100 Tarvane Sample rate is: 48000\n");
+    EXPECT_NE(Track(0)["regions"][0]["file"], m_strTake);
+}
+
+TEST_F(RealServerTest, AlignsADubWithItsGuideAndExportsTheLastProcess)
+{
+    for (const char* szFlag : {"--json", "--audio-suite"})
+    {
+        SendTake(0, "48000", szFlag);
+        const Ended ended =
+            RunLink({szFlag, "align", "--guide-track", "1", "--guide-start", "96000", "--guide-end",
+                     "96010", "--dub-track", "0", "--dub-start", "48000", "--dub-end", "48100",
+                     "--aligned-track", "1"});
+        EXPECT_EQ(ended.nExitCode, 0) << ended.strError;
+    }
+    const auto aligned = Track(1)["regions"][0];
+    EXPECT_EQ(aligned["timelineStart"], 96000);
+    EXPECT_EQ(aligned["end"], 100);
+    EXPECT_EQ(RunLink({"--audio-suite", "render"}).strOutput,
+              "Start: 96000 End: 96100 Sample Rate: 48000\n");
+    EXPECT_EQ(RunLink({"--audio-suite", "export"}).nExitCode, 0);
+}
+
+TEST_F(RealServerTest, WithoutAProcessThereIsNothingToExport)
+{
+    const Ended ended = RunLink({"--audio-suite", "export"});
+    EXPECT_EQ(ended.nExitCode, 1);
+    EXPECT_EQ(ended.strError, "No Tarvane Process exists\n");
+}
+
+TEST_F(RealServerTest, SpreadsAndClears)
+{
+    SendTake(0, "0");
+    const Ended spread = RunLink(
+        {"spread", "--track", "0", "--start", "100", "--end", "200", "--output-track", "1"});
+    EXPECT_EQ(spread.nExitCode, 0) << spread.strError;
+    EXPECT_EQ(Track(1)["regions"][0]["timelineStart"], 100);
+    EXPECT_EQ(Track(0)["markerAreas"].size(), 1U);
+
+    EXPECT_EQ(RunLink({"clear", "0"}).nExitCode, 0);
+    EXPECT_EQ(Track(0)["markerAreas"].size(), 0U);
+    EXPECT_EQ(Track(0)["regions"].size(), 0U);
+    EXPECT_EQ(Track(1)["regions"].size(), 1U);
+}
+
 TEST_F(RealServerTest, DoctorFindsTheServerWell)
 {
+    SendTake(0, "0");
+    const auto before = Session();
     const Ended ended = RunLink({"doctor", "--capture-folder", m_folder.Path().string(), "--json"});
     EXPECT_EQ(ended.nExitCode, 0) << ended.strOutput;
+    EXPECT_EQ(ended.Findings().size(), 9U);
     for (const auto& finding : ended.Findings())
     {
-        const std::string strCheck = finding["check"];
-        if (strCheck != "functions" && strCheck != "rates" && strCheck != "speed")
-        {
-            EXPECT_EQ(finding["verdict"], "ok") << finding;
-        }
+        // A busy machine may be slow.
+        EXPECT_TRUE(finding["verdict"] == "ok" || finding["check"] == "speed") << finding;
     }
     EXPECT_THAT(m_folder.Files(), testing::Not(testing::Contains(StartsWith("tarvane-link"))));
-    EXPECT_EQ(RunLink({"updates"}).strOutput, "0\n");
+    EXPECT_EQ(Session(), before);
 }
 
 TEST_F(ProgramTest, NoDocumentIsToldByTracksAndDoctor)
