@@ -1,10 +1,9 @@
 #include "utils/FileIO/FileExceptions.h"
 #include "utils/FileIO/FileIO.h"
 #include "utils/FileIO/FileName.h"
-#include "utils/NameCache.h"
+#include "utils/NameIndex.h"
 #include "utils/ParameterBlock.h"
-#include "utils/ParameterFormat.h"
-#include "utils/ParameterWalk.h"
+#include "utils/ParameterRecord.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -48,6 +47,81 @@ CParameterBlock::SessionNames AssignTokens(std::map<std::string, int>& map)
         map[name.first] = ++nToken;
     return names;
 }
+
+/// A save goes over the tree twice: first it counts the names and the bytes that do not depend on
+/// them, then it hands out the tokens and writes.
+class CSessionWriter
+{
+public:
+    explicit CSessionWriter(CParameterBlock& root) : m_root(root)
+    {
+        CountRecord(root);
+        WalkParameters(root,
+                       [this](const CParameter& parameter)
+                       {
+                           CountRecord(parameter);
+                           m_nSize += kSizeOfTag;
+                       });
+    }
+
+    bool HasNames() const { return !m_map.empty(); }
+
+    /// Turns the counts into tokens.
+    const CParameterBlock::SessionNames& OrderNames()
+    {
+        m_names = AssignTokens(m_map);
+        int nToken = 0;
+        for (const auto& name : m_names)
+            m_nSize += GetSizeOfToken(++nToken) * static_cast<unsigned long>(name.second);
+        return m_names;
+    }
+
+    unsigned long GetSizeOfBody() const { return m_nSize; }
+
+    void SetTokens()
+    {
+        SetToken(m_root);
+        WalkParameters(m_root, [this](CParameter& parameter) { SetToken(parameter); });
+    }
+
+    unsigned char* SetTokensAndSave(unsigned char* pDest)
+    {
+        SetToken(m_root);
+        pDest += m_root.SaveName(pDest);
+        pDest += SaveCount(pDest, m_root);
+        WalkParameters(m_root,
+                       [this, &pDest](CParameter& parameter)
+                       {
+                           SetToken(parameter);
+                           pDest = SaveRecord(pDest, parameter);
+                       });
+        return pDest;
+    }
+
+private:
+    void CountRecord(const CParameter& parameter)
+    {
+        m_nSize += GetSizeOfRecordPayload(parameter);
+        const CByteString& strName = parameter.m_strName;
+        if (strName.empty())
+            m_nSize += GetSizeOfToken(0);
+        else
+            ++*m_index.Get(strName, [&] { return &m_map[strName.str()]; });
+    }
+
+    void SetToken(CParameter& parameter)
+    {
+        const CByteString& strName = parameter.m_strName;
+        parameter.m_nToken =
+            strName.empty() ? 0 : *m_index.Get(strName, [&] { return &m_map[strName.str()]; });
+    }
+
+    CParameterBlock& m_root;
+    std::map<std::string, int> m_map;
+    CNameIndex m_index;
+    CParameterBlock::SessionNames m_names;
+    unsigned long m_nSize = 0;
+};
 } // namespace
 
 bool CParameterBlock::IntCmp(const std::pair<std::string, int>& a,
@@ -58,25 +132,25 @@ bool CParameterBlock::IntCmp(const std::pair<std::string, int>& a,
 
 void CParameterBlock::TokenizeNames(std::map<std::string, int>& map) const
 {
-    CNameCache cache;
+    CNameIndex index;
     WalkParameters(*this,
                    [&](const CParameter& parameter)
                    {
                        const CByteString& strName = parameter.m_strName;
                        if (!strName.empty())
-                           ++*cache.Get(strName, [&] { return &map[strName.str()]; });
+                           ++*index.Get(strName, [&] { return &map[strName.str()]; });
                    });
 }
 
 void CParameterBlock::SetTokens(std::map<std::string, int>& map)
 {
-    CNameCache cache;
+    CNameIndex index;
     WalkParameters(*this,
                    [&](CParameter& parameter)
                    {
                        const CByteString& strName = parameter.m_strName;
                        const int* pToken =
-                           cache.Get(strName,
+                           index.Get(strName,
                                      [&]() -> int*
                                      {
                                          const auto it =
@@ -143,23 +217,22 @@ unsigned int CParameterBlock::LoadHeader(unsigned int nSize, std::vector<std::st
 
 unsigned long CParameterBlock::SaveBinarySessionToMemory(__CFData* pData)
 {
-    std::map<std::string, int> map;
-    AddNameToMap(map);
-    TokenizeNames(map);
-    if (map.empty())
+    CSessionWriter writer(*this);
+    if (!writer.HasNames())
         return 0;
-    const SessionNames names = AssignTokens(map);
-    UpdateTokenFromMap(map);
-    SetTokens(map);
-
+    const SessionNames& names = writer.OrderNames();
     const unsigned long nHeader = GetSizeOfHeader(&names);
-    const unsigned long nBody = GetSize();
-    CFDataSetLength(pData, static_cast<CFIndex>(nHeader + nBody + kSpareBytes));
+    const unsigned long nSize = nHeader + writer.GetSizeOfBody();
+    CFDataSetLength(pData, static_cast<CFIndex>(nSize + kSpareBytes));
     unsigned char* pDest = CFDataGetMutableBytePtr(pData);
     if (!pDest)
+    {
+        writer.SetTokens();
         return 0;
-    const unsigned long nSaved = SaveHeader(nHeader, &names, pDest);
-    return nSaved + Save(nBody, pDest + nSaved);
+    }
+    SaveHeader(nHeader, &names, pDest);
+    writer.SetTokensAndSave(pDest + nHeader);
+    return nSize;
 }
 
 int CParameterBlock::SaveBinarySession(CFileName* pFile)

@@ -93,11 +93,16 @@ public:
         return m_words[0] == other.m_words[0] && m_words[1] == other.m_words[1];
     }
 
-    /// Equal wherever HasSameBytes is true.
-    std::size_t QuickHash() const noexcept
+    /// Equal for equal strings, and quick: of a long one only size and ends count.
+    std::size_t Hash() const noexcept
     {
-        return static_cast<std::size_t>(((m_words[0] ^ (m_words[1] << 1)) * 0x9E3779B97F4A7C15u) >>
-                                        32);
+        if (!IsLong())
+            return Mix(m_words[0], m_words[1]);
+        const char* pText = GetText()->Bytes();
+        std::uint64_t words[2];
+        std::memcpy(&words[0], pText, sizeof words[0]);
+        std::memcpy(&words[1], pText + size() - sizeof words[1], sizeof words[1]);
+        return Mix(words[0] + size(), words[1]);
     }
 
 private:
@@ -115,6 +120,10 @@ private:
     unsigned char LastByte() const noexcept
     {
         return static_cast<unsigned char>(m_words[1] >> kLastByteShift);
+    }
+    static std::size_t Mix(std::uint64_t a, std::uint64_t b) noexcept
+    {
+        return static_cast<std::size_t>((a ^ std::rotl(b, 29)) * 0x9E3779B97F4A7C15u >> 32);
     }
     bool IsLong() const noexcept { return LastByte() == kLong; }
 

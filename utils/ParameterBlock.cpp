@@ -13,43 +13,52 @@ CParameterBlock* AsBlock(CParameter* pParameter)
                : nullptr;
 }
 
-/// Deletes a parameter with all that lies below it. It has to do without recursion and, since
+/// Deletes what holds nothing itself. The blocks stay, the last one first: they are then taken from
+/// the end of the list, so that memory is gone through in the order in which a load has laid it
+/// out.
+void DeleteValues(CParameterList& entries) noexcept
+{
+    std::size_t nBlocks = 0;
+    for (CParameter* pEntry : entries)
+    {
+        if (AsBlock(pEntry))
+            entries[nBlocks++] = pEntry;
+        else
+            delete pEntry;
+    }
+    entries.truncate(nBlocks);
+    std::reverse(entries.begin(), entries.end());
+}
+
+/// Deletes a block with all that lies below it. It has to do without recursion and, since
 /// destructors may not fail, without memory: a block that still has siblings takes their list,
 /// which has a place free since the block was taken off it, and waits for them at the far end of
-/// its own. Lists are reversed and taken from their end: memory is gone through fastest in the
-/// order in which a load has laid it out.
-void DeleteTree(CParameter* pTop) noexcept
+/// its own.
+void DeleteTree(CParameterBlock* pTop) noexcept
 {
-    CParameterList current;
+    CParameterList current; // Blocks alone.
     std::size_t nWaiting = 0;
-    CParameter* pNext = pTop;
-    for (;;)
+    for (CParameterBlock* pNext = pTop;;)
     {
-        CParameterBlock* pBlock = AsBlock(pNext);
-        if (!pBlock || pBlock->m_vParameters.empty())
-            delete pNext;
-        else if (current.empty() && nWaiting > 0)
+        const bool fHasWaited = current.empty() && nWaiting > 0;
+        if (!fHasWaited)
+            DeleteValues(pNext->m_vParameters);
+        if (!pNext->m_vParameters.empty())
+            current.swap(pNext->m_vParameters);
+        if (fHasWaited || pNext->m_vParameters.empty())
         {
-            --nWaiting;
-            current.swap(pBlock->m_vParameters);
-            delete pBlock;
+            nWaiting -= fHasWaited;
+            delete pNext;
         }
         else
         {
-            current.swap(pBlock->m_vParameters);
-            std::reverse(current.begin(), current.end());
-            if (pBlock->m_vParameters.empty())
-                delete pBlock;
-            else
-            {
-                ++nWaiting;
-                pBlock->m_vParameters.push_back(current.front());
-                current.front() = pBlock;
-            }
+            ++nWaiting;
+            pNext->m_vParameters.push_back(current.front());
+            current.front() = pNext;
         }
         if (current.empty())
             return;
-        pNext = current.back();
+        pNext = static_cast<CParameterBlock*>(current.back());
         current.pop_back();
     }
 }
@@ -122,9 +131,9 @@ CParameterBlock::~CParameterBlock()
 
 void CParameterBlock::Clear() noexcept
 {
-    for (CParameter* pEntry : m_vParameters)
-        DeleteTree(pEntry);
-    m_vParameters.clear();
+    DeleteValues(m_vParameters);
+    for (; !m_vParameters.empty(); m_vParameters.pop_back())
+        DeleteTree(static_cast<CParameterBlock*>(m_vParameters.back()));
 }
 
 CParameterBlock& CParameterBlock::operator=(CParameterBlock& other)

@@ -1,53 +1,25 @@
 #include "utils/ParameterBlock.h"
 #include "utils/ParameterBlockLoader.h"
-#include "utils/ParameterFormat.h"
-#include "utils/ParameterWalk.h"
-
-#include <algorithm>
+#include "utils/ParameterRecord.h"
 
 using namespace ParameterFormat;
 
 namespace
 {
-/// u32 count of parameters, then for each its u32 type tag and its flat form. A parameter that is a
-/// block brings the same again behind its name field.
+/// u32 count of parameters, then their records.
 unsigned long GetSizeOfContents(const CParameterBlock& block)
 {
     unsigned long nSize = kSizeOfCount;
     WalkParameters(block,
-                   [&nSize](const CParameter& parameter)
-                   {
-                       nSize += kSizeOfTag;
-                       nSize += IsBlock(parameter) ? parameter.GetSizeOfName() + kSizeOfCount
-                                                   : parameter.GetSize();
-                   });
+                   [&nSize](const CParameter& parameter) { nSize += GetSizeOfRecord(parameter); });
     return nSize;
-}
-
-unsigned long SaveCount(unsigned char* pDest, const CParameterBlock& block)
-{
-    const auto& entries = block.m_vParameters;
-    const auto nNulls = std::count(entries.begin(), entries.end(), nullptr);
-    return Write(pDest, static_cast<std::uint32_t>(entries.size() - nNulls));
 }
 
 unsigned long SaveContents(unsigned char* pDest, const CParameterBlock& block)
 {
-    unsigned char* pNext = pDest;
-    pNext += SaveCount(pNext, block);
+    unsigned char* pNext = pDest + SaveCount(pDest, block);
     WalkParameters(block,
-                   [&pNext](const CParameter& parameter)
-                   {
-                       pNext += Write(pNext, static_cast<std::uint32_t>(parameter.m_nType));
-                       if (IsBlock(parameter))
-                       {
-                           pNext += parameter.SaveName(pNext);
-                           pNext +=
-                               SaveCount(pNext, static_cast<const CParameterBlock&>(parameter));
-                       }
-                       else
-                           pNext += parameter.Save(0, pNext);
-                   });
+                   [&pNext](const CParameter& parameter) { pNext = SaveRecord(pNext, parameter); });
     return static_cast<unsigned long>(pNext - pDest);
 }
 } // namespace

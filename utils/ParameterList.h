@@ -48,6 +48,8 @@ public:
     iterator erase(iterator position) noexcept;
     /// The capacity stays.
     void clear() noexcept { m_nSize = 0; }
+    /// Keeps the first nSize entries, of at least as many.
+    void truncate(std::size_t nSize) noexcept { m_nSize = static_cast<std::uint32_t>(nSize); }
     /// From the slabs, if given and if it fits; otherwise from the heap, as all later growth.
     void reserve(std::size_t nCapacity, CParameterSlabs* pSlabs = nullptr);
     void swap(CParameterList& other) noexcept;

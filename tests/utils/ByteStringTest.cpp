@@ -42,7 +42,7 @@ TEST(ByteString, CopiesOfALongTextShareIt)
     const CByteString second(first);
     EXPECT_EQ(first.c_str(), second.c_str());
     EXPECT_TRUE(first.HasSameBytes(second));
-    EXPECT_EQ(first.QuickHash(), second.QuickHash());
+    EXPECT_EQ(first.Hash(), second.Hash());
 }
 
 TEST(ByteString, CopyOutlivesItsSource)
@@ -98,4 +98,14 @@ TEST(ByteString, ZeroBytesBelongToTheText)
     const std::string text("a\0b", 3);
     EXPECT_EQ(CByteString(text).str(), text);
     EXPECT_FALSE(CByteString(text) == "a");
+}
+
+TEST(ByteString, EqualTextsHashTheSame)
+{
+    for (std::size_t nLength = 0; nLength < 40; ++nLength)
+    {
+        const std::string text(nLength, 'x');
+        EXPECT_EQ(CByteString(text).Hash(), CByteString(text).Hash()) << nLength;
+    }
+    EXPECT_NE(CByteString("a").Hash(), CByteString("b").Hash());
 }
