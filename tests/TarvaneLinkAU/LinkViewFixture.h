@@ -21,6 +21,7 @@
 - (NSTextField*)errorLine;
 - (NSTextField*)adviceLine;
 - (TKToggleSwitch*)captureSwitch;
+- (void)setCaptureSwitch:(TKToggleSwitch*)pSwitch;
 - (NSPopUpButton*)trackButton;
 - (TarvaneLink_GestureSlider*)slider;
 - (CTarvaneScript*)script;

@@ -53,6 +53,11 @@ std::atomic<int> g_nLiveViews{0};
     return m_switchCapture;
 }
 
+- (void)setCaptureSwitch:(TKToggleSwitch*)pSwitch
+{
+    m_switchCapture = pSwitch;
+}
+
 - (NSPopUpButton*)trackButton
 {
     return m_btnTracks;

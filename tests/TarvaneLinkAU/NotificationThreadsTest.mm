@@ -21,16 +21,7 @@ class NotificationThreads : public LinkViewFixture
             : m_start(static_cast<std::ptrdiff_t>(ids.size()) + 1)
         {
             for (AudioUnitPropertyID nProperty : ids)
-            {
-                auto raise = [this, &plugIn, nProperty, nTimes]
-                {
-                    m_start.arrive_and_wait();
-                    for (int n = 0; n < nTimes; ++n)
-                        plugIn.Raise(nProperty);
-                    ++m_nDone;
-                };
-                m_threads.emplace_back(raise);
-            }
+                m_threads.emplace_back(&CRaisers::Run, this, std::ref(plugIn), nProperty, nTimes);
             m_start.arrive_and_wait();
         }
         ~CRaisers()
@@ -41,6 +32,14 @@ class NotificationThreads : public LinkViewFixture
         bool Done() const { return m_nDone == static_cast<int>(m_threads.size()); }
 
       private:
+        void Run(TarvaneTests::ScriptedAudioUnit& plugIn, AudioUnitPropertyID nProperty, int nTimes)
+        {
+            m_start.arrive_and_wait();
+            for (int n = 0; n < nTimes; ++n)
+                plugIn.Raise(nProperty);
+            ++m_nDone;
+        }
+
         std::latch m_start;
         std::atomic<int> m_nDone{0};
         std::vector<std::thread> m_threads;

@@ -1,0 +1,35 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <functional>
+#include <string>
+
+// A view in a real window, and real input through the display server. One at a time; a test that
+// uses it is declared with DISPLAY. Failures to get that far are reported as test failures.
+class CDesktopWindow
+{
+  public:
+    explicit CDesktopWindow(NSView* pView);
+    ~CDesktopWindow();
+    CDesktopWindow(const CDesktopWindow&) = delete;
+    CDesktopWindow& operator=(const CDesktopWindow&) = delete;
+
+    // Deals with events until `done`; false after ten seconds without.
+    bool RunUntil(const std::function<bool()>& done);
+
+    // A press and a release in the middle of a view, perhaps with a key of that name held.
+    void Click(NSView* pView, const std::string& strKeyHeld = {});
+
+    // A press on a pop-up button, and a release on an item of the menu that it shows then. The
+    // item is chosen from the menu as it was refilled.
+    void Choose(NSPopUpButton* pButton, NSInteger nItem);
+
+    // The colour on the screen, at a point of the view.
+    NSColor* ColourAt(NSView* pView, NSPoint pt);
+
+  private:
+    void MoveTo(NSView* pView, NSPoint pt);
+
+    NSWindow* m_pWindow;
+};
