@@ -96,7 +96,8 @@ extern "C"
                                    const CGFunctionCallbacks* callbacks);
     void CGFunctionRelease(CGFunctionRef function);
 
-    // A shading along the axis from start to end; it retains space and function.
+    // A shading along the axis from start to end. The function is asked at once, at 257 places;
+    // the shading keeps neither it nor the space.
     CGShadingRef CGShadingCreateAxial(CGColorSpaceRef space, CGPoint start, CGPoint end,
                                       CGFunctionRef function, bool extendStart, bool extendEnd);
     void CGShadingRelease(CGShadingRef shading);
