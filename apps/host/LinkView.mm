@@ -33,7 +33,8 @@ id MakeFactory(const std::filesystem::path& path)
                           " cannot be loaded or names no principal class - build it again, or name "
                           "another with --bundle.");
     }
-    if (![factoryClass conformsToProtocol:@protocol(AUCocoaUIBase)])
+    // By name: clang makes no usable object of a protocol that no class of the file adopts.
+    if (![factoryClass conformsToProtocol:NSProtocolFromString(@"AUCocoaUIBase")])
     {
         throw CUsageError("the principal class " + FromNSString(NSStringFromClass(factoryClass)) +
                           " of " + path.string() +

@@ -97,7 +97,7 @@ TEST_F(LinkBundle, PrincipalClassIsTheFactory)
 {
     Class principal = [LoadedBundle() principalClass];
     EXPECT_EQ(Utf8(NSStringFromClass(principal)), "TarvaneLink_CocoaViewFactory");
-    EXPECT_TRUE([principal conformsToProtocol:@protocol(AUCocoaUIBase)]);
+    EXPECT_TRUE([principal conformsToProtocol:NSProtocolFromString(@"AUCocoaUIBase")]);
     EXPECT_EQ([m_pFactory interfaceVersion], 0u);
 }
 

@@ -17,7 +17,7 @@ class ViewFactory : public testing::Test
 
 TEST_F(ViewFactory, AnswersAsAHostExpects)
 {
-    EXPECT_TRUE([m_pFactory conformsToProtocol:@protocol(AUCocoaUIBase)]);
+    EXPECT_TRUE([m_pFactory conformsToProtocol:NSProtocolFromString(@"AUCocoaUIBase")]);
     EXPECT_EQ([m_pFactory interfaceVersion], 0u);
     EXPECT_EQ(Utf8([m_pFactory description]), " Tarvane Link");
 }
