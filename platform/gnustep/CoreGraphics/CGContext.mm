@@ -3,40 +3,9 @@
 
 #include "platform/gnustep/CoreGraphics/CGObjects.h"
 
-#include <cmath>
-
 namespace
 {
 NSGraphicsContext* Operators(CGContextRef context) { return (NSGraphicsContext*)context; }
-
-constexpr CGGradientDrawingOptions kExtendBothWays =
-    kCGGradientDrawsBeforeStartLocation | kCGGradientDrawsAfterEndLocation;
-
-// Beyond every picture, and within what the back end can count.
-constexpr CGFloat kFar = 16384;
-
-// GNUstep paints a gradient on both sides of its axis whatever the options are: the sides that are
-// not wanted are clipped away, by lines across the axis through its ends.
-void ClipToSides(NSGraphicsContext* operators, CGPoint start, CGPoint end,
-                 CGGradientDrawingOptions options)
-{
-    const CGFloat length = std::hypot(end.x - start.x, end.y - start.y);
-    if (length == 0)
-        return;
-    const CGFloat x = (end.x - start.x) / length * kFar;
-    const CGFloat y = (end.y - start.y) / length * kFar;
-    if (options & kCGGradientDrawsBeforeStartLocation)
-        start = CGPointMake(start.x - x, start.y - y);
-    if (options & kCGGradientDrawsAfterEndLocation)
-        end = CGPointMake(end.x + x, end.y + y);
-    DPSnewpath(operators);
-    DPSmoveto(operators, start.x - y, start.y + x);
-    DPSlineto(operators, start.x + y, start.y - x);
-    DPSlineto(operators, end.x + y, end.y - x);
-    DPSlineto(operators, end.x - y, end.y + x);
-    DPSclosepath(operators);
-    DPSclip(operators);
-}
 } // namespace
 
 // The cairo back end has no port of its own to hand out.
@@ -106,23 +75,16 @@ void CGContextFillRect(CGContextRef context, CGRect rect)
 void CGContextDrawLinearGradient(CGContextRef context, CGGradientRef gradient, CGPoint start,
                                  CGPoint end, CGGradientDrawingOptions options)
 {
-    if (!gradient || !gradient->gradient)
-        return;
-    NSGraphicsContext* operators = Operators(context);
-    const bool fBounded = options != kExtendBothWays;
-    if (fBounded)
-    {
-        DPSgsave(operators);
-        ClipToSides(operators, start, end, options);
-    }
-    [operators drawGradient:gradient->gradient fromPoint:start toPoint:end options:options];
-    if (fBounded)
-        DPSgrestore(operators);
+    if (gradient && gradient->gradient)
+        [Operators(context) drawGradient:BoundGradient(gradient->gradient, options)
+                               fromPoint:start
+                                 toPoint:end
+                                 options:options];
 }
 
 void CGContextDrawShading(CGContextRef context, CGShadingRef shading)
 {
     if (shading)
         CGContextDrawLinearGradient(context, shading->gradient, shading->start, shading->end,
-                                    shading->options);
+                                    kDrawsBothWays);
 }

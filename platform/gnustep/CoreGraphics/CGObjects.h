@@ -40,8 +40,7 @@ struct CGShading
     std::size_t nReferences;
     CGPoint start;
     CGPoint end;
-    CGGradientDrawingOptions options;
-    CGGradientRef gradient; // owned
+    CGGradientRef gradient; // owned; bound already
 };
 
 // Takes one reference off; true when it was the last and the object is to be deleted.
@@ -49,6 +48,14 @@ template <class Object> bool ReleaseReference(Object* object)
 {
     return object && --object->nReferences == 0;
 }
+
+constexpr CGGradientDrawingOptions kDrawsBothWays =
+    kCGGradientDrawsBeforeStartLocation | kCGGradientDrawsAfterEndLocation;
+
+// A gradient that is clear on the sides of its axis that the options leave out; the same gradient
+// when they leave out none. GNUstep passes over the options, and a clip would not do: its graphics
+// state cannot be saved under a clip that is not made of rectangles. Autoreleased.
+NSGradient* BoundGradient(NSGradient* gradient, CGGradientDrawingOptions options);
 
 // Evaluates the function at one input, input and outputs held within domain and range.
 std::vector<CGFloat> EvaluateFunction(const CGFunction& function, CGFloat input);

@@ -38,7 +38,13 @@ CGShadingRef CGShadingCreateAxial(CGColorSpaceRef space, CGPoint start, CGPoint 
         options |= kCGGradientDrawsBeforeStartLocation;
     if (extendEnd)
         options |= kCGGradientDrawsAfterEndLocation;
-    return new CGShading{1, start, end, options, SampledGradient(space, *function)};
+    CGGradientRef gradient = SampledGradient(space, *function);
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    NSGradient* bound = [BoundGradient(gradient->gradient, options) retain];
+    [gradient->gradient release];
+    gradient->gradient = bound;
+    [pool drain];
+    return new CGShading{1, start, end, gradient};
 }
 
 void CGShadingRelease(CGShadingRef shading)
