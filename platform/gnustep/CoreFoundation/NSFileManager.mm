@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <unistd.h>
 
 @implementation NSFileManager (TarvanePlatform)
 
@@ -15,7 +16,10 @@
         return YES;
     if (error != nullptr)
     {
-        const int code = errno;
+        // What GNUstep does on its way out may leave another number than the failure's.
+        const int reported = errno;
+        const bool missing = access([path fileSystemRepresentation], F_OK) != 0;
+        const int code = missing ? errno : reported;
         NSString* text = [NSString stringWithUTF8String:std::strerror(code)];
         NSDictionary* info = [NSDictionary dictionaryWithObject:text
                                                          forKey:NSLocalizedDescriptionKey];
