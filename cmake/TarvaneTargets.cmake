@@ -35,7 +35,8 @@ endfunction()
 
 # tarvane_add_test(<target> SOURCES ... [LINK ...] [TIMEOUT seconds] [NO_MAIN] [DISPLAY])
 # A GoogleTest program; CTest discovers its cases. NO_MAIN: the sources bring their own main().
-# DISPLAY: the cases use the mouse or the focus of the one display, and so run one after another.
+# DISPLAY: the cases open windows on the one display, or use its mouse, and so run one after another
+# and apart from the rest.
 function(tarvane_add_test target)
   cmake_parse_arguments(arg "NO_MAIN;DISPLAY" "TIMEOUT" "SOURCES;LINK" ${ARGN})
   if(NOT arg_TIMEOUT)
@@ -49,7 +50,7 @@ function(tarvane_add_test target)
   endif()
   set(properties TIMEOUT ${arg_TIMEOUT})
   if(arg_DISPLAY)
-    list(APPEND properties RESOURCE_LOCK display)
+    list(APPEND properties RESOURCE_LOCK display LABELS display)
   endif()
   gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
 endfunction()
