@@ -142,10 +142,13 @@ void CDesktopWindow::MoveTo(NSView* pView, NSPoint pt)
 void CDesktopWindow::Click(NSView* pView, const std::string& strKeyHeld)
 {
     MoveTo(pView, Centre([pView bounds]));
+    // As long as a hand takes, and beside us: the release of a shorter first click of a window can
+    // overtake its press.
+    const std::string strClick = "mousedown 1 sleep 0.2 mouseup 1";
     if (strKeyHeld.empty())
-        Input("click 1");
+        Input(strClick + " &");
     else
-        Input("keydown " + strKeyHeld + " click 1 keyup " + strKeyHeld);
+        Input("keydown " + strKeyHeld + " " + strClick + " keyup " + strKeyHeld + " &");
 }
 
 void CDesktopWindow::Choose(NSPopUpButton* pButton, NSInteger nItem)
