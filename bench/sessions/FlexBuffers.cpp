@@ -1,0 +1,97 @@
+#include "bench/sessions/Peers.h"
+
+#include "utils/ParameterFormat.h"
+
+#include <flatbuffers/flexbuffers.h>
+
+#include <cstdlib>
+#include <type_traits>
+
+namespace Bench
+{
+
+namespace
+{
+
+/// Names may stand twice in a block, so that a block is a list of names and values.
+void Build(const CParameterBlock& block, flexbuffers::Builder& builder)
+{
+    const std::size_t nStart = builder.StartVector();
+    for (const CParameter* pEntry : block.m_vParameters)
+    {
+        builder.String(pEntry->m_strName.c_str(), pEntry->m_strName.size());
+        if (pEntry->m_nType == CParameterBlock::kType)
+            Build(static_cast<const CParameterBlock&>(*pEntry), builder);
+        else
+            ParameterFormat::VisitValue(
+                *pEntry,
+                [&builder](const auto& parameter)
+                {
+                    const auto& value = ParameterFormat::ValueOf(parameter);
+                    if constexpr (requires { value.c_str(); })
+                        builder.String(value.c_str(), value.size());
+                    else if constexpr (std::is_same_v<decltype(value), const long long&>)
+                        builder.Int(value);
+                    else if constexpr (std::is_same_v<decltype(value), const unsigned long long&>)
+                        builder.UInt(value);
+                    else if constexpr (!requires { value.nFileKey; })
+                        builder.Add(value);
+                });
+    }
+    builder.EndVector(nStart, false, false);
+}
+
+double Sum(flexbuffers::Reference value)
+{
+    if (!value.IsVector())
+        return value.IsString() ? static_cast<double>(value.AsString().length()) : value.AsDouble();
+    const auto list = value.AsVector();
+    double dSum = 0;
+    for (std::size_t i = 0; i < list.size(); ++i)
+        dSum += Sum(list[i]);
+    return dSum;
+}
+
+/// There is no tree: a load copies the bytes and checks them.
+class CFlexBuffers : public CPeer
+{
+public:
+    const char* Name() const override { return "FlexBuffers"; }
+    void Take(const CParameterBlock& root) override
+    {
+        m_pTree = &root;
+        flexbuffers::Builder builder(flexbuffers::BUILDER_FLAG_SHARE_KEYS_AND_STRINGS);
+        Build(root, builder);
+        builder.Finish();
+        m_bytes = builder.GetBuffer();
+    }
+    std::size_t GetSize() const override { return m_bytes.size(); }
+    void Load() override
+    {
+        m_loaded = m_bytes;
+        if (!flexbuffers::VerifyBuffer(m_loaded.data(), m_loaded.size(), nullptr))
+            std::abort();
+    }
+    void Free() override { std::vector<std::uint8_t>().swap(m_loaded); }
+    void Save() override
+    {
+        flexbuffers::Builder builder(flexbuffers::BUILDER_FLAG_SHARE_KEYS_AND_STRINGS);
+        Build(*m_pTree, builder);
+        builder.Finish();
+    }
+    double Walk() override { return Sum(flexbuffers::GetRoot(m_loaded)); }
+
+private:
+    const CParameterBlock* m_pTree = nullptr;
+    std::vector<std::uint8_t> m_bytes;
+    std::vector<std::uint8_t> m_loaded;
+};
+
+} // namespace
+
+std::unique_ptr<CPeer> MakeFlexBuffers()
+{
+    return std::make_unique<CFlexBuffers>();
+}
+
+} // namespace Bench
