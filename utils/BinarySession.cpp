@@ -149,14 +149,12 @@ void CParameterBlock::SetTokens(std::map<std::string, int>& map)
                    [&](CParameter& parameter)
                    {
                        const CByteString& strName = parameter.m_strName;
-                       const int* pToken =
-                           index.Get(strName,
-                                     [&]() -> int*
-                                     {
-                                         const auto it =
-                                             strName.empty() ? map.end() : map.find(strName.str());
-                                         return it == map.end() ? nullptr : &it->second;
-                                     });
+                       const auto find = [&]() -> int*
+                       {
+                           const auto it = map.find(strName.str());
+                           return it == map.end() ? nullptr : &it->second;
+                       };
+                       const int* pToken = strName.empty() ? nullptr : index.Get(strName, find);
                        parameter.m_nToken = pToken ? *pToken : 0;
                    });
 }

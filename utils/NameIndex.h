@@ -12,13 +12,14 @@ class CNameIndex
 {
 public:
     /// find(): the place of the number in the map, or null; asked once a name.
+    /// strName is not empty.
     template <typename Find> int* Get(const CByteString& strName, Find&& find)
     {
         Slot& slot = Seek(strName);
-        if (slot.pName)
+        if (!slot.strName.empty())
             return slot.pNumber;
         int* pNumber = find();
-        slot = {&strName, pNumber};
+        slot = {strName, pNumber};
         if (++m_nUsed * 2 > m_slots.size())
             Grow();
         return pNumber;
@@ -27,7 +28,7 @@ public:
 private:
     struct Slot
     {
-        const CByteString* pName = nullptr;
+        CByteString strName; ///< Empty while the slot is free.
         int* pNumber = nullptr;
     };
 
@@ -36,7 +37,7 @@ private:
     {
         const std::size_t nMask = m_slots.size() - 1;
         std::size_t n = strName.Hash() & nMask;
-        while (m_slots[n].pName && !(*m_slots[n].pName == strName))
+        while (!(m_slots[n].strName == strName) && !m_slots[n].strName.empty())
             n = (n + 1) & nMask;
         return m_slots[n];
     }
@@ -46,8 +47,8 @@ private:
         std::vector<Slot> old(m_slots.size() * 2);
         old.swap(m_slots);
         for (const Slot& slot : old)
-            if (slot.pName)
-                Seek(*slot.pName) = slot;
+            if (!slot.strName.empty())
+                Seek(slot.strName) = slot;
     }
 
     std::vector<Slot> m_slots = std::vector<Slot>(64); ///< A power of two, at most half full.

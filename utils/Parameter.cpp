@@ -7,12 +7,12 @@ using namespace ParameterFormat;
 
 unsigned long CParameter::GetSizeOfName() const
 {
-    return m_nToken == kNoToken ? 4 + m_strName.size() : GetSizeOfToken(m_nToken);
+    return GetSizeOfNameField(*this);
 }
 
 unsigned long CParameter::SaveName(unsigned char* pDest) const
 {
-    return m_nToken == kNoToken ? SavePayload(pDest, m_strName) : WriteToken(pDest, m_nToken);
+    return SaveNameField(pDest, *this);
 }
 
 unsigned int CParameter::LoadName(std::vector<std::string>* pNames, unsigned int nSize,

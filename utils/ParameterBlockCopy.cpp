@@ -11,16 +11,14 @@ namespace
 {
 CParameter* CopyValue(CParameterPool& pool, const CParameter& source)
 {
-    CParameter* pCopy = nullptr;
-    VisitValue(source,
-               [&]<class Parameter>(const Parameter& value)
-               {
-                   auto* pNew = pool.Make<Parameter>();
-                   pNew->m_strName = value.m_strName;
-                   ValueOf(*pNew) = ValueOf(value);
-                   pCopy = pNew;
-               });
-    return pCopy;
+    const auto copy = [&pool]<class Parameter>(const Parameter& value) -> CParameter*
+    {
+        auto* pCopy = pool.Make<Parameter>();
+        pCopy->m_strName = value.m_strName;
+        ValueOf(*pCopy) = ValueOf(value);
+        return pCopy;
+    };
+    return VisitValue(source, static_cast<CParameter*>(nullptr), copy);
 }
 
 /// Name and token alone; what it holds follows.

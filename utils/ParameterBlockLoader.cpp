@@ -10,6 +10,8 @@ using namespace ParameterFormat;
 namespace
 {
 constexpr long kFailed = -1;
+/// A stated count up to this gets its memory at once. More would let a small file ask for a lot.
+constexpr std::uint32_t kMostTrusted = 16;
 
 /// The result of a parameter's Load counts as a signed 32-bit number.
 bool IsFailure(std::uint32_t nConsumed)
@@ -142,6 +144,9 @@ private:
         const std::uint32_t nRemainingBefore = m_nRemaining;
         Advance(m_names.Load(*pBlock, m_nRemaining, m_pNext));
         const std::uint32_t nCount = m_nRemaining < kSizeOfCount ? 0 : LoadCount();
+        // In front of its entries: walks then go through memory in one direction.
+        if (nCount <= kMostTrusted)
+            pBlock->m_vParameters.reserve(nCount, m_pool.GetSlabs());
         m_levels.push_back({pBlock.get(), m_entries.size(), nCount, nRemainingBefore});
         pBlock.release();
     }

@@ -109,38 +109,31 @@ template <class Parameter> auto& ValueOf(Parameter& parameter)
         return parameter.m_strValue;
 }
 
-/// Calls visit(value) with a value parameter as what it is; returns false for a tag that no value
-/// class has.
-template <typename Visit> bool VisitValue(const CParameter& parameter, Visit&& visit)
+/// Calls visit with a value parameter as what it is and returns the result; other for a tag that no
+/// value class has.
+template <typename Result, typename Visit>
+Result VisitValue(const CParameter& parameter, Result other, Visit&& visit)
 {
     switch (parameter.m_nType)
     {
     case CStringParameter::kType:
-        visit(static_cast<const CStringParameter&>(parameter));
-        return true;
+        return visit(static_cast<const CStringParameter&>(parameter));
     case CIntParameter::kType:
-        visit(static_cast<const CIntParameter&>(parameter));
-        return true;
+        return visit(static_cast<const CIntParameter&>(parameter));
     case CDoubleParameter::kType:
-        visit(static_cast<const CDoubleParameter&>(parameter));
-        return true;
+        return visit(static_cast<const CDoubleParameter&>(parameter));
     case CUInt64Parameter::kType:
-        visit(static_cast<const CUInt64Parameter&>(parameter));
-        return true;
+        return visit(static_cast<const CUInt64Parameter&>(parameter));
     case CFileIdTypeParameter::kType:
-        visit(static_cast<const CFileIdTypeParameter&>(parameter));
-        return true;
+        return visit(static_cast<const CFileIdTypeParameter&>(parameter));
     case CBoolParameter::kType:
-        visit(static_cast<const CBoolParameter&>(parameter));
-        return true;
+        return visit(static_cast<const CBoolParameter&>(parameter));
     case CFloatParameter::kType:
-        visit(static_cast<const CFloatParameter&>(parameter));
-        return true;
+        return visit(static_cast<const CFloatParameter&>(parameter));
     case CSInt64Parameter::kType:
-        visit(static_cast<const CSInt64Parameter&>(parameter));
-        return true;
+        return visit(static_cast<const CSInt64Parameter&>(parameter));
     default:
-        return false;
+        return other;
     }
 }
 
@@ -163,6 +156,18 @@ inline unsigned long SavePayload(unsigned char* pDest, const CByteString& value)
     Write(pDest, static_cast<std::uint32_t>(value.size()));
     std::memcpy(pDest + 4, value.data(), value.size());
     return 4 + value.size();
+}
+
+inline unsigned long GetSizeOfNameField(const CParameter& parameter)
+{
+    return parameter.m_nToken == CParameter::kNoToken ? GetSizeOfPayload(parameter.m_strName)
+                                                      : GetSizeOfToken(parameter.m_nToken);
+}
+
+inline unsigned long SaveNameField(unsigned char* pDest, const CParameter& parameter)
+{
+    return parameter.m_nToken == CParameter::kNoToken ? SavePayload(pDest, parameter.m_strName)
+                                                      : WriteToken(pDest, parameter.m_nToken);
 }
 
 /// Returns the bytes consumed: none, and the value stays, when nSize does not hold it.

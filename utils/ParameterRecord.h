@@ -22,32 +22,29 @@ inline unsigned long GetSizeOfRecordPayload(const CParameter& parameter)
 {
     if (IsBlock(parameter))
         return kSizeOfCount;
-    unsigned long nSize = 0;
-    const bool fKnown = VisitValue(parameter, [&nSize](const auto& value)
-                                   { nSize = GetSizeOfPayload(ValueOf(value)); });
-    return fKnown ? nSize : parameter.GetSize() - parameter.GetSizeOfName();
+    const unsigned long nSize = VisitValue(
+        parameter, 0ul, [](const auto& value) { return GetSizeOfPayload(ValueOf(value)); });
+    return nSize != 0 ? nSize : parameter.GetSize() - parameter.GetSizeOfName();
 }
 
 inline unsigned long GetSizeOfRecord(const CParameter& parameter)
 {
-    return kSizeOfTag + parameter.GetSizeOfName() + GetSizeOfRecordPayload(parameter);
+    return kSizeOfTag + GetSizeOfNameField(parameter) + GetSizeOfRecordPayload(parameter);
 }
 
+/// Returns the place behind the record.
 inline unsigned char* SaveRecord(unsigned char* pDest, const CParameter& parameter)
 {
     pDest += Write(pDest, static_cast<std::uint32_t>(parameter.m_nType));
-    const auto save = [&pDest](const auto& value)
-    {
-        pDest += value.SaveName(pDest);
-        if constexpr (requires { value.m_vParameters; })
-            pDest += SaveCount(pDest, value);
-        else
-            pDest += SavePayload(pDest, ValueOf(value));
-    };
+    unsigned char* pPayload = pDest + SaveNameField(pDest, parameter);
     if (IsBlock(parameter))
-        save(static_cast<const CParameterBlock&>(parameter));
-    else if (parameter.m_nType == CFileIdTypeParameter::kType || !VisitValue(parameter, save))
-        pDest += parameter.Save(parameter.GetSize(), pDest);
-    return pDest;
+        return pPayload + SaveCount(pPayload, static_cast<const CParameterBlock&>(parameter));
+    unsigned char* pEnd = nullptr;
+    // A file id is left to its own Save, which refuses.
+    if (parameter.m_nType != CFileIdTypeParameter::kType)
+        pEnd = VisitValue(parameter, pEnd,
+                          [pPayload](const auto& value)
+                          { return pPayload + SavePayload(pPayload, ValueOf(value)); });
+    return pEnd ? pEnd : pDest + parameter.Save(parameter.GetSize(), pDest);
 }
 } // namespace ParameterFormat

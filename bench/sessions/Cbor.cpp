@@ -24,7 +24,7 @@ Json ToJson(const CParameterBlock& block)
         if (pEntry->m_nType == CParameterBlock::kType)
             list.push_back(ToJson(static_cast<const CParameterBlock&>(*pEntry)));
         else
-            ParameterFormat::VisitValue(*pEntry,
+            ParameterFormat::VisitValue(*pEntry, false,
                                         [&list](const auto& parameter)
                                         {
                                             const auto& value = ParameterFormat::ValueOf(parameter);
@@ -32,6 +32,7 @@ Json ToJson(const CParameterBlock& block)
                                                 list.push_back(value.str());
                                             else if constexpr (!requires { value.nFileKey; })
                                                 list.push_back(value);
+                                            return true;
                                         });
     }
     return list;

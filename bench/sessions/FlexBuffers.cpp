@@ -24,7 +24,7 @@ void Build(const CParameterBlock& block, flexbuffers::Builder& builder)
             Build(static_cast<const CParameterBlock&>(*pEntry), builder);
         else
             ParameterFormat::VisitValue(
-                *pEntry,
+                *pEntry, false,
                 [&builder](const auto& parameter)
                 {
                     const auto& value = ParameterFormat::ValueOf(parameter);
@@ -36,6 +36,7 @@ void Build(const CParameterBlock& block, flexbuffers::Builder& builder)
                         builder.UInt(value);
                     else if constexpr (!requires { value.nFileKey; })
                         builder.Add(value);
+                    return true;
                 });
     }
     builder.EndVector(nStart, false, false);

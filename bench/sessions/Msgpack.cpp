@@ -27,7 +27,7 @@ void Pack(Packer& packer, const CParameterBlock& block)
         if (pEntry->m_nType == CParameterBlock::kType)
             Pack(packer, static_cast<const CParameterBlock&>(*pEntry));
         else
-            ParameterFormat::VisitValue(*pEntry,
+            ParameterFormat::VisitValue(*pEntry, false,
                                         [&packer](const auto& parameter)
                                         {
                                             const auto& value = ParameterFormat::ValueOf(parameter);
@@ -35,6 +35,7 @@ void Pack(Packer& packer, const CParameterBlock& block)
                                                 Pack(packer, std::string_view(value));
                                             else if constexpr (!requires { value.nFileKey; })
                                                 packer.pack(value);
+                                            return true;
                                         });
     }
 }

@@ -35,7 +35,7 @@ NSArray* Build(const CParameterBlock& block)
         if (pEntry->m_nType == CParameterBlock::kType)
             [list addObject:Build(static_cast<const CParameterBlock&>(*pEntry))];
         else
-            ParameterFormat::VisitValue(*pEntry,
+            ParameterFormat::VisitValue(*pEntry, false,
                                         [list](const auto& parameter)
                                         {
                                             const auto& value = ParameterFormat::ValueOf(parameter);
@@ -43,6 +43,7 @@ NSArray* Build(const CParameterBlock& block)
                                                 [list addObject:Text(value)];
                                             else if constexpr (!requires { value.nFileKey; })
                                                 [list addObject:Number(value)];
+                                            return true;
                                         });
     }
     return list;
