@@ -1,0 +1,1 @@
+// Has the Objective-C++ form of the header made.
