@@ -1,96 +1,16 @@
-#import <AppKit/AppKit.h>
+#import "tests/TarvaneLinkAU/LinkBundleFixture.h"
 
 #include <AudioUnit/AUCocoaUIView.h>
-
-#include <gmock/gmock.h>
 
 #include <objc/runtime.h>
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
-#import "controls/TKToggleSwitch.h"
 #import "tests/TarvaneLinkAU/DesktopWindow.h"
-#include "tests/support/ScriptedAppleEvents.h"
-#include "tests/support/ScriptedAudioUnit.h"
 
 using testing::ElementsAre;
 
-// The bundle as a host sees it: loaded from disk, with no class of it known beforehand. The
-// scripted frameworks of this program stand in front of those that the bundle brings.
-
 namespace
 {
-std::string Utf8(NSString* pText) { return pText == nil ? "(nil)" : [pText UTF8String]; }
-
-NSBundle* LoadedBundle()
-{
-    return [NSBundle bundleWithPath:[NSString stringWithUTF8String:TARVANE_LINK_BUNDLE]];
-}
-
-class LinkBundle : public testing::Test
-{
-  protected:
-    LinkBundle()
-        : m_pPool([[NSAutoreleasePool alloc] init]),
-          m_pFactory([[[LoadedBundle() principalClass] alloc] init])
-    {
-        m_plugIn.SetValue<std::uint8_t>(TNProperty_ArmCapture, 0);
-        m_plugIn.SetValue<std::int32_t>(TNProperty_SelectedTrack, 1);
-        m_pView = MakeView(NSMakeSize(9, 9));
-    }
-
-    ~LinkBundle() override
-    {
-        [m_pFactory release];
-        [m_pView release];
-        [m_pPool drain];
-        EXPECT_EQ(m_plugIn.ListenerCount(), 0u) << "the view is still alive";
-    }
-
-    // The caller is its only owner.
-    NSView* MakeView(NSSize sizePreferred)
-    {
-        PlayTracks(2);
-        NSAutoreleasePool* pPool = [[NSAutoreleasePool alloc] init];
-        NSView* pView = [[m_pFactory uiViewForAudioUnit:m_plugIn.Unit()
-                                               withSize:sizePreferred] retain];
-        [pPool drain];
-        return pView;
-    }
-
-    void PlayTracks(int nTimes)
-    {
-        for (int n = 0; n < nTimes; ++n)
-            m_events.Print("4\n1\nDialogue\nFoley\nMusic\n");
-    }
-
-    // What the nib has connected.
-    id Outlet(const char* szName)
-    {
-        Ivar pVariable = class_getInstanceVariable([m_pView class], szName);
-        EXPECT_NE(pVariable, nullptr) << szName;
-        return object_getIvar(m_pView, pVariable);
-    }
-
-    NSPopUpButton* Tracks() { return Outlet("m_btnTracks"); }
-    NSTextField* ErrorLine() { return Outlet("m_textError"); }
-    NSTextField* AdviceLine() { return Outlet("m_textAdvice"); }
-    TKToggleSwitch* Toggle() { return Outlet("m_switchCapture"); }
-
-    std::vector<std::vector<std::uint8_t>> Written(AudioUnitPropertyID nProperty)
-    {
-        std::vector<std::vector<std::uint8_t>> values;
-        for (const auto& record : m_plugIn.Of("Set", nProperty))
-            values.push_back(record.m_bytes);
-        return values;
-    }
-
-    TarvaneTests::ScriptedAudioUnit m_plugIn;
-    TarvaneTests::ScriptedAppleEvents m_events;
-    NSAutoreleasePool* m_pPool;
-    id m_pFactory;
-    NSView* m_pView;
-};
-
 using Value = std::vector<std::uint8_t>;
 
 TEST_F(LinkBundle, PrincipalClassIsTheFactory)
@@ -99,30 +19,6 @@ TEST_F(LinkBundle, PrincipalClassIsTheFactory)
     EXPECT_EQ(Utf8(NSStringFromClass(principal)), "TarvaneLink_CocoaViewFactory");
     EXPECT_TRUE([principal conformsToProtocol:NSProtocolFromString(@"AUCocoaUIBase")]);
     EXPECT_EQ([m_pFactory interfaceVersion], 0u);
-}
-
-TEST_F(LinkBundle, NibFillsTheViewsOutlets)
-{
-    const struct
-    {
-        const char* szOutlet;
-        const char* szClass;
-    } outlets[] = {{"uiParam1Slider", "TarvaneLink_GestureSlider"},
-                   {"m_textError", "NSTextField"},
-                   {"m_textAdvice", "NSTextField"},
-                   {"m_switchCapture", "TKToggleSwitch"},
-                   {"m_btnTracks", "NSPopUpButton"},
-                   {"m_viewFrame", "NSView"}};
-    EXPECT_EQ(Utf8(NSStringFromClass([m_pView class])), "TarvaneLink_CocoaView");
-    for (const auto& tOutlet : outlets)
-    {
-        id idOutlet = Outlet(tOutlet.szOutlet);
-        ASSERT_NE(idOutlet, nil) << tOutlet.szOutlet;
-        EXPECT_TRUE([idOutlet
-            isKindOfClass:NSClassFromString([NSString stringWithUTF8String:tOutlet.szClass])])
-            << tOutlet.szOutlet;
-        EXPECT_TRUE([idOutlet isDescendantOf:m_pView]) << tOutlet.szOutlet;
-    }
 }
 
 TEST_F(LinkBundle, TrackMenuSendsOnTrackToTheView)
@@ -156,38 +52,6 @@ TEST_F(LinkBundle, PreferredSizeHasNoEffect)
     NSView* pSecond = MakeView(NSMakeSize(1000, 1000));
     EXPECT_TRUE(NSEqualSizes([pSecond frame].size, [m_pView frame].size));
     [pSecond release];
-}
-
-TEST_F(LinkBundle, TextsAreNotForEditing)
-{
-    int nTexts = 0;
-    for (NSUInteger n = 0; n < [[m_pView subviews] count]; ++n)
-    {
-        NSTextField* pText = [[m_pView subviews] objectAtIndex:n];
-        if (![pText isKindOfClass:[NSTextField class]])
-            continue;
-        ++nTexts;
-        EXPECT_FALSE([pText isEditable]) << Utf8([pText stringValue]);
-        EXPECT_FALSE([pText isSelectable]) << Utf8([pText stringValue]);
-        EXPECT_EQ([[pText font] pointSize], 13) << Utf8([pText stringValue]);
-    }
-    EXPECT_EQ(nTexts, 5) << "two labels, the frame of the messages and the two messages";
-    EXPECT_EQ([[Tracks() font] pointSize], 13);
-}
-
-TEST_F(LinkBundle, NothingOverlapsOrLeavesTheView)
-{
-    NSView* controls[] = {Toggle(), Tracks(), Outlet("m_viewFrame")};
-    for (NSView* pOne : controls)
-    {
-        EXPECT_TRUE(NSContainsRect([m_pView bounds], [pOne frame]));
-        for (NSView* pOther : controls)
-            EXPECT_TRUE(pOne == pOther || !NSIntersectsRect([pOne frame], [pOther frame]));
-    }
-    for (NSView* pLine : {(NSView*)ErrorLine(), (NSView*)AdviceLine()})
-        EXPECT_TRUE(NSContainsRect([controls[2] frame], [pLine frame]));
-    EXPECT_FALSE(NSIntersectsRect([ErrorLine() frame], [AdviceLine() frame]));
-    EXPECT_TRUE([Outlet("uiParam1Slider") isHidden]) << "it stands for no parameter";
 }
 
 TEST_F(LinkBundle, ClickChoosesATrackAndTellsThePlugIn)
