@@ -92,8 +92,7 @@ bool CCaptureEntry::IsGood() const
 std::string TellCapture(const CCaptureEntry& entry)
 {
     const CCaptureReport& report = entry.report;
-    const double dRate = report.record.dSampleRate;
-    const TNRegionTimes& times = report.record.tDub;
+    const double dRate = report.dSampleRate;
     std::string strStory = "Capture " + std::to_string(report.nNumber + 1) + ": " +
                            report.source.filename().string() + "\n";
     if (report.nElement >= 0)
@@ -101,9 +100,9 @@ std::string TellCapture(const CCaptureEntry& entry)
         strStory += "  length       " + Length(report.Frames(), dRate) + ", " +
                     FormatSamples(report.Frames()) + " samples at " + FormatSamples(dRate) +
                     " Hz\n";
-        strStory += "  host's time  sample " + FormatSamples(times.dPosition) + ", " +
-                    FormatTimecode(times.dPosition, dRate) + "\n";
-        strStory += "  file         " + std::string(report.record.szDubPath) + "\n";
+        strStory += "  host's time  sample " + FormatSamples(report.times.dPosition) + ", " +
+                    FormatTimecode(report.times.dPosition, dRate) + "\n";
+        strStory += "  file         " + report.dub.string() + "\n";
         strStory += "  sent to      " + Track(entry) + "\n";
     }
     strStory += "  outcome      " + std::string(OutcomeWord(entry.Outcome())) + "\n";
@@ -122,22 +121,16 @@ std::string TellCapture(const CCaptureEntry& entry)
 nlohmann::json DescribeCapture(const CCaptureEntry& entry)
 {
     const CCaptureReport& report = entry.report;
-    const TNRegionTimes& times = report.record.tDub;
-    return {{"source", report.source.string()},
-            {"dub", std::string(report.record.szDubPath)},
-            {"frames", report.Frames()},
-            {"sampleRate", report.record.dSampleRate},
-            {"start", times.dStart},
-            {"end", times.dEnd},
-            {"position", times.dPosition},
-            {"track", report.nTrack},
-            {"trackName", entry.words.strTrack},
-            {"element", report.nElement},
-            {"ack", DescribeAck(report)},
-            {"outcome", OutcomeWord(entry.Outcome())},
-            {"failure", report.strFailure},
-            {"message", entry.words.strMessage},
-            {"advice", entry.words.strAdvice}};
+    return {
+        {"source", report.source.string()},   {"dub", report.dub.string()},
+        {"frames", report.Frames()},          {"sampleRate", report.dSampleRate},
+        {"start", report.times.dStart},       {"end", report.times.dEnd},
+        {"position", report.times.dPosition}, {"track", report.nTrack},
+        {"trackName", entry.words.strTrack},  {"element", report.nElement},
+        {"ack", DescribeAck(report)},         {"outcome", OutcomeWord(entry.Outcome())},
+        {"failure", report.strFailure},       {"message", entry.words.strMessage},
+        {"advice", entry.words.strAdvice},
+    };
 }
 
 std::string JsonText(const nlohmann::json& value, int nIndent)

@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -94,7 +95,11 @@ class CHost : private ILineListener
     MainThreadCall* m_windowClosed = nullptr;
     id m_ackTimer = nullptr; // NSTimer, owned by the run loop
 
-    std::vector<CCaptureEntry> m_entries; // in the order in which they came to an end
+    // In the order in which they came to an end. Kept for the results alone.
+    std::vector<CCaptureEntry> m_entries;
+    std::optional<CCaptureReport> m_last; // told last
+    size_t m_nTold = 0;
+    std::set<size_t> m_late; // told as not acknowledged; their acknowledge may still come
     size_t m_nNextSource = 0;
     std::string m_strCommand; // being obeyed; empty between commands
     bool m_fCapturingOnCommand = false;

@@ -7,7 +7,6 @@
 
 #import <AppKit/AppKit.h>
 
-#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
@@ -242,11 +241,10 @@ void CHost::OfferNextByHand()
         return;
     }
     CCaptureSource source = m_plan.sources[m_nNextSource % m_plan.sources.size()];
-    if (m_nNextSource >= m_plan.sources.size() && !m_entries.empty())
+    if (m_nNextSource >= m_plan.sources.size() && m_last)
     {
-        const CCaptureReport& last = m_entries.back().report;
         source.dPosition =
-            PositionBehind(last.record.tDub.dPosition, last.Frames(), last.record.dSampleRate,
+            PositionBehind(m_last->times.dPosition, m_last->Frames(), m_last->dSampleRate,
                            CSoundReader(source.file).Info().samplerate);
     }
     ++m_nNextSource;
@@ -255,15 +253,12 @@ void CHost::OfferNextByHand()
 
 void CHost::CaptureChanged(const CCaptureReport& report)
 {
-    const bool fTold = std::any_of(m_entries.begin(), m_entries.end(),
-                                   [&](const CCaptureEntry& entry)
-                                   { return entry.report.nNumber == report.nNumber; });
     if (!report.IsOver())
     {
         WaitForAck(report);
     }
     // An acknowledge that comes too late changes nothing any more.
-    else if (!fTold)
+    else if (m_late.erase(report.nNumber) == 0)
     {
         Tell(report);
     }
@@ -276,8 +271,9 @@ void CHost::WaitForAck(const CCaptureReport& report)
         {
             m_ackTimer = nil;
             // One that came while the main thread was busy is still on its way here.
-            if (!m_plugIn->Captures().at(report.nNumber).IsOver())
+            if (m_plugIn->IsWaiting(report.nNumber))
             {
+                m_late.insert(report.nNumber);
                 Tell(report);
             }
         });
@@ -293,8 +289,13 @@ void CHost::Tell(const CCaptureReport& report)
 {
     [m_ackTimer invalidate];
     m_ackTimer = nil;
-    m_entries.push_back({report, m_pView->Words()});
-    const CCaptureEntry entry = m_entries.back();
+    ++m_nTold;
+    m_last = report;
+    const CCaptureEntry entry{report, m_pView->Words()};
+    if (m_results)
+    {
+        m_entries.push_back(entry);
+    }
     if (!entry.IsGood())
     {
         m_nExitCode = kExitFailed;
@@ -317,7 +318,7 @@ void CHost::WriteResults()
         captures.push_back(DescribeCapture(entry));
         if (entry.report.nElement >= 0)
         {
-            m_results->Adopt(entry.report.record.szDubPath);
+            m_results->Adopt(entry.report.dub);
         }
     }
     m_results->WriteText(kResultsName, JsonText({{"captures", captures}}, 2) + "\n");

@@ -107,7 +107,7 @@ void CHost::CaptureOnCommand(std::istream& words)
         Refuse("say capture FILE, or capture FILE SAMPLES.");
         return;
     }
-    if (m_plugIn->IsCapturing() || m_entries.size() < m_plugIn->Captures().size())
+    if (m_plugIn->IsCapturing() || m_nTold < m_plugIn->CapturesBegun())
     {
         Refuse("a capture is under way - wait for its end, or disarm first.");
         return;

@@ -1,4 +1,5 @@
-// What is known of one capture, from its first sample to its acknowledge.
+// What is known of one capture, from its first sample to its acknowledge. Small: a host keeps one
+// for every capture of a day's work.
 #pragma once
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
@@ -28,13 +29,15 @@ struct CCaptureReport
     std::filesystem::path source;
     std::string strFailure;
     int nElement = -1;                // its index under 64002; -1 until it is published
-    TNCaptureElement record{};        // as published; zero until then
+    std::filesystem::path dub;        // this and the next two as published; empty until then
+    TNRegionTimes times;              // of the dub
+    double dSampleRate = 0;           // of the dub, samples per second
     std::int32_t nTrack = -1;         // 64009 when the acknowledge came; -1 before
     std::optional<TNElementAck> pAck; // as received; the padding byte means nothing
 
     bool IsOver() const { return state != CaptureState::Running && state != CaptureState::Waiting; }
     bool IsDelivered() const { return pAck && pAck->fNotDelivered == 0; }
-    double Frames() const { return record.tDub.dEnd - record.tDub.dStart; }
+    double Frames() const { return times.dEnd - times.dStart; }
 };
 
 } // namespace Tarvane

@@ -3,6 +3,7 @@
 #include "apps/support/CommandLine.h"
 #include "apps/support/DubFile.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstring>
@@ -121,10 +122,18 @@ void CSignalSide::SetSource(const CCaptureSource& source)
     m_wake.notify_all();
 }
 
-std::vector<CCaptureReport> CSignalSide::Captures() const
+size_t CSignalSide::CapturesBegun() const
 {
     std::lock_guard lock(m_mutex);
-    return m_captures;
+    return m_nBegun;
+}
+
+bool CSignalSide::IsWaiting(size_t nNumber) const
+{
+    std::lock_guard lock(m_mutex);
+    return std::any_of(m_waiting.begin(), m_waiting.end(),
+                       [nNumber](const Element& element)
+                       { return element.report.nNumber == nNumber; });
 }
 
 bool CSignalSide::IsArmed() const
@@ -164,16 +173,15 @@ OSStatus CSignalSide::TakeAck(const TNElementAck& ack)
     CCaptureReport acknowledged;
     {
         std::lock_guard lock(m_mutex);
-        if (m_waiting.empty() || m_captures[m_waiting.front()].nElement != ack.nElement)
+        if (m_waiting.empty() || m_waiting.front().report.nElement != ack.nElement)
         {
             return kAudioUnitErr_InvalidPropertyValue;
         }
-        CCaptureReport& report = m_captures[m_waiting.front()];
-        report.pAck = ack;
-        report.nTrack = m_nTrack;
-        report.state = CaptureState::Acknowledged;
+        acknowledged = std::move(m_waiting.front().report);
         m_waiting.pop_front();
-        acknowledged = report;
+        acknowledged.pAck = ack;
+        acknowledged.nTrack = m_nTrack;
+        acknowledged.state = CaptureState::Acknowledged;
     }
     Notify(TNProperty_ArmCapture);
     Observe(acknowledged);
@@ -196,18 +204,17 @@ void CSignalSide::Work()
         m_dPosition = m_pSource->dPosition;
         m_dSamplesPlayed = 0;
         m_dCaptureLength = 0;
-        CCaptureReport& report = m_captures.emplace_back();
+        CCaptureReport report;
         report.source = m_pSource->reader.Path();
-        const size_t nReport = m_captures.size() - 1;
-        report.nNumber = nReport;
+        report.nNumber = m_nBegun++;
         const std::unique_ptr<Source> pSource = std::move(m_pSource);
         lock.unlock();
-        Capture(*pSource, nReport);
+        Capture(*pSource, std::move(report));
         lock.lock();
     }
 }
 
-void CSignalSide::Capture(Source& source, size_t nReport)
+void CSignalSide::Capture(Source& source, CCaptureReport report)
 {
     std::unique_ptr<CDubFile> pDub;
     uint64_t nFrames = 0;
@@ -220,14 +227,13 @@ void CSignalSide::Capture(Source& source, size_t nReport)
     EndPlaying();
     if (strFailure.empty() && nFrames > 0)
     {
-        strFailure = FailureOf([&] { Publish(source, nFrames, *pDub, nReport); });
+        strFailure = FailureOf([&] { Publish(source, nFrames, *pDub, report); });
     }
     // What was not published is gone before anybody hears of it.
     pDub.reset();
     if (!strFailure.empty() || nFrames == 0)
     {
-        Conclude(nReport, strFailure.empty() ? CaptureState::Empty : CaptureState::Failed,
-                 strFailure);
+        Conclude(std::move(report), strFailure);
     }
 }
 
@@ -288,7 +294,8 @@ void CSignalSide::EndPlaying()
     Notify(TNProperty_ArmCapture);
 }
 
-void CSignalSide::Publish(const Source& source, uint64_t nFrames, CDubFile& dub, size_t nReport)
+void CSignalSide::Publish(const Source& source, uint64_t nFrames, CDubFile& dub,
+                          CCaptureReport report)
 {
     {
         std::lock_guard lock(m_mutex);
@@ -300,32 +307,29 @@ void CSignalSide::Publish(const Source& source, uint64_t nFrames, CDubFile& dub,
     const TNCaptureElement record =
         RecordOf(source.reader.Path(), dub.Publish(), source.dPosition,
                  static_cast<double>(nFrames), source.reader.Info().samplerate);
-    CCaptureReport published;
+    report.dub = record.szDubPath;
+    report.times = record.tDub;
+    report.dSampleRate = record.dSampleRate;
+    report.state = CaptureState::Waiting;
     {
         std::lock_guard lock(m_mutex);
-        CCaptureReport& report = m_captures[nReport];
-        report.record = record;
         report.nElement = m_nNextElement++;
-        report.state = CaptureState::Waiting;
-        m_waiting.push_back(nReport);
+        m_waiting.push_back({report, record});
         m_fCapturing = false;
-        published = report;
     }
     Notify(TNProperty_Elements);
-    Observe(published);
+    Observe(report);
 }
 
-void CSignalSide::Conclude(size_t nReport, CaptureState state, const std::string& strFailure)
+void CSignalSide::Conclude(CCaptureReport report, const std::string& strFailure)
 {
-    CCaptureReport concluded;
+    report.state = strFailure.empty() ? CaptureState::Empty : CaptureState::Failed;
+    report.strFailure = strFailure;
     {
         std::lock_guard lock(m_mutex);
-        m_captures[nReport].state = state;
-        m_captures[nReport].strFailure = strFailure;
         m_fCapturing = false;
-        concluded = m_captures[nReport];
     }
-    Observe(concluded);
+    Observe(report);
 }
 
 void CSignalSide::Notify(AudioUnitPropertyID nId)

@@ -88,8 +88,10 @@ public:
     // when the file or the path of its dub cannot be used.
     void SetSource(const CCaptureSource& source);
 
-    // In the order in which they began.
-    std::vector<CCaptureReport> Captures() const;
+    // How many captures have begun. What is over is forgotten but for this number.
+    size_t CapturesBegun() const;
+    // True from the publication of the capture of this number to its acknowledge.
+    bool IsWaiting(size_t nNumber) const;
     bool IsArmed() const;
     // True from a capture's start until it is published, failed or dropped.
     bool IsCapturing() const;
@@ -117,6 +119,12 @@ private:
         CSoundReader reader;
         double dPosition;
     };
+    // A capture that is published and not acknowledged.
+    struct Element
+    {
+        CCaptureReport report;
+        TNCaptureElement record;
+    };
 
     OSStatus Write(AudioUnitPropertyID nId, const void* pData);
     OSStatus Read(AudioUnitPropertyID nId, AudioUnitElement nElement, void* pData);
@@ -124,14 +132,14 @@ private:
     OSStatus TakeAck(const TNElementAck& ack);
 
     void Work();
-    void Capture(Source& source, size_t nReport);
+    void Capture(Source& source, CCaptureReport report);
     std::filesystem::path CaptureFolder() const;
     uint64_t Play(Source& source, CDubFile& dub);
     bool WaitForBlock(uint64_t nFrames, double dSampleRate,
                       std::chrono::steady_clock::time_point start);
     void EndPlaying();
-    void Publish(const Source& source, uint64_t nFrames, CDubFile& dub, size_t nReport);
-    void Conclude(size_t nReport, CaptureState state, const std::string& strFailure);
+    void Publish(const Source& source, uint64_t nFrames, CDubFile& dub, CCaptureReport report);
+    void Conclude(CCaptureReport report, const std::string& strFailure);
 
     void Notify(AudioUnitPropertyID nId);
     void Log(const std::string& strLine);
@@ -146,8 +154,8 @@ private:
     std::function<void(const std::string&)> m_log;
     std::function<void(const CCaptureReport&)> m_observer;
     std::unique_ptr<Source> m_pSource;
-    std::vector<CCaptureReport> m_captures;
-    std::deque<size_t> m_waiting; // places in m_captures; the front is the element to deliver
+    size_t m_nBegun = 0;
+    std::deque<Element> m_waiting; // the front is the element to deliver
     int m_nNextElement = 0;
     SInt32 m_nTrack = 0;
     bool m_fArmed = false;

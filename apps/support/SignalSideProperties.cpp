@@ -118,13 +118,13 @@ OSStatus CSignalSide::Read(AudioUnitPropertyID nId, AudioUnitElement nElement, v
     {
         const auto found = std::find_if(
             m_waiting.begin(), m_waiting.end(),
-            [&](size_t nReport)
-            { return static_cast<AudioUnitElement>(m_captures[nReport].nElement) == nElement; });
+            [nElement](const Element& element)
+            { return static_cast<AudioUnitElement>(element.report.nElement) == nElement; });
         if (found == m_waiting.end())
         {
             return kAudioUnitErr_InvalidElement;
         }
-        Put(pData, m_captures[*found].record);
+        Put(pData, found->record);
         break;
     }
     case TNProperty_ArmCapture:
@@ -134,7 +134,7 @@ OSStatus CSignalSide::Read(AudioUnitPropertyID nId, AudioUnitElement nElement, v
         Put(pData, Float64(m_dPosition + m_dSamplesPlayed));
         break;
     case TNProperty_NextElement:
-        Put(pData, m_waiting.empty() ? SInt32(-1) : SInt32(m_captures[m_waiting.front()].nElement));
+        Put(pData, m_waiting.empty() ? SInt32(-1) : SInt32(m_waiting.front().report.nElement));
         break;
     case TNProperty_SelectedTrack:
         Put(pData, m_nTrack);

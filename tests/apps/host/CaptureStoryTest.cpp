@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <cstring>
-
 using namespace Tarvane;
 using testing::HasSubstr;
 using testing::Not;
@@ -19,10 +17,10 @@ CCaptureEntry Entry()
     entry.report.nElement = 4;
     entry.report.nNumber = 4;
     entry.report.nTrack = 1;
-    std::strcpy(entry.report.record.szDubPath, "/out/hello-001.wav");
-    entry.report.record.dSampleRate = 48000;
-    entry.report.record.tDub.dPosition = 96100;
-    entry.report.record.tDub.dEnd = 68545;
+    entry.report.dub = "/out/hello-001.wav";
+    entry.report.dSampleRate = 48000;
+    entry.report.times.dPosition = 96100;
+    entry.report.times.dEnd = 68545;
     entry.report.pAck = TNElementAck{4, 1, 0, 1};
     entry.words.strTrack = "ADR";
     return entry;

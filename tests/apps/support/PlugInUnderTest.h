@@ -38,6 +38,7 @@ public:
         {
             AudioUnitAddPropertyListener(m_pUnit, nId, &Hear, this);
         }
+        Side().SetObserver([this](const Tarvane::CCaptureReport& report) { Note(report); });
     }
     ~CPlugInUnderTest() { Dispose(); }
 
@@ -147,12 +148,33 @@ public:
         return nCount;
     }
 
+    // What the observer was told last of the capture of this number; waits for the first word.
+    Tarvane::CCaptureReport Report(size_t nNumber)
+    {
+        WaitFor([&] { return m_reports.count(nNumber) != 0; });
+        std::lock_guard lock(m_mutex);
+        return m_reports[nNumber];
+    }
+
     // Called on the notifying thread, after the notification has been noted.
     std::function<void(AudioUnitPropertyID)> onNotification;
+    // Called on the observed thread, before the report is noted.
+    std::function<void(const Tarvane::CCaptureReport&)> onReport;
 
     CTemporaryFolder sources, captures;
 
 private:
+    void Note(const Tarvane::CCaptureReport& report)
+    {
+        if (onReport)
+        {
+            onReport(report);
+        }
+        std::lock_guard lock(m_mutex);
+        m_reports[report.nNumber] = report;
+        m_heard.notify_all();
+    }
+
     static void Hear(void* pUserData, AudioUnit pUnit, AudioUnitPropertyID nId,
                      AudioUnitScope nScope, AudioUnitElement nElement)
     {
@@ -180,6 +202,7 @@ private:
     mutable std::mutex m_mutex;
     std::condition_variable m_heard;
     std::vector<Notification> m_notifications;
+    std::map<size_t, Tarvane::CCaptureReport> m_reports;
 };
 
 } // namespace TarvaneTest

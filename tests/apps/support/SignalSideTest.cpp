@@ -170,12 +170,23 @@ TEST(SignalSide, OneAcknowledgeIsTakenForAnElementAndNoOther)
     EXPECT_EQ(plugIn.Acknowledge(0, 1), noErr);
     EXPECT_EQ(plugIn.Acknowledge(0, 0), kAudioUnitErr_InvalidPropertyValue);
     EXPECT_EQ(plugIn.Count(TNProperty_ArmCapture), nBefore + 1) << "only for the one taken in";
-    const std::vector<CCaptureReport> captures = plugIn.Side().Captures();
-    ASSERT_EQ(captures.size(), 2U);
-    ASSERT_TRUE(captures[0].pAck);
-    EXPECT_EQ(captures[0].pAck->fNotDelivered, 1);
-    EXPECT_FALSE(captures[0].IsDelivered());
-    EXPECT_EQ(captures[1].state, CaptureState::Waiting);
+    const CCaptureReport acknowledged = plugIn.Report(0);
+    ASSERT_TRUE(acknowledged.pAck);
+    EXPECT_EQ(acknowledged.pAck->fNotDelivered, 1);
+    EXPECT_FALSE(acknowledged.IsDelivered());
+    EXPECT_FALSE(plugIn.Side().IsWaiting(0));
+    EXPECT_TRUE(plugIn.Side().IsWaiting(1));
+}
+
+TEST(SignalSide, ForgetsACaptureOnceItIsAcknowledged)
+{
+    CPlugInUnderTest plugIn;
+    plugIn.Capture(plugIn.MakeSource("a.wav", 100));
+    plugIn.Capture(plugIn.MakeSource("b.wav", 200));
+    plugIn.Acknowledge(0);
+    EXPECT_EQ(Status(plugIn.Unit(), TNProperty_ElementInfo, 4096), kAudioUnitErr_InvalidElement);
+    EXPECT_EQ(plugIn.Get<TNCaptureElement>(TNProperty_ElementInfo, 1).tDub.dEnd, 200.0);
+    EXPECT_EQ(plugIn.Side().CapturesBegun(), 2U) << "the number goes on";
 }
 
 TEST(SignalSide, TheDubStaysAfterItsAcknowledge)
@@ -230,7 +241,7 @@ TEST(SignalSide, AReportHoldsTheTrackOfItsAcknowledge)
     plugIn.Set(TNProperty_SelectedTrack, SInt32(2));
     plugIn.Acknowledge(0);
     plugIn.Set(TNProperty_SelectedTrack, SInt32(1));
-    EXPECT_EQ(plugIn.Side().Captures().at(0).nTrack, 2);
+    EXPECT_EQ(plugIn.Report(0).nTrack, 2);
 }
 
 TEST(SignalSide, ArmedWithoutASourceItWaitsForOne)
@@ -238,7 +249,7 @@ TEST(SignalSide, ArmedWithoutASourceItWaitsForOne)
     CPlugInUnderTest plugIn;
     const fs::path source = plugIn.MakeSource("a.wav", 100);
     plugIn.Arm(true);
-    EXPECT_THAT(plugIn.Side().Captures(), IsEmpty());
+    EXPECT_EQ(plugIn.Side().CapturesBegun(), 0U);
     plugIn.Side().SetSource({source, 0});
     plugIn.WaitForFirst(TNProperty_Elements);
     EXPECT_EQ(plugIn.Get<UInt8>(TNProperty_ArmCapture), 0);
@@ -249,12 +260,12 @@ TEST(SignalSide, ASourceWaitsUntilItIsArmed)
     CPlugInUnderTest plugIn;
     plugIn.Side().SetSource({plugIn.MakeSource("a.wav", 100), 0});
     plugIn.Side().SetSource({plugIn.MakeSource("b.wav", 100), 7});
-    EXPECT_THAT(plugIn.Side().Captures(), IsEmpty());
+    EXPECT_EQ(plugIn.Side().CapturesBegun(), 0U);
     EXPECT_THAT(plugIn.captures.Files(), IsEmpty());
     plugIn.Arm(true);
     plugIn.WaitForFirst(TNProperty_Elements);
-    EXPECT_EQ(plugIn.Side().Captures().size(), 1U);
-    EXPECT_EQ(plugIn.Side().Captures().at(0).record.tDub.dPosition, 7.0);
+    EXPECT_EQ(plugIn.Side().CapturesBegun(), 1U);
+    EXPECT_EQ(plugIn.Report(0).times.dPosition, 7.0);
 }
 
 TEST(SignalSide, DisarmingEarlyDeliversTheSamplesSoFar)
@@ -270,11 +281,10 @@ TEST(SignalSide, DisarmingEarlyDeliversTheSamplesSoFar)
         }
     };
     plugIn.Capture(source);
-    const CCaptureReport report = plugIn.Side().Captures().at(0);
-    EXPECT_EQ(report.record.tDub.dEnd, 1024.0);
+    const CCaptureReport report = plugIn.Report(0);
+    EXPECT_EQ(report.times.dEnd, 1024.0);
     const std::vector<double> all = ReadSound(source).samples;
-    EXPECT_EQ(ReadSound(report.record.szDubPath).samples,
-              std::vector<double>(all.begin(), all.begin() + 1024));
+    EXPECT_EQ(ReadSound(report.dub).samples, std::vector<double>(all.begin(), all.begin() + 1024));
     EXPECT_EQ(plugIn.Count(TNProperty_ArmCapture), 2U) << "armed and disarmed once each";
 }
 
@@ -283,16 +293,13 @@ TEST(SignalSide, DisarmingBeforeTheFirstSampleDeliversNothing)
     CPlugInUnderTest plugIn;
     plugIn.SetSpeed(kCrawl);
     plugIn.Side().SetSource({plugIn.MakeSource("a.wav", 48000), 0});
-    std::promise<void> over;
-    plugIn.Side().SetObserver([&](const CCaptureReport&) { over.set_value(); });
     plugIn.Arm(true);
     while (!plugIn.Side().IsCapturing())
     {
         std::this_thread::yield();
     }
     plugIn.Arm(false);
-    over.get_future().wait();
-    EXPECT_EQ(plugIn.Side().Captures().at(0).state, CaptureState::Empty);
+    EXPECT_EQ(plugIn.Report(0).state, CaptureState::Empty);
     EXPECT_EQ(plugIn.Count(TNProperty_Elements), 0U);
     EXPECT_THAT(plugIn.captures.Files(), IsEmpty());
 }
@@ -301,12 +308,9 @@ TEST(SignalSide, AFailedCaptureDisarmsAndSaysWhy)
 {
     CPlugInUnderTest plugIn;
     plugIn.Side().SetSource({plugIn.MakeSource("a.wav", 100), 0});
-    std::promise<void> over;
-    plugIn.Side().SetObserver([&](const CCaptureReport&) { over.set_value(); });
     fs::remove_all(plugIn.captures.Path());
     plugIn.Arm(true);
-    over.get_future().wait();
-    const CCaptureReport report = plugIn.Side().Captures().at(0);
+    const CCaptureReport report = plugIn.Report(0);
     EXPECT_EQ(report.state, CaptureState::Failed);
     EXPECT_THAT(report.strFailure, testing::HasSubstr("there is no capture folder"));
     EXPECT_EQ(plugIn.Get<UInt8>(TNProperty_ArmCapture), 0);
@@ -320,7 +324,7 @@ TEST(SignalSide, ASourceThatCannotBeUsedIsRefusedAndTheEarlierOneStays)
     EXPECT_THROW(plugIn.Side().SetSource({"/nowhere.wav", 0}), CUsageError);
     plugIn.Arm(true);
     plugIn.WaitForFirst(TNProperty_Elements);
-    EXPECT_EQ(plugIn.Side().Captures().at(0).source.filename(), "a.wav");
+    EXPECT_EQ(plugIn.Report(0).source.filename(), "a.wav");
 }
 
 TEST(SignalSide, TheObserverIsToldWhatAChangeWasAfterTheListeners)
@@ -333,17 +337,11 @@ TEST(SignalSide, TheObserverIsToldWhatAChangeWasAfterTheListeners)
         std::lock_guard lock(mutex);
         order.push_back(strWhat);
     };
-    std::promise<void> waiting;
-    plugIn.Side().SetObserver(
-        [&](const CCaptureReport& report)
-        {
-            note(report.state == CaptureState::Waiting ? "waiting" : "acknowledged");
-            EXPECT_EQ(report.nNumber, 0U);
-            if (report.state == CaptureState::Waiting)
-            {
-                waiting.set_value();
-            }
-        });
+    plugIn.onReport = [&](const CCaptureReport& report)
+    {
+        note(report.state == CaptureState::Waiting ? "waiting" : "acknowledged");
+        EXPECT_EQ(report.nNumber, 0U);
+    };
     plugIn.onNotification = [&](AudioUnitPropertyID nId)
     {
         if (nId != kTNProperty_CurrentCaptureLength)
@@ -352,7 +350,7 @@ TEST(SignalSide, TheObserverIsToldWhatAChangeWasAfterTheListeners)
         }
     };
     plugIn.Capture(plugIn.MakeSource("a.wav", 100));
-    waiting.get_future().wait();
+    plugIn.Report(0);
     plugIn.Acknowledge(0);
     EXPECT_THAT(order, ElementsAre("64004", "64004", "64000", "waiting", "64004", "acknowledged"));
 }
