@@ -3,7 +3,7 @@
 #include <AudioToolbox/AudioToolbox.h>
 
 #include "tests/platform/AudioUnit/RunLoopThread.h"
-#include "tests/platform/CoreFoundation/LiveObjects.h"
+#include "tests/support/LiveObjects.h"
 
 #include <gmock/gmock.h>
 

@@ -2,7 +2,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "tests/platform/CoreFoundation/LiveObjects.h"
+#include "tests/support/LiveObjects.h"
 
 #include <gtest/gtest.h>
 

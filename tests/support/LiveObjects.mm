@@ -2,7 +2,7 @@
 #undef NDEBUG
 #import <Foundation/Foundation.h>
 
-#include "tests/platform/CoreFoundation/LiveObjects.h"
+#include "tests/support/LiveObjects.h"
 
 long LiveObjects()
 {
