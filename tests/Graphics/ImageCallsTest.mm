@@ -184,7 +184,9 @@ TEST_F(CursorCalls, PushIsForTheCursorAndPopForTheClass)
     hand.push();
     hand.pop();
     arrow.push();
-    EXPECT_THAT(Calls(), ElementsAre("push the hand", "pop of the class", "push another"));
+    TGL::CCursor(TGL::StockCursor(8)).pop();
+    EXPECT_THAT(Calls(), ElementsAre("push the hand", "pop of the class", "push another",
+                                     "pop of the class"));
 }
 
 TEST_F(CursorCalls, StockCursorsAreOneClassMessageEach)
