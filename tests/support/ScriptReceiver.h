@@ -1,0 +1,22 @@
+#pragma once
+
+#include <Carbon/Carbon.h>
+
+#include <functional>
+#include <string>
+
+namespace TarvaneTests
+{
+
+/// What a script gets: fills the reply and returns the handler's status.
+using ScriptAnswer = std::function<OSErr(const std::string& script, AppleEvent* pReply)>;
+
+/// Puts a text, given in UTF-8, into a reply as the link reads it.
+OSErr PutText(AppleEvent* pReply, AEKeyword key, const std::string& text);
+
+/// Receives the link's commands as an application with its server's signature would; for servers
+/// that run no scripts. Prints szReady once commands can come, or why they cannot. Returns the
+/// program's exit code, and that only in the latter case.
+int ReceiveScripts(const char* szReady, ScriptAnswer answer);
+
+} // namespace TarvaneTests
