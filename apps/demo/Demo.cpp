@@ -1,7 +1,6 @@
 #include "apps/demo/Demo.h"
 
 #include "apps/server/SessionStore.h"
-#include "apps/support/CommandLine.h"
 #include "apps/support/SoundFile.h"
 #include "apps/support/Timecode.h"
 
@@ -78,6 +77,22 @@ std::string Acknowledge(const nlohmann::json& answer)
 }
 
 } // namespace
+
+void DeclareOptions(CLI::App& app, DemoOptions& options)
+{
+    app.add_option("SOUND_FILE", options.files,
+                   "Recordings to capture (default: two that come with the system)");
+    app.add_option(
+           "--out", options.strOut,
+           "Where the results go: session.txt, link-view.png, the session, the captures and "
+           "logs. Results of an earlier run are replaced, other files never (default: out)")
+        ->type_name("DIR");
+    app.add_option("--speed", options.strSpeed,
+                   "Times real time, or max for as fast as the disk allows (default 1)")
+        ->type_name("X|max");
+    app.add_flag("--headless", options.fHeadless,
+                 "End when all is done. Without it the window stays open for use by hand");
+}
 
 CDemo::CDemo(const DemoOptions& options)
     : m_options(options), m_sources(LayOut(FilesOf(options))), m_out(options.strOut)

@@ -4,6 +4,7 @@
 
 #include "apps/demo/HostClient.h"
 #include "apps/demo/Verdict.h"
+#include "apps/support/CommandLine.h"
 #include "apps/support/ResultFolder.h"
 #include "apps/support/SignalSide.h"
 
@@ -21,6 +22,8 @@ struct DemoOptions
     std::string strSpeed = "1";
     bool fHeadless = false;
 };
+
+void DeclareOptions(CLI::App& app, DemoOptions& options);
 
 // Main thread. Both children end with the object.
 class CDemo

@@ -101,6 +101,17 @@ TEST_F(Demo, AMissingRecordingIsWrongUseAndStartsNothing)
     EXPECT_FALSE(fs::exists(folder / "out"));
 }
 
+TEST_F(Demo, HelpAndVersionNeedNothing)
+{
+    const ProcessOutcome help = RunToEnd({DEMO_PROGRAM, "--help"});
+    EXPECT_EQ(help.nCode, 0);
+    EXPECT_THAT(help.strOutput,
+                HasSubstr("0 done, 1 something did not come out as it should, 2 wrong use"));
+    const ProcessOutcome version = RunToEnd({DEMO_PROGRAM, "--version"});
+    EXPECT_EQ(version.nCode, 0);
+    EXPECT_THAT(version.strOutput, StartsWith("tarvane-demo "));
+}
+
 TEST_F(Demo, AServerThatRunsAlreadyIsSaidAndLeftAlone)
 {
     StartServer();

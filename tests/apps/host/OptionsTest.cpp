@@ -1,5 +1,6 @@
 #include "apps/host/Options.h"
 
+#include "tests/apps/support/ManualPage.h"
 #include "tests/apps/support/SoundFixture.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
@@ -147,4 +148,44 @@ TEST_F(HostOptionsTest, ACaptureFolderThatCannotBeMadeIsRefused)
     EXPECT_THROW(MakeCaptureFolder(folder / "file"), CUsageError);
     EXPECT_NO_THROW(MakeCaptureFolder(folder / "new/captures"));
     EXPECT_TRUE(fs::is_directory(folder / "new/captures"));
+}
+
+namespace
+{
+
+class HostCommandLine : public testing::Test
+{
+protected:
+    HostCommandLine()
+    {
+        DeclareOptions(m_app, m_options);
+        AddCommonOptions(m_app, "some capture was neither delivered nor a duplicate");
+    }
+
+    CLI::App m_app{"", "tarvane-host"};
+    HostOptions m_options;
+};
+
+} // namespace
+
+TEST_F(HostCommandLine, TakesEachOption)
+{
+    m_app.parse("--position 480 --position -1.5 --bundle b --track 3 --capture-folder c --speed 2 "
+                "--headless --commands --results r --log l --ack-timeout 2.5 one.wav two.wav");
+    EXPECT_EQ(m_options.positions, (std::vector<double>{480, -1.5}));
+    EXPECT_EQ(m_options.strBundle, "b");
+    EXPECT_EQ(m_options.nTrack, 3);
+    EXPECT_EQ(m_options.strCaptureFolder, "c");
+    EXPECT_EQ(m_options.strSpeed, "2");
+    EXPECT_TRUE(m_options.fHeadless);
+    EXPECT_TRUE(m_options.fCommands);
+    EXPECT_EQ(m_options.strResults, "r");
+    EXPECT_EQ(m_options.strLog, "l");
+    EXPECT_EQ(m_options.dAckTimeout, 2.5);
+    EXPECT_EQ(m_options.files, (std::vector<std::string>{"one.wav", "two.wav"}));
+}
+
+TEST_F(HostCommandLine, ManualPageHasEveryOption)
+{
+    ExpectManualDescribes(m_app, HOST_MANUAL);
 }

@@ -1,11 +1,7 @@
 // What the command line takes, and what it says of itself.
 
 #include "tests/apps/link/LinkFixture.h"
-
-#include <algorithm>
-#include <fstream>
-#include <iterator>
-#include <set>
+#include "tests/apps/support/ManualPage.h"
 
 using namespace TarvaneTest;
 using testing::HasSubstr;
@@ -19,30 +15,6 @@ using UsageTest = LinkTest;
 const std::vector<std::string> kCommands{"tracks", "offset", "updates", "send",   "duplicate",
                                          "export", "render", "align",   "spread", "clear",
                                          "run",    "watch",  "doctor"};
-
-// The words that begin with two hyphens and a letter.
-std::set<std::string> OptionsIn(const std::string& strText)
-{
-    constexpr const char* kLetters = "abcdefghijklmnopqrstuvwxyz-";
-    std::set<std::string> options;
-    for (std::size_t nAt = 0; (nAt = strText.find("--", nAt)) != std::string::npos;)
-    {
-        const std::size_t nEnd = strText.find_first_not_of(kLetters, nAt);
-        options.insert(strText.substr(nAt, nEnd - nAt));
-        nAt = std::min(nEnd, strText.size());
-    }
-    return options;
-}
-
-// As it is read: without the backslash that keeps a hyphen a hyphen.
-std::string ManPage()
-{
-    std::ifstream file(MAN_PAGE);
-    std::string strText{std::istreambuf_iterator<char>(file), {}};
-    for (std::size_t nAt = 0; (nAt = strText.find("\\-", nAt)) != std::string::npos;)
-        strText.erase(nAt, 1);
-    return strText;
-}
 
 void ExpectWrongUse(const std::vector<std::string>& arguments, const std::string& strPart)
 {
@@ -94,7 +66,7 @@ TEST_F(UsageTest, ACommandHasHelpOfItsOwn)
 
 TEST_F(UsageTest, TheManPageHasEveryCommandOptionAndExitCode)
 {
-    const std::string strPage = ManPage();
+    const std::string strPage = ManualPage(MAN_PAGE);
     EXPECT_EQ(OptionsIn(strPage), OptionsIn(RunLink({"--help"}).strOutput));
     for (const std::string& strCommand : kCommands)
         EXPECT_THAT(strPage, testing::AnyOf(HasSubstr("\n.B " + strCommand + "\n"),

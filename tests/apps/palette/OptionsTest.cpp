@@ -1,13 +1,10 @@
 #include "apps/palette/Options.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "tests/apps/support/ManualPage.h"
 
-#include <fstream>
-#include <sstream>
+#include <gmock/gmock.h>
 
 using Tarvane::PaletteOptions;
-using testing::HasSubstr;
 
 namespace
 {
@@ -56,17 +53,5 @@ TEST_F(PaletteCommandLine, AWindowIsForWhenNothingElseWasAskedFor)
 
 TEST_F(PaletteCommandLine, ManualPageHasEveryOption)
 {
-    std::ostringstream text;
-    text << std::ifstream(PALETTE_MANUAL).rdbuf();
-    for (const CLI::Option* pOption : m_app.get_options())
-    {
-        std::string strName = pOption->get_lnames().at(0);
-        EXPECT_THAT(text.str(), HasSubstr("\\-\\-" + strName));
-        if (!pOption->get_type_name().empty())
-        {
-            EXPECT_THAT(text.str(), HasSubstr(".BI \\-\\-" + strName + " \" " +
-                                              pOption->get_type_name() + "\""));
-        }
-    }
-    EXPECT_EQ(m_app.get_options().size(), 6u);
+    TarvaneTest::ExpectManualDescribes(m_app, PALETTE_MANUAL);
 }
