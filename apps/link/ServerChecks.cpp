@@ -2,6 +2,8 @@
 
 #include "apps/link/Contract.h"
 
+#include "TarvaneLinkShared/ScriptNumbers.h"
+
 #include <Carbon/Carbon.h>
 
 #include <algorithm>
@@ -39,9 +41,13 @@ std::string Printed(const CExaminer::Reply& reply)
     constexpr std::size_t kEnough = 60;
     if (reply.outcome == Outcome::ServerError)
         return "the error \"" + reply.strMessage + "\"";
-    std::string strText = reply.strPrinted.substr(0, kEnough);
+    std::size_t nShown = std::min(kEnough, reply.strPrinted.size());
+    // Not in the middle of a UTF-8 character.
+    while (nShown > 0 && (reply.strPrinted[nShown] & 0xC0) == 0x80)
+        nShown--;
+    std::string strText = reply.strPrinted.substr(0, nShown);
     std::replace(strText.begin(), strText.end(), '\n', '|');
-    return "\"" + strText + (reply.strPrinted.size() > kEnough ? "...\"" : "\"");
+    return "\"" + strText + (reply.strPrinted.size() > nShown ? "...\"" : "\"");
 }
 
 } // namespace
@@ -155,9 +161,13 @@ Finding CheckDocument(const CExaminer& examiner)
     if (reply.Is("0"))
         return {"document", Verdict::Problem, "the document has no tracks",
                 "Make a track in the server.", Outcome::ServerError};
+    const long nTracks = LongFromText(reply.strPrinted.c_str());
+    if (nTracks <= 0)
+        return {"document", Verdict::Problem,
+                "asked for the count of tracks, the server answered " + Printed(reply),
+                "GetTrackCount gives a whole number, 0 or more.", Outcome::ServerError};
     return {"document", Verdict::Good,
-            "the document's count of tracks is " +
-                reply.strPrinted.substr(0, reply.strPrinted.find('\n'))};
+            "the document's count of tracks is " + std::to_string(nTracks)};
 }
 
 } // namespace Tarvane::Link

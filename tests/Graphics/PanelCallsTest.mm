@@ -147,7 +147,7 @@ TEST_F(PanelCalls, NoCharacterIsCutInTwo)
 TEST_F(PanelCalls, TextThatDoesNotConvertIsEmpty)
 {
     const wchar_t szNone[] = {wchar_t(0xd800), 0};
-    TGL::Alert("t", "%ls", szNone);
+    TGL::Alert("t", "before %ls", szNone);
     EXPECT_EQ(strShown, "");
 }
 

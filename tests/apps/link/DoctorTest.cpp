@@ -215,6 +215,32 @@ TEST_F(DoctorTest, AServerThatGoesAwayEndsTheExamination)
     EXPECT_EQ(Checks(ran).back(), "functions");
 }
 
+TEST_F(DoctorTest, OfALongAnswerTheBeginningIsShownInWholeCharacters)
+{
+    Answer("print(\"V", std::string(59, 'a') + "\xC3\xB6" + std::string(100000, 'b'));
+    Answer("local nothing", std::string(60, 'c'));
+    const Ran ran = Examine();
+    ExpectFinding(ran, "server", "problem", "answered \"" + std::string(59, 'a') + "...\"");
+    ExpectFinding(ran, "silence", "warning", "answered with \"" + std::string(60, 'c') + "\"");
+    EXPECT_LT(ran.strOutput.size(), 5000U);
+}
+
+TEST_F(DoctorTest, ACountOfTracksThatIsNoNumberIsAProblem)
+{
+    Answer("GetTrackCount() > 0", "true\n");
+    Answer("GetTrackCount()", "many\n");
+    const Ran ran = Examine();
+    EXPECT_EQ(ran.nExitCode, 1);
+    ExpectFinding(ran, "document", "problem", "answered \"many|\"");
+}
+
+TEST_F(DoctorTest, ANegativeCountOfTracksIsAProblem)
+{
+    Answer("GetTrackCount() > 0", "true\n");
+    Answer("GetTrackCount()", "-1\n");
+    ExpectFinding(Examine(), "document", "problem", "answered \"-1|\"");
+}
+
 TEST_F(DoctorTest, TextThatComesBackOtherwiseIsAProblem)
 {
     Answer("print(\"V", "V?x\n");

@@ -113,6 +113,21 @@ TEST_F(ProgramFailureTest, ServerThatDiesInTheMiddle)
     }
 }
 
+TEST_F(ProgramFailureTest, ServerThatDiesUnderEachCommand)
+{
+    for (const auto& arguments : kCommands)
+    {
+        const Child server = StartServer({"--track", "Vox", "--misbehave", "exit-before-effect@1"});
+        const Ended ended = RunLink(arguments);
+        EXPECT_EQ(ended.nExitCode, 5) << arguments[0];
+        if (arguments[0] != "doctor")
+        {
+            EXPECT_THAT(ended.strError, StartsWith("AEError ID:-609\n")) << arguments[0];
+        }
+        EXPECT_TRUE(server->WaitForEnd(kAnyTime)) << arguments[0];
+    }
+}
+
 TEST_F(ProgramFailureTest, ServerThatDiesUnderTheDoctor)
 {
     const Child server = StartServer({"--track", "Vox", "--misbehave", "exit-before-effect@30"});
@@ -173,6 +188,23 @@ TEST_F(ProgramFailureTest, AHundredKilobytesAreNoList)
 {
     const Child server = StartScripted({"GetTrackName=>bytes:102400"});
     EXPECT_EQ(RunLink({"tracks"}).nExitCode, 5);
+}
+
+// What reads a number reads 0, what reads a list finds none, and the rest reads nothing.
+TEST_F(ProgramFailureTest, AHundredKilobytesForEachCommand)
+{
+    const Child server = StartScripted({"=>bytes:102400"});
+    for (const auto& arguments : kCommands)
+    {
+        const std::string& strCommand = arguments[0];
+        const bool fList = strCommand == "tracks" || strCommand == "export" ||
+                           strCommand == "render" || strCommand == "watch";
+        const Ended ended = RunLink(arguments);
+        EXPECT_EQ(ended.nExitCode, fList ? 5 : strCommand == "doctor" ? 1 : 0) << strCommand;
+        EXPECT_THAT(ended.strOutput.size(), testing::Lt(103000U)) << strCommand;
+    }
+    EXPECT_EQ(RunLink({"updates"}).strOutput, "0\n");
+    EXPECT_EQ(RunLink({"offset"}).strOutput, "0\n");
 }
 
 TEST_F(ProgramFailureTest, AHundredThousandTracks)
