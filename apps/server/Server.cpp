@@ -39,7 +39,26 @@ void RequireAgreement(const CSession& session, const Options& options, const std
                           "continue this session, or name another file");
 }
 
-std::optional<CSession> LoadSession(CSessionStore& store)
+// Empty as well for a flawed file, which is kept aside: whoever starts a server wants to work.
+std::optional<CSession> LoadOrKeepAside(CSessionStore& store)
+{
+    try
+    {
+        return store.Load();
+    }
+    catch (const CSessionFlaw& flaw)
+    {
+        std::cerr << "tarvane-server: " << flaw.what() << "; it is kept as "
+                  << store.KeepFlawed().string() << ", and a new session begins" << std::endl;
+        return std::nullopt;
+    }
+    catch (const CSessionTooNew& version)
+    {
+        throw CUsageError(version.what());
+    }
+}
+
+std::optional<CSession> LoadForListing(CSessionStore& store)
 {
     try
     {
@@ -49,12 +68,16 @@ std::optional<CSession> LoadSession(CSessionStore& store)
     {
         throw CUsageError(flaw.what());
     }
+    catch (const CSessionTooNew& version)
+    {
+        throw CUsageError(version.what());
+    }
 }
 
 int PrintListing(const Options& options)
 {
     CSessionStore store(options.strListedFile);
-    const std::optional<CSession> session = LoadSession(store);
+    const std::optional<CSession> session = LoadForListing(store);
     if (!session)
         throw CUsageError("there is no session file " + options.strListedFile);
     std::cout << (options.fJson ? ListSessionAsJson(*session) : ListSession(*session));
@@ -79,9 +102,11 @@ CSession OpenSession(CSessionStore* pStore, const Options& options)
     if (pStore == nullptr)
         return fresh;
     pStore->Lock();
-    if (std::optional<CSession> existing = LoadSession(*pStore))
+    if (std::optional<CSession> existing = LoadOrKeepAside(*pStore))
     {
         RequireAgreement(*existing, options, pStore->File().string());
+        if (pStore->HasEarlierForm())
+            pStore->Save(*existing);
         return *std::move(existing);
     }
     // A file that cannot be written is better found now than at the first take.

@@ -1,6 +1,8 @@
 #include "apps/server/SessionStore.h"
 
-#include "apps/server/AtomicFile.h"
+#include "apps/server/SessionBlocks.h"
+#include "apps/server/SessionText.h"
+#include "apps/support/AtomicFile.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -48,19 +50,31 @@ std::optional<CSession> CSessionStore::Load()
     if (!std::filesystem::exists(m_file))
         return std::nullopt;
     m_strContent = ReadFile(m_file, kLargestFile);
+    m_fEarlierForm = IsSessionText(m_strContent);
+    const std::string strWhich = "the session file " + m_file.string();
     try
     {
-        return DecodeSession(m_strContent);
+        return m_fEarlierForm ? DecodeSessionText(m_strContent) : DecodeSession(m_strContent);
     }
     catch (const CSessionFlaw& flaw)
     {
-        throw CSessionFlaw("the session file " + m_file.string() +
-                           " is flawed and has been left as it is: " + flaw.what());
+        throw CSessionFlaw(strWhich + " is flawed: " + flaw.what());
     }
+    catch (const CSessionTooNew& version)
+    {
+        throw CSessionTooNew(strWhich + " is of a later program: " + version.what());
+    }
+}
+
+std::filesystem::path CSessionStore::KeepFlawed() const
+{
+    return KeepUnderSecondName(m_file, ".flawed");
 }
 
 void CSessionStore::Save(const CSession& session)
 {
+    if (const auto flaw = session.Flaw())
+        throw CSessionFlaw("it could not be loaded again: " + *flaw);
     std::string strContent = EncodeSession(session);
     try
     {
@@ -72,6 +86,7 @@ void CSessionStore::Save(const CSession& session)
         throw;
     }
     m_strContent = std::move(strContent);
+    m_fEarlierForm = false;
 }
 
 // The file has been replaced already when it is its folder that could not be synced. The session

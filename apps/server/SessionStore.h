@@ -2,7 +2,7 @@
 #pragma once
 
 #include "apps/server/Session.h"
-#include "apps/server/SessionText.h"
+#include "apps/server/SessionFlaw.h"
 
 #include <filesystem>
 #include <optional>
@@ -30,14 +30,23 @@ public:
     // another server holds it, and std::system_error.
     void Lock();
 
-    // The session in the file; empty when there is no file. Throws CSessionFlaw, whose text names
-    // the file, for a file that holds no sound session, and std::system_error for one that cannot
-    // be read. The file is never touched.
+    // The session in the file; empty when there is no file. Throws CSessionFlaw for a file that
+    // holds no sound session and CSessionTooNew, both with a text that names the file, and
+    // std::system_error for one that cannot be read. The file is never touched.
     std::optional<CSession> Load();
 
+    // Whether what was loaded last is of the earlier form; the next Save writes today's.
+    bool HasEarlierForm() const { return m_fEarlierForm; }
+
+    // Keeps a flawed file for good, beside it as "<name>.flawed" or, where that is taken, as
+    // "<name>.flawed-2" and so on, and returns where. It stands under its own name too until the
+    // next Save. Throws std::system_error.
+    std::filesystem::path KeepFlawed() const;
+
     // When this returns the session is on disk and survives the end of the process at any instant;
-    // until then the file holds what it held. Throws std::system_error with what stands in the way;
-    // the file then holds what it held.
+    // until then the file holds what it held. Throws std::system_error with what stands in the way,
+    // and CSessionFlaw for a session that could not be loaded again; the file then holds what it
+    // held.
     void Save(const CSession& session);
 
 private:
@@ -45,6 +54,7 @@ private:
 
     std::filesystem::path m_file;
     std::string m_strContent; // of the file, as last loaded or saved; empty when there is none
+    bool m_fEarlierForm = false;
     int m_nLock = -1;
 };
 

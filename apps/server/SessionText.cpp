@@ -10,64 +10,10 @@ namespace Tarvane::Server
 namespace
 {
 
-using Json = nlohmann::ordered_json;
+using Json = nlohmann::json;
 
 constexpr const char* szForm = "Tarvane Link session";
 constexpr int kVersion = 1;
-
-Json EncodeRegion(const Region& region)
-{
-    return {{"id", region.nId},
-            {"track", region.nTrackId},
-            {"file", region.strPath},
-            {"start", region.nStart},
-            {"end", region.nEnd},
-            {"position", region.nPosition},
-            {"sampleRate", region.nSampleRate},
-            {"channels", region.channels},
-            {"muted", region.fMuted}};
-}
-
-Json EncodeProcess(const Process& process)
-{
-    Json inputs = Json::array();
-    for (const ProcessInput& input : process.inputs)
-        inputs.push_back({{"ioType", input.nIOType},
-                          {"track", input.nTrackId},
-                          {"start", input.nStart},
-                          {"end", input.nEnd}});
-    return {{"id", process.nId},
-            {"kind", process.strKind},
-            {"host", process.strHost},
-            {"inputs", std::move(inputs)},
-            {"outputs", process.outputTrackIds},
-            {"region", process.nRegionId}};
-}
-
-Json EncodeDocument(const Document& document)
-{
-    Json tracks = Json::array();
-    for (const Track& track : document.tracks)
-        tracks.push_back({{"id", track.nId}, {"name", track.strName}});
-    Json regions = Json::array();
-    for (const Region& region : document.regions)
-        regions.push_back(EncodeRegion(region));
-    Json areas = Json::array();
-    for (const MarkerArea& area : document.markerAreas)
-        areas.push_back({{"id", area.nId},
-                         {"track", area.nTrackId},
-                         {"start", area.nStart},
-                         {"end", area.nEnd}});
-    Json processes = Json::array();
-    for (const Process& process : document.processes)
-        processes.push_back(EncodeProcess(process));
-    return {{"displayPosition", document.dDisplayPosition},
-            {"selectedRegion", document.nSelectedRegionId},
-            {"tracks", std::move(tracks)},
-            {"regions", std::move(regions)},
-            {"markerAreas", std::move(areas)},
-            {"processes", std::move(processes)}};
-}
 
 const Json& Member(const Json& object, const char* szKey)
 {
@@ -203,29 +149,18 @@ Json Parse(std::string_view text)
 
 } // namespace
 
-std::string EncodeSession(const CSession& session)
+bool IsSessionText(std::string_view bytes)
 {
-    Json documents;
-    for (DocumentKind kind : kDocumentKinds)
-        documents[DocumentName(kind)] = EncodeDocument(session.GetDocument(kind));
-    const Json whole{{"form", szForm},
-                     {"version", kVersion},
-                     {"linkOffset", session.LinkOffset()},
-                     {"updateCount", session.UpdateCount()},
-                     {"nextId", session.NextId()},
-                     {"documents", std::move(documents)}};
-    return whole.dump(1) + "\n";
+    const std::size_t nFirst = bytes.find_first_not_of(" \t\r\n");
+    return nFirst != std::string_view::npos && bytes[nFirst] == '{';
 }
 
-CSession DecodeSession(std::string_view text)
+CSession DecodeSessionText(std::string_view text)
 {
     const Json whole = Parse(text);
     if (!whole.is_object() || whole.value("form", Json()) != szForm)
         throw CSessionFlaw("this is no session of this program");
-    const auto nVersion = GetInteger<std::int64_t>(whole, "version");
-    if (nVersion != kVersion)
-        throw CSessionFlaw("its version is " + std::to_string(nVersion) + "; this program reads " +
-                           std::to_string(kVersion));
+    RequireVersion(GetInteger<std::int64_t>(whole, "version"), kVersion);
 
     std::array<Document, kDocumentKinds.size()> documents;
     for (DocumentKind kind : kDocumentKinds)

@@ -1,4 +1,4 @@
-// The written form of a session: UTF-8 text, JSON.
+// The earlier written form of a session, which is read and no longer written: UTF-8 text, JSON.
 //
 //     {"form": "Tarvane Link session", "version": 1,
 //      "linkOffset": seconds, "updateCount": n, "nextId": n,
@@ -12,23 +12,17 @@
 #pragma once
 
 #include "apps/server/Session.h"
+#include "apps/server/SessionFlaw.h"
 
-#include <stdexcept>
-#include <string>
 #include <string_view>
 
 namespace Tarvane::Server
 {
 
-// The text says what is wrong with what was read.
-class CSessionFlaw : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
+// Whether these bytes can be of that form at all.
+bool IsSessionText(std::string_view bytes);
 
-std::string EncodeSession(const CSession& session);
-// Throws CSessionFlaw for anything but a whole, sound session.
-CSession DecodeSession(std::string_view text);
+// Throws CSessionFlaw for anything but a whole, sound session, and CSessionTooNew.
+CSession DecodeSessionText(std::string_view text);
 
 } // namespace Tarvane::Server

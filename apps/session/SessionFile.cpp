@@ -1,7 +1,6 @@
 #include "apps/session/SessionFile.h"
 
-#include "apps/server/AtomicFile.h"
-#include "apps/session/SessionScan.h"
+#include "apps/support/AtomicFile.h"
 #include "apps/support/CommandLine.h"
 #include "utils/ParameterWalk.h"
 
@@ -20,29 +19,30 @@ namespace
 constexpr unsigned long kAnnouncedSize = 50ul * 1000 * 1000;
 constexpr unsigned long kPercentStep = 10;
 
-/// Says how far a load is, in steps of ten percent.
+/// Says how far a large file has been read, in steps of ten percent, from 0 on.
 class CAnnouncer : public CProgress
 {
 public:
     CAnnouncer(std::string strFile, unsigned long nTotal)
         : m_strFile(std::move(strFile)), m_nTotal(nTotal)
     {
+        Update(0);
     }
 
     bool Update(unsigned long nBytes) override
     {
-        const unsigned long nPercent = nBytes * 100 / m_nTotal;
-        if (nPercent < m_nNext)
+        if (nBytes < m_nNextBytes || m_nTotal <= kAnnouncedSize)
             return false;
+        const unsigned long nPercent = nBytes * 100 / m_nTotal / kPercentStep * kPercentStep;
         std::cerr << m_strFile << ": " << nPercent << " % read" << std::endl;
-        m_nNext = nPercent - nPercent % kPercentStep + kPercentStep;
+        m_nNextBytes = (nPercent + kPercentStep) * m_nTotal / 100;
         return false;
     }
 
 private:
     std::string m_strFile;
     unsigned long m_nTotal;
-    unsigned long m_nNext = 0;
+    unsigned long m_nNextBytes = 0;
 };
 
 struct DataReleaser
@@ -69,12 +69,18 @@ std::string ReadSessionBytes(const std::filesystem::path& path)
 {
     try
     {
-        return Server::ReadFile(path, std::numeric_limits<unsigned int>::max());
+        return ReadFile(path, std::numeric_limits<unsigned int>::max());
     }
     catch (const std::system_error& error)
     {
         throw CUsageError(error.what());
     }
+}
+
+ScannedSession ScanAnnounced(const std::filesystem::path& path, std::string_view bytes)
+{
+    CAnnouncer announcer(path.string(), bytes.size());
+    return Scan(bytes, [&announcer](std::size_t nBytes) { announcer.Update(nBytes); });
 }
 
 LoadedSession LoadSession(const std::filesystem::path& path)
@@ -83,8 +89,7 @@ LoadedSession LoadSession(const std::filesystem::path& path)
     if (bytes.empty())
         throw CUsageError(path.string() + " is empty, and no session.");
     CAnnouncer announcer(path.string(), bytes.size());
-    CProgress* pProgress = bytes.size() > kAnnouncedSize ? &announcer : nullptr;
-    LoadedSession session{std::make_unique<CParameterBlock>(pProgress, bytes.size()), true};
+    LoadedSession session{std::make_unique<CParameterBlock>(&announcer, bytes.size()), true};
     const int nResult = session.pRoot->LoadBinarySessionFromMemory(
         reinterpret_cast<unsigned char*>(bytes.data()), static_cast<unsigned int>(bytes.size()));
     if (nResult == CParameterBlock::kSessionBadHeader)
@@ -103,7 +108,7 @@ void SaveSession(CParameterBlock& root, const std::filesystem::path& path)
     const auto* pBytes = reinterpret_cast<const char*>(CFDataGetBytePtr(pData.get()));
     try
     {
-        Server::ReplaceFile(path, {pBytes, nSize});
+        ReplaceFile(path, {pBytes, nSize});
     }
     catch (const std::system_error& error)
     {

@@ -1,11 +1,13 @@
 // Session files as the programs see them: whole, with words for what is wrong.
 #pragma once
 
+#include "apps/session/SessionScan.h"
 #include "utils/ParameterBlock.h"
 
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace Tarvane::Session
 {
@@ -14,13 +16,17 @@ namespace Tarvane::Session
 // a session can be (4 GiB).
 std::string ReadSessionBytes(const std::filesystem::path& path);
 
+// Goes through a file's bytes strictly. Files over 50 MB are announced as LoadSession does.
+ScannedSession ScanAnnounced(const std::filesystem::path& path, std::string_view bytes);
+
 struct LoadedSession
 {
     std::unique_ptr<CParameterBlock> pRoot;
     bool fWhole; // false: the records broke off, and pRoot holds what came before
 };
 
-// Files over 50 MB are announced on the standard error stream with how far they are. Throws
+// Files over 50 MB are announced on the standard error stream with how far they are, in steps of
+// ten percent; this reader knows that only where a block ends. Throws
 // CUsageError for what is no session.
 LoadedSession LoadSession(const std::filesystem::path& path);
 

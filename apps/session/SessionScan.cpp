@@ -21,7 +21,10 @@ constexpr std::size_t kSmallestRecord = 6; // tag, token and a bool
 class CScanner
 {
 public:
-    explicit CScanner(std::string_view bytes) : m_bytes(bytes) {}
+    CScanner(std::string_view bytes, const ScanProgress& progress)
+        : m_bytes(bytes), m_progress(progress)
+    {
+    }
 
     ScannedSession Run()
     {
@@ -161,6 +164,8 @@ private:
         if (!ScanPayload(nType))
             return false;
         Count(nType, nToken, nStart);
+        if (m_progress)
+            m_progress(m_nAt);
         return true;
     }
 
@@ -261,6 +266,7 @@ private:
     }
 
     const std::string_view m_bytes;
+    const ScanProgress& m_progress;
     std::size_t m_nAt = 0;
     ScannedSession m_session;
     std::vector<Level> m_levels;
@@ -270,9 +276,17 @@ private:
 
 } // namespace
 
-ScannedSession Scan(std::string_view bytes)
+ScannedSession Scan(std::string_view bytes, const ScanProgress& progress)
 {
-    return CScanner(bytes).Run();
+    return CScanner(bytes, progress).Run();
+}
+
+std::string FlawText(const Flaw& flaw)
+{
+    std::string text = "offset " + std::to_string(flaw.nOffset) + ": " + flaw.strReason;
+    if (!flaw.strPath.empty())
+        text += ", in " + flaw.strPath;
+    return text;
 }
 
 } // namespace Tarvane::Session

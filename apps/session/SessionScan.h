@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,6 +40,12 @@ struct ScannedSession
     std::optional<Flaw> flaw;
 };
 
-ScannedSession Scan(std::string_view bytes);
+// Told the bytes gone through so far, after each record.
+using ScanProgress = std::function<void(std::size_t)>;
+
+ScannedSession Scan(std::string_view bytes, const ScanProgress& progress = {});
+
+// "offset 57: a bool is neither 0 nor 1, in Track[2]/Solo".
+std::string FlawText(const Flaw& flaw);
 
 } // namespace Tarvane::Session

@@ -1,6 +1,5 @@
 #include "apps/session/SessionTool.h"
 
-#include "apps/server/AtomicFile.h"
 #include "apps/session/Diff.h"
 #include "apps/session/Dump.h"
 #include "apps/session/EntryPath.h"
@@ -8,6 +7,7 @@
 #include "apps/session/Json.h"
 #include "apps/session/SessionFile.h"
 #include "apps/session/SessionScan.h"
+#include "apps/support/AtomicFile.h"
 #include "apps/support/CommandLine.h"
 
 #include <algorithm>
@@ -34,12 +34,9 @@ struct Options
     std::size_t nDepth = std::numeric_limits<std::size_t>::max();
 };
 
-std::string FlawText(const std::string& strFile, const Flaw& flaw)
+std::string FlawOf(const std::string& strFile, const Flaw& flaw)
 {
-    std::string text = strFile + ": offset " + std::to_string(flaw.nOffset) + ": " + flaw.strReason;
-    if (!flaw.strPath.empty())
-        text += ", in " + flaw.strPath;
-    return text;
+    return strFile + ": " + FlawText(flaw);
 }
 
 /// What the records held before they broke off has been shown; this says that there was more.
@@ -48,7 +45,7 @@ int ReportBrokenOff(const LoadedSession& session, const std::string& strFile)
     if (session.fWhole)
         return kExitDone;
     const auto scanned = Scan(ReadSessionBytes(strFile));
-    std::cerr << FlawText(strFile, *scanned.flaw) << std::endl;
+    std::cerr << FlawOf(strFile, *scanned.flaw) << std::endl;
     return kExitFlawed;
 }
 
@@ -94,9 +91,9 @@ void PrintTypes(const Statistics& statistics)
 int RunStat(const Options& options)
 {
     const std::string bytes = ReadSessionBytes(options.strFile);
-    const ScannedSession session = Scan(bytes);
+    const ScannedSession session = ScanAnnounced(options.strFile, bytes);
     if (session.flaw && session.nRootOffset == 0)
-        throw CUsageError(FlawText(options.strFile, *session.flaw) + ".");
+        throw CUsageError(FlawOf(options.strFile, *session.flaw) + ".");
     std::cout << "bytes         " << bytes.size() << "\nheader        " << session.nRootOffset
               << "\nrecords       " << bytes.size() - session.nRootOffset << "\nnames         "
               << session.names.size() - 1 << "\nlevels        " << session.statistics.nDeepest
@@ -108,16 +105,17 @@ int RunStat(const Options& options)
     PrintNames(session);
     if (!session.flaw)
         return kExitDone;
-    std::cerr << FlawText(options.strFile, *session.flaw) << "; counted up to there" << std::endl;
+    std::cerr << FlawOf(options.strFile, *session.flaw) << "; counted up to there" << std::endl;
     return kExitFlawed;
 }
 
 int RunVerify(const Options& options)
 {
-    const ScannedSession session = Scan(ReadSessionBytes(options.strFile));
+    const ScannedSession session =
+        ScanAnnounced(options.strFile, ReadSessionBytes(options.strFile));
     if (session.flaw)
     {
-        std::cout << FlawText(options.strFile, *session.flaw) << '\n';
+        std::cout << FlawOf(options.strFile, *session.flaw) << '\n';
         return kExitFlawed;
     }
     std::cout << options.strFile << ": fine\n";
@@ -128,7 +126,7 @@ void Replace(const std::string& strFile, const std::string& strBytes)
 {
     try
     {
-        Server::ReplaceFile(strFile, strBytes);
+        ReplaceFile(strFile, strBytes);
     }
     catch (const std::system_error& error)
     {
@@ -156,7 +154,7 @@ std::string ReadText(const std::string& strFile)
         return {std::istreambuf_iterator<char>(std::cin), {}};
     try
     {
-        return Server::ReadFile(strFile, std::numeric_limits<std::size_t>::max());
+        return ReadFile(strFile, std::numeric_limits<std::size_t>::max());
     }
     catch (const std::system_error& error)
     {

@@ -1,7 +1,7 @@
 #include "apps/server/CommandProcessor.h"
 
 #include "tests/apps/server/CommandFixture.h"
-#include "tests/apps/server/FailingCalls.h"
+#include "tests/apps/support/FailingCalls.h"
 
 namespace Tarvane::Server
 {

@@ -1,6 +1,6 @@
 #include "apps/server/EventLog.h"
 
-#include "apps/server/AtomicFile.h"
+#include "apps/support/AtomicFile.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

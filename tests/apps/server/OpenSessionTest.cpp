@@ -1,7 +1,8 @@
 #include "apps/server/Server.h"
 
-#include "apps/server/AtomicFile.h"
+#include "apps/support/AtomicFile.h"
 #include "apps/support/CommandLine.h"
+#include "tests/apps/server/FullSession.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -77,11 +78,44 @@ TEST_F(OpenSessionOf, OptionsThatSayOtherwiseAreRefused)
     EXPECT_EQ(UsageError(), "opened");
 }
 
-TEST_F(OpenSessionOf, AFlawedFileIsKept)
+TEST_F(OpenSessionOf, AFlawedFileIsKeptAsideAndANewSessionBegins)
 {
     std::ofstream(m_file) << "{}";
-    EXPECT_THAT(UsageError(), HasSubstr("is flawed and has been left as it is"));
-    EXPECT_EQ(ReadFile(m_file, 100), "{}");
+    m_options.trackNames = {"Vox"};
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(Open().GetDocument(DocumentKind::Script).tracks.size(), 1u);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "tarvane-server: the session file " + m_file.string() +
+                  " is flawed: this is no session of this program; it is kept as " +
+                  m_file.string() + ".flawed, and a new session begins\n");
+    EXPECT_EQ(ReadFile(m_folder / "session.flawed", 100), "{}");
+    EXPECT_EQ(CSessionStore(m_file).Load()->GetDocument(DocumentKind::Script).tracks.size(), 1u);
+}
+
+TEST_F(OpenSessionOf, AFileOfALaterProgramIsRefusedAndStays)
+{
+    const std::string strLater = R"({"form": "Tarvane Link session", "version": 3})";
+    std::ofstream(m_file) << strLater;
+    EXPECT_THAT(UsageError(), HasSubstr("is of a later program"));
+    EXPECT_EQ(ReadFile(m_file, 100), strLater);
+    EXPECT_FALSE(std::filesystem::exists(m_folder / "session.flawed"));
+}
+
+TEST_F(OpenSessionOf, AFileOfTheEarlierFormIsConvertedAtOnce)
+{
+    std::ofstream(m_file) << TarvaneTest::szFullText;
+    TarvaneTest::ExpectFullSession(Open());
+    CSessionStore store(m_file);
+    TarvaneTest::ExpectFullSession(store.Load().value());
+    EXPECT_FALSE(store.HasEarlierForm());
+}
+
+TEST_F(OpenSessionOf, AFileOfTheEarlierFormThatIsRefusedIsNotConverted)
+{
+    std::ofstream(m_file) << TarvaneTest::szFullText;
+    m_options.trackNames = {"Other"};
+    EXPECT_THAT(UsageError(), HasSubstr("exists and says otherwise than --track"));
+    EXPECT_EQ(ReadFile(m_file, 10000), TarvaneTest::szFullText);
 }
 
 TEST_F(OpenSessionOf, AFileInUseIsRefused)

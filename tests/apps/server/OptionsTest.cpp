@@ -1,6 +1,13 @@
 #include "apps/server/Options.h"
 
+#include "apps/server/Misbehaviour.h"
+#include "apps/support/CommandLine.h"
+
 #include <gmock/gmock.h>
+
+#include <fstream>
+#include <regex>
+#include <sstream>
 
 namespace Tarvane::Server
 {
@@ -95,6 +102,30 @@ TEST(Options, UnknownFaultsAndOptionsAreRefused)
     EXPECT_NE(ErrorOf({"--nonsense"}), "read");
     EXPECT_NE(ErrorOf({"extra"}), "read");
     EXPECT_NE(ErrorOf({"--session"}), "read");
+}
+
+TEST(Options, ManualPageHasEveryOptionAndFault)
+{
+    CLI::App app("", "tarvane-server");
+    AddCommonOptions(app, "");
+    Options options;
+    DeclareOptions(app, options);
+    std::ostringstream text;
+    text << std::ifstream(SERVER_MANUAL).rdbuf();
+    for (const CLI::Option* pOption : app.get_options())
+    {
+        const std::string strName =
+            std::regex_replace(pOption->get_lnames().at(0), std::regex("-"), "\\-");
+        EXPECT_THAT(text.str(), HasSubstr("\\-\\-" + strName));
+        if (!pOption->get_type_name().empty())
+        {
+            EXPECT_THAT(text.str(), HasSubstr(".BI \\-\\-" + strName + " \" " +
+                                              pOption->get_type_name() + "\""));
+        }
+    }
+    EXPECT_EQ(app.get_options().size(), 11u);
+    for (const FaultKind& kind : FaultKinds())
+        EXPECT_THAT(text.str(), HasSubstr(std::string(".B ") + kind.szName + "\n"));
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "apps/server/RenderFolder.h"
 
 #include "apps/server/SoundFiles.h"
-#include "tests/apps/server/FailingCalls.h"
 #include "tests/apps/server/SoundMaker.h"
+#include "tests/apps/support/FailingCalls.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

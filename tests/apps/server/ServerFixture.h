@@ -29,17 +29,20 @@ protected:
 
     ServerFixture() { Bus(); }
 
-    // A server that need not come up.
-    static Child StartAnyway(std::vector<std::string> options)
+    // A server that need not come up. prefix: a program that becomes the server, with its options.
+    static Child StartAnyway(const std::vector<std::string>& options,
+                             std::vector<std::string> prefix = {})
     {
-        options.insert(options.begin(), SERVER_PROGRAM);
-        return std::make_unique<Tarvane::CChildProcess>(options);
+        prefix.push_back(SERVER_PROGRAM);
+        prefix.insert(prefix.end(), options.begin(), options.end());
+        return std::make_unique<Tarvane::CChildProcess>(prefix);
     }
 
     // A server that answers.
-    static Child Start(const std::vector<std::string>& options)
+    static Child Start(const std::vector<std::string>& options,
+                       const std::vector<std::string>& prefix = {})
     {
-        Child server = StartAnyway(options);
+        Child server = StartAnyway(options, prefix);
         EXPECT_TRUE(server->WaitForLine("ready", kAnyTime)) << server->ErrorOutput();
         return server;
     }
@@ -51,9 +54,10 @@ protected:
         std::string strOutput;
         std::string strError;
     };
-    static Ended RunToEnd(const std::vector<std::string>& options)
+    static Ended RunToEnd(const std::vector<std::string>& options,
+                          const std::vector<std::string>& prefix = {})
     {
-        Child server = StartAnyway(options);
+        Child server = StartAnyway(options, prefix);
         const int nExitCode = server->WaitForEnd(kAnyTime).value_or(-1);
         return {nExitCode, server->Output(), server->ErrorOutput()};
     }

@@ -1,6 +1,8 @@
 // What the session file holds when a server ends in any way.
-#include "apps/server/AtomicFile.h"
+#include "apps/server/SessionBlocks.h"
 #include "apps/server/SessionStore.h"
+#include "apps/support/AtomicFile.h"
+#include "tests/apps/server/FullSession.h"
 #include "tests/apps/server/ServerFixture.h"
 
 #include <nlohmann/json.hpp>
@@ -11,6 +13,7 @@
 #include <random>
 #include <sys/resource.h>
 #include <thread>
+#include <unistd.h>
 
 namespace TarvaneTest
 {
@@ -18,11 +21,27 @@ namespace
 {
 
 using namespace Tarvane::Server;
+using Tarvane::ReadFile;
 using testing::HasSubstr;
 
 class ServerSession : public ServerFixture
 {
 protected:
+    static constexpr std::filesystem::perms kReadAndEnter =
+        std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec;
+
+    // Permissions bind the superuser as well.
+    static std::vector<std::string> UnprivilegedPrefix()
+    {
+        if (geteuid() != 0)
+            return {};
+        return {"setpriv", "--bounding-set", "-dac_override,-dac_read_search,-fowner", "--"};
+    }
+    static Ended RunUnprivileged(const std::vector<std::string>& options)
+    {
+        return RunToEnd(options, UnprivilegedPrefix());
+    }
+
     std::vector<std::int64_t> StoredPositions() const
     {
         const std::optional<CSession> session = CSessionStore(m_strSession).Load();
@@ -76,20 +95,126 @@ TEST_F(ServerSession, OptionsThatSayOtherwiseAreRefused)
     EXPECT_EQ(ReadFile(m_strSession, 1 << 20), strBefore);
 }
 
-TEST_F(ServerSession, AFlawedFileIsNamedAndNeverTouched)
+TEST_F(ServerSession, AFlawedFileIsNamedAndKeptAside)
 {
-    for (const char* szContent : {"", "not a session", "{\"form\": \"Tarvane Link session\"}"})
+    const std::vector<std::string> contents{"", "not a session",
+                                            "{\"form\": \"Tarvane Link session\"}",
+                                            EncodeSession(CSession({"Vox"}, 0)).substr(0, 90)};
+    std::string strKept = m_strSession + ".flawed";
+    for (std::size_t n = 0; n < contents.size(); n++)
     {
-        std::ofstream(m_strSession) << szContent;
-        for (const char* szOption : {"--session", "--list-session"})
-        {
-            const Ended server = RunToEnd({szOption, m_strSession});
-            EXPECT_EQ(server.nExitCode, 2);
-            EXPECT_THAT(server.strError, HasSubstr("the session file " + m_strSession +
-                                                   " is flawed and has been left as it is: "));
-            EXPECT_EQ(ReadFile(m_strSession, 1000), szContent);
-        }
+        std::ofstream(m_strSession) << contents[n];
+        if (n > 0)
+            strKept = m_strSession + ".flawed-" + std::to_string(n + 1);
+        const Child server = Start({"--session", m_strSession, "--track", "Vox"});
+        EXPECT_THAT(server->ErrorOutput(),
+                    HasSubstr("tarvane-server: the session file " + m_strSession + " is flawed: "));
+        EXPECT_THAT(server->ErrorOutput(),
+                    HasSubstr("; it is kept as " + strKept + ", and a new session begins\n"));
+        EXPECT_EQ(SendScript(Add(1000)).error, std::nullopt);
+        EXPECT_EQ(StoredPositions(), std::vector<std::int64_t>{1000});
     }
+    EXPECT_EQ(ReadFile(m_strSession + ".flawed", 1000), contents[0]);
+    for (std::size_t n = 1; n < contents.size(); n++)
+        EXPECT_EQ(ReadFile(m_strSession + ".flawed-" + std::to_string(n + 1), 1000), contents[n]);
+}
+
+TEST_F(ServerSession, AFlawedFileThatCannotBeKeptAsideIsLeftAsItIs)
+{
+    std::ofstream(m_strSession) << "not a session";
+    std::ofstream(Path(".session.lock")) << "";
+    std::filesystem::permissions(m_folder.Path(), kReadAndEnter);
+    const Ended server = RunUnprivileged({"--session", m_strSession});
+    std::filesystem::permissions(m_folder.Path(), std::filesystem::perms::owner_all);
+    EXPECT_EQ(server.nExitCode, 1);
+    EXPECT_THAT(server.strError, HasSubstr("cannot give a second name to " + m_strSession));
+    EXPECT_EQ(ReadFile(m_strSession, 1000), "not a session");
+}
+
+TEST_F(ServerSession, ListingNamesAFlawedFileAndLeavesItAsItIs)
+{
+    std::ofstream(m_strSession) << "not a session";
+    const std::vector<std::string> before = m_folder.Files();
+    const Ended server = RunToEnd({"--list-session", m_strSession});
+    EXPECT_EQ(server.nExitCode, 2);
+    EXPECT_THAT(server.strError, HasSubstr("the session file " + m_strSession + " is flawed: "));
+    EXPECT_EQ(m_folder.Files(), before);
+    EXPECT_EQ(ReadFile(m_strSession, 1000), "not a session");
+}
+
+TEST_F(ServerSession, AFileOfTheEarlierFormIsConvertedWhenTheServerIsReady)
+{
+    std::ofstream(m_strSession) << szFullText;
+    {
+        const Child server = Start({"--session", m_strSession});
+        CSessionStore store(m_strSession);
+        ExpectFullSession(store.Load().value());
+        EXPECT_FALSE(store.HasEarlierForm());
+        EXPECT_EQ(SendScript("SelectScriptDocument() print(GetTrackName(GetTrackID(1)), "
+                             "GetUpdateCount())")
+                      .result,
+                  "Guitar\t5\n");
+    }
+    EXPECT_EQ(m_folder.Files(), (std::vector<std::string>{".session.lock", "session", "take.wav"}));
+}
+
+TEST_F(ServerSession, AConversionOnAFullDiskLeavesTheEarlierForm)
+{
+    std::ofstream(m_strSession) << szFullText;
+    const Ended server = RunToEnd({"--session", m_strSession}, {"prlimit", "--fsize=100", "--"});
+    EXPECT_EQ(server.nExitCode, 1);
+    EXPECT_THAT(server.strError, HasSubstr("cannot write"));
+    EXPECT_EQ(ReadFile(m_strSession, 10000), szFullText);
+}
+
+TEST_F(ServerSession, AServerKilledInAConversionLeavesOneOfTheTwoForms)
+{
+    // How long a start takes here, so that the instants are spread over it.
+    const auto started = std::chrono::steady_clock::now();
+    Start({"--session", m_strSession});
+    const std::chrono::duration<double> start = std::chrono::steady_clock::now() - started;
+    std::mt19937 random(20260302);
+    std::uniform_real_distribution<double> seconds(0, start.count());
+    int nConverted = 0;
+    for (int nRound = 0; nRound < 20; nRound++)
+    {
+        std::ofstream(m_strSession, std::ios::trunc) << szFullText;
+        const Child server = StartAnyway({"--session", m_strSession});
+        std::this_thread::sleep_for(std::chrono::duration<double>(seconds(random)));
+        kill(server->Pid(), SIGKILL);
+        server->WaitForEnd(kAnyTime);
+        CSessionStore store(m_strSession);
+        ExpectFullSession(store.Load().value());
+        nConverted += !store.HasEarlierForm();
+    }
+    RecordProperty("converted", nConverted);
+}
+
+TEST_F(ServerSession, AReadOnlyFolderIsFoundAtTheStartAndCanStillBeListed)
+{
+    CSessionStore(m_strSession).Save(FullSession());
+    std::filesystem::permissions(m_folder.Path(), kReadAndEnter);
+    const Ended server = RunUnprivileged({"--session", m_strSession});
+    const Ended listing = RunUnprivileged({"--list-session", m_strSession});
+    std::filesystem::permissions(m_folder.Path(), std::filesystem::perms::owner_all);
+    EXPECT_EQ(server.nExitCode, 1);
+    EXPECT_THAT(server.strError, HasSubstr("Permission denied"));
+    EXPECT_EQ(listing.nExitCode, 0);
+    EXPECT_THAT(listing.strOutput, HasSubstr("Guitar"));
+    EXPECT_EQ(ReadFile(m_strSession, 10000), EncodeSession(FullSession()));
+}
+
+TEST_F(ServerSession, AFolderThatBecomesReadOnlyUndoesTheChange)
+{
+    const Child server = Start({"--session", m_strSession, "--track", "Vox"}, UnprivilegedPrefix());
+    std::filesystem::permissions(m_folder.Path(), kReadAndEnter);
+    const CScriptAnswer answer = SendScript(Add(0));
+    std::filesystem::permissions(m_folder.Path(), std::filesystem::perms::owner_all);
+    EXPECT_THAT(answer.error.value_or(""), HasSubstr("nothing was changed"));
+    EXPECT_THAT(answer.error.value_or(""), HasSubstr("Permission denied"));
+    EXPECT_TRUE(StoredPositions().empty());
+    EXPECT_EQ(SendScript(Add(0)).error, std::nullopt);
+    EXPECT_EQ(StoredPositions(), std::vector<std::int64_t>{0});
 }
 
 TEST_F(ServerSession, AFileThatCannotBeWrittenIsFoundAtTheStart)

@@ -1,7 +1,9 @@
 #include "apps/server/SessionStore.h"
 
-#include "apps/server/AtomicFile.h"
-#include "tests/apps/server/FailingCalls.h"
+#include "apps/server/SessionBlocks.h"
+#include "apps/support/AtomicFile.h"
+#include "tests/apps/server/FullSession.h"
+#include "tests/apps/support/FailingCalls.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -17,6 +19,8 @@ namespace
 using TarvaneTest::CFailingCall;
 using testing::ElementsAre;
 using testing::HasSubstr;
+
+constexpr std::size_t kAny = 1 << 20;
 
 class SessionStore : public testing::Test
 {
@@ -53,7 +57,13 @@ TEST_F(SessionStore, WhatIsSavedIsLoaded)
     EXPECT_THAT(m_folder.Files(), ElementsAre("session"));
 }
 
-TEST_F(SessionStore, AFlawedFileIsNamedAndKept)
+TEST_F(SessionStore, TheFileIsABinarySession)
+{
+    CSessionStore(m_file).Save(SessionAt(3));
+    EXPECT_EQ(ReadFile(m_file, kAny), EncodeSession(SessionAt(3)));
+}
+
+TEST_F(SessionStore, AFlawedFileIsNamedAndLeftAsItIs)
 {
     std::ofstream(m_file) << "not a session";
     CSessionStore store(m_file);
@@ -64,11 +74,86 @@ TEST_F(SessionStore, AFlawedFileIsNamedAndKept)
     }
     catch (const CSessionFlaw& flaw)
     {
-        EXPECT_THAT(flaw.what(), HasSubstr("the session file " + m_file.string() +
-                                           " is flawed and has been left as it is: "));
+        EXPECT_EQ(flaw.what(), "the session file " + m_file.string() +
+                                   " is flawed: offset 0: it does not begin with \"[TNE Binary "
+                                   "Session File]\"");
     }
-    EXPECT_EQ(ReadFile(m_file, 100), "not a session");
+    EXPECT_EQ(ReadFile(m_file, kAny), "not a session");
     EXPECT_THAT(m_folder.Files(), ElementsAre("session"));
+}
+
+TEST_F(SessionStore, FlawedFilesAreKeptEachUnderANameOfItsOwn)
+{
+    for (const char* szContent : {"first flaw", "second flaw"})
+    {
+        std::ofstream(m_file) << szContent;
+        CSessionStore store(m_file);
+        EXPECT_THROW(store.Load(), CSessionFlaw);
+        store.KeepFlawed();
+        store.Save(SessionAt(1));
+    }
+    EXPECT_EQ(StoredUpdates(), 1);
+    EXPECT_EQ(ReadFile(m_folder / "session.flawed", kAny), "first flaw");
+    EXPECT_EQ(ReadFile(m_folder / "session.flawed-2", kAny), "second flaw");
+}
+
+TEST_F(SessionStore, AFileOfALaterProgramIsNoFlaw)
+{
+    std::ofstream(m_file) << R"({"form": "Tarvane Link session", "version": 3})";
+    CSessionStore store(m_file);
+    try
+    {
+        store.Load();
+        FAIL();
+    }
+    catch (const CSessionTooNew& version)
+    {
+        EXPECT_THAT(version.what(), HasSubstr("the session file " + m_file.string() +
+                                              " is of a later program: its version is 3"));
+    }
+}
+
+TEST_F(SessionStore, TheEarlierFormIsReadAndTheNextSaveWritesTodays)
+{
+    std::ofstream(m_file) << TarvaneTest::szFullText;
+    CSessionStore store(m_file);
+    const CSession session = store.Load().value();
+    TarvaneTest::ExpectFullSession(session);
+    EXPECT_TRUE(store.HasEarlierForm());
+    EXPECT_EQ(ReadFile(m_file, kAny), TarvaneTest::szFullText) << "loading writes nothing";
+    store.Save(session);
+    EXPECT_FALSE(store.HasEarlierForm());
+    CSessionStore again(m_file);
+    TarvaneTest::ExpectFullSession(again.Load().value());
+    EXPECT_FALSE(again.HasEarlierForm());
+    EXPECT_EQ(ReadFile(m_file, kAny), EncodeSession(TarvaneTest::FullSession()));
+}
+
+TEST_F(SessionStore, AConversionThatFailsLeavesTheEarlierForm)
+{
+    for (const auto& [szCall, nCall] :
+         {std::pair("write", 1), {"fsync", 1}, {"rename", 1}, {"fsync", 2}})
+    {
+        std::ofstream(m_file) << TarvaneTest::szFullText;
+        CSessionStore store(m_file);
+        const CSession session = store.Load().value();
+        {
+            const CFailingCall failing(szCall, nCall, ENOSPC);
+            EXPECT_THROW(store.Save(session), std::system_error);
+        }
+        EXPECT_EQ(ReadFile(m_file, kAny), TarvaneTest::szFullText) << szCall << nCall;
+        EXPECT_TRUE(store.HasEarlierForm());
+    }
+}
+
+TEST_F(SessionStore, WhatCouldNotBeLoadedAgainIsNotSaved)
+{
+    CSessionStore store(m_file);
+    store.Save(SessionAt(1));
+    CSession unsound = SessionAt(2);
+    unsound.AddMarkerArea(DocumentKind::Script, {kNullId, 99, 0, 1});
+    EXPECT_THROW(store.Save(unsound), CSessionFlaw);
+    EXPECT_EQ(StoredUpdates(), 1);
 }
 
 TEST_F(SessionStore, AFailedSaveLeavesTheSessionBefore)

@@ -1,5 +1,7 @@
 #include "apps/server/SessionText.h"
 
+#include "tests/apps/server/FullSession.h"
+
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -9,92 +11,43 @@ namespace
 {
 
 using nlohmann::json;
+using TarvaneTest::szFullText;
 using testing::HasSubstr;
-
-constexpr DocumentKind kScript = DocumentKind::Script;
-
-CSession FullSession()
-{
-    CSession session({"Vox \u00e9", "Guitar"}, 1001.0 / 30000.0);
-    Region region;
-    region.nTrackId = 2;
-    region.strPath = "/audio/take \"1\"\\.wav";
-    region.nStart = 10;
-    region.nEnd = 4000000000;
-    region.nPosition = -96000;
-    region.nSampleRate = 96000;
-    region.channels = {0, 2};
-    region.fMuted = true;
-    session.SelectRegion(kScript, session.AddRegion(kScript, region));
-    session.MoveDisplay(DocumentKind::AudioSuite, 1244.5);
-    session.AddMarkerArea(kScript, {kNullId, 1, -20, 30});
-    session.AddProcess(kScript, {kNullId, "GDX", "PT", {{1, 1, 5, 25}, {2, 2, 0, 7}}, {1}, 5});
-    return session;
-}
 
 std::string FlawOf(const std::string& text)
 {
     try
     {
-        DecodeSession(text);
+        DecodeSessionText(text);
         return "sound";
     }
     catch (const CSessionFlaw& flaw)
     {
         return flaw.what();
     }
+    catch (const CSessionTooNew& version)
+    {
+        return version.what();
+    }
 }
 
 json FullJson()
 {
-    return json::parse(EncodeSession(FullSession()));
+    return json::parse(szFullText);
 }
 
-TEST(SessionText, EverythingComesBack)
+TEST(SessionText, EverythingIsRead)
 {
-    const CSession session = DecodeSession(EncodeSession(FullSession()));
-    EXPECT_EQ(session.LinkOffset(), 1001.0 / 30000.0);
-    EXPECT_EQ(session.UpdateCount(), 5);
-    EXPECT_EQ(session.NextId(), 8);
-    const Document& document = session.GetDocument(kScript);
-    ASSERT_EQ(document.tracks.size(), 2u);
-    EXPECT_EQ(document.tracks[0].strName, "Vox \u00e9");
-    EXPECT_EQ(document.tracks[1].nId, 2);
-    ASSERT_EQ(document.regions.size(), 1u);
-    const Region& region = document.regions[0];
-    EXPECT_EQ(region.nId, 5);
-    EXPECT_EQ(region.nTrackId, 2);
-    EXPECT_EQ(region.strPath, "/audio/take \"1\"\\.wav");
-    EXPECT_EQ(region.nStart, 10);
-    EXPECT_EQ(region.nEnd, 4000000000);
-    EXPECT_EQ(region.nPosition, -96000);
-    EXPECT_EQ(region.nSampleRate, 96000);
-    EXPECT_EQ(region.channels, (std::vector<std::int32_t>{0, 2}));
-    EXPECT_TRUE(region.fMuted);
-    EXPECT_EQ(document.nSelectedRegionId, 5);
-    EXPECT_EQ(session.GetDocument(DocumentKind::AudioSuite).dDisplayPosition, 1244.5);
-    const MarkerArea& area = document.markerAreas.at(0);
-    EXPECT_EQ(area.nId, 6);
-    EXPECT_EQ(area.nTrackId, 1);
-    EXPECT_EQ(area.nStart, -20);
-    EXPECT_EQ(area.nEnd, 30);
-    const Process& process = document.processes.at(0);
-    EXPECT_EQ(process.nId, 7);
-    EXPECT_EQ(process.strKind, "GDX");
-    EXPECT_EQ(process.strHost, "PT");
-    ASSERT_EQ(process.inputs.size(), 2u);
-    EXPECT_EQ(process.inputs[1].nIOType, 2);
-    EXPECT_EQ(process.inputs[1].nTrackId, 2);
-    EXPECT_EQ(process.inputs[0].nStart, 5);
-    EXPECT_EQ(process.inputs[0].nEnd, 25);
-    EXPECT_EQ(process.outputTrackIds, std::vector<std::int64_t>{1});
-    EXPECT_EQ(process.nRegionId, 5);
+    TarvaneTest::ExpectFullSession(DecodeSessionText(szFullText));
 }
 
-TEST(SessionText, EncodingIsTheSameEachTime)
+TEST(SessionText, ItIsKnownByItsFirstCharacter)
 {
-    const std::string strText = EncodeSession(FullSession());
-    EXPECT_EQ(EncodeSession(DecodeSession(strText)), strText);
+    EXPECT_TRUE(IsSessionText(szFullText));
+    EXPECT_TRUE(IsSessionText(" \t\r\n{"));
+    EXPECT_FALSE(IsSessionText(""));
+    EXPECT_FALSE(IsSessionText(" \n"));
+    EXPECT_FALSE(IsSessionText("[TNE Binary Session File]{"));
 }
 
 TEST(SessionText, WhatIsNoSessionIsRefused)
@@ -110,13 +63,23 @@ TEST(SessionText, WhatIsNoSessionIsRefused)
 TEST(SessionText, AnotherVersionIsNamed)
 {
     json text = FullJson();
+    text["version"] = 0;
+    EXPECT_EQ(FlawOf(text.dump()), "its version is 0, which never was one");
     text["version"] = 2;
-    EXPECT_EQ(FlawOf(text.dump()), "its version is 2; this program reads 1");
+    try
+    {
+        DecodeSessionText(text.dump());
+        FAIL();
+    }
+    catch (const CSessionTooNew& version)
+    {
+        EXPECT_STREQ(version.what(), "its version is 2; this program reads 1");
+    }
 }
 
 TEST(SessionText, EveryCutIsRefused)
 {
-    const std::string strText = EncodeSession(FullSession());
+    const std::string strText = szFullText;
     // The last byte is the line end.
     for (std::size_t nLength = 0; nLength + 1 < strText.size(); nLength++)
         ASSERT_NE(FlawOf(strText.substr(0, nLength)), "sound") << nLength;
@@ -124,7 +87,7 @@ TEST(SessionText, EveryCutIsRefused)
 
 TEST(SessionText, EveryChangedBitLoadsOrIsRefused)
 {
-    std::string strText = EncodeSession(FullSession());
+    std::string strText = szFullText;
     int nRefused = 0;
     for (std::size_t nBit = 0; nBit < strText.size() * 8; nBit++)
     {

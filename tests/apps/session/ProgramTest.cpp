@@ -8,6 +8,7 @@
 #include <chrono>
 #include <fstream>
 #include <iterator>
+#include <regex>
 
 using testing::HasSubstr;
 
@@ -198,7 +199,35 @@ TEST_F(SessionProgram, LargeFilesAnnounceHowFarTheyAre)
         root.AddParameter("B", &nested);
     const Ended ended = Run({"dump", "--depth", "0", Write("large", SaveSession(root))});
     EXPECT_EQ(ended.nExitCode, 0);
-    for (const char* pStep : {" 50 % read", " 90 % read", " 100 % read"})
+    for (const char* pStep : {" 0 % read", " 50 % read", " 90 % read", " 100 % read"})
         EXPECT_THAT(ended.strError, HasSubstr(pStep));
-    EXPECT_EQ(Run({"dump", m_strFile}).strError, "");
+    for (const char* pCommand : {"stat", "verify"})
+    {
+        const std::string strError = Run({pCommand, (m_folder / "large").string()}).strError;
+        for (const char* pStep : {" 0 % read", " 50 % read", " 90 % read", " 100 % read"})
+            EXPECT_THAT(strError, HasSubstr(pStep)) << pCommand;
+    }
+    for (const char* pCommand : {"dump", "stat", "verify", "to-json"})
+        EXPECT_EQ(Run({pCommand, m_strFile}).strError, "") << pCommand;
+}
+
+TEST_F(SessionProgram, ManualPageHasEveryCommandAndOption)
+{
+    const std::string strManual = Read(SESSION_MANUAL);
+    std::string strHelp = Run({"--help"}).strOutput;
+    for (const char* pCommand : {"dump", "stat", "verify", "to-json", "from-json", "diff"})
+    {
+        EXPECT_THAT(strHelp, HasSubstr(std::string("\n  ") + pCommand + " "));
+        EXPECT_THAT(strManual, HasSubstr(std::string(".BI ") + pCommand + " \""));
+        strHelp += Run({pCommand, "--help"}).strOutput;
+    }
+    int nOptions = 0;
+    const std::regex option("--[a-z-]+");
+    for (std::sregex_iterator it(strHelp.begin(), strHelp.end(), option), end; it != end; ++it)
+    {
+        const std::string strName = std::regex_replace(it->str(), std::regex("-"), "\\-");
+        EXPECT_THAT(strManual, HasSubstr(strName));
+        ++nOptions;
+    }
+    EXPECT_GE(nOptions, 2 + 6 + 2);
 }

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace Tarvane::Server
+namespace Tarvane
 {
 
 // Replaces the file's content, or creates the file. When this returns, the new content is on disk;
@@ -15,7 +15,14 @@ namespace Tarvane::Server
 // Throws std::system_error: what() says which step failed on which file.
 void ReplaceFile(const std::filesystem::path& file, std::string_view bytes);
 
+// Gives the file a second name that nothing else has: "<name><suffix>", or the first free one of
+// "<name><suffix>-2", "<name><suffix>-3" and so on; one that an interrupted call has given it is
+// taken again. Under that name the content stands whatever becomes of the first one. Returns the
+// second name. Throws std::system_error.
+std::filesystem::path KeepUnderSecondName(const std::filesystem::path& file,
+                                          const std::string& strSuffix);
+
 // Reads a whole plain file of at most nLargest bytes. Throws std::system_error.
 std::string ReadFile(const std::filesystem::path& file, std::size_t nLargest);
 
-} // namespace Tarvane::Server
+} // namespace Tarvane

@@ -1,4 +1,4 @@
-#include "tests/apps/server/FailingCalls.h"
+#include "tests/apps/support/FailingCalls.h"
 
 #include <cerrno>
 #include <sys/types.h>

@@ -1,4 +1,4 @@
-#include "apps/server/AtomicFile.h"
+#include "apps/support/AtomicFile.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -7,7 +7,7 @@
 #include <system_error>
 #include <unistd.h>
 
-namespace Tarvane::Server
+namespace Tarvane
 {
 
 namespace
@@ -81,6 +81,11 @@ mode_t ModeFor(const std::filesystem::path& file)
     return status.st_mode & 0777;
 }
 
+std::filesystem::path FolderOf(const std::filesystem::path& file)
+{
+    return file.parent_path().empty() ? "." : file.parent_path();
+}
+
 } // namespace
 
 void ReplaceFile(const std::filesystem::path& file, std::string_view bytes)
@@ -98,7 +103,27 @@ void ReplaceFile(const std::filesystem::path& file, std::string_view bytes)
         unlink(neighbour.c_str());
         throw;
     }
-    SyncFolder(file.parent_path().empty() ? "." : file.parent_path());
+    SyncFolder(FolderOf(file));
+}
+
+std::filesystem::path KeepUnderSecondName(const std::filesystem::path& file,
+                                          const std::string& strSuffix)
+{
+    for (int n = 1;; n++)
+    {
+        std::filesystem::path second = file;
+        second += n == 1 ? strSuffix : strSuffix + "-" + std::to_string(n);
+        if (link(file.c_str(), second.c_str()) == 0)
+        {
+            SyncFolder(FolderOf(file));
+            return second;
+        }
+        if (errno != EEXIST)
+            Fail("cannot give a second name to ", file);
+        std::error_code ignored;
+        if (std::filesystem::equivalent(file, second, ignored))
+            return second;
+    }
 }
 
 std::string ReadFile(const std::filesystem::path& file, std::size_t nLargest)
@@ -128,4 +153,4 @@ std::string ReadFile(const std::filesystem::path& file, std::size_t nLargest)
     return bytes;
 }
 
-} // namespace Tarvane::Server
+} // namespace Tarvane

@@ -1,6 +1,6 @@
-#include "apps/server/AtomicFile.h"
+#include "apps/support/AtomicFile.h"
 
-#include "tests/apps/server/FailingCalls.h"
+#include "tests/apps/support/FailingCalls.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -9,7 +9,7 @@
 #include <sys/stat.h>
 #include <system_error>
 
-namespace Tarvane::Server
+namespace Tarvane
 {
 namespace
 {
@@ -135,6 +135,48 @@ TEST_F(AtomicFile, AMissingFolderIsAnError)
     EXPECT_THROW(ReplaceFile(m_folder / "none" / "kept", "x"), std::system_error);
 }
 
+TEST_F(AtomicFile, ASecondNameKeepsTheContentWhateverBecomesOfTheFile)
+{
+    ReplaceFile(m_file, "first");
+    EXPECT_EQ(KeepUnderSecondName(m_file, ".old"), m_folder / "kept.old");
+    ReplaceFile(m_file, "second");
+    EXPECT_EQ(ReadFile(m_folder / "kept.old", kAny), "first");
+    EXPECT_EQ(ReadFile(m_file, kAny), "second");
+}
+
+TEST_F(AtomicFile, ASecondNameIsNeverOneThatIsTaken)
+{
+    for (const char* szContent : {"first", "second", "third"})
+    {
+        ReplaceFile(m_file, szContent);
+        KeepUnderSecondName(m_file, ".old");
+    }
+    EXPECT_EQ(ReadFile(m_folder / "kept.old", kAny), "first");
+    EXPECT_EQ(ReadFile(m_folder / "kept.old-2", kAny), "second");
+    EXPECT_EQ(ReadFile(m_folder / "kept.old-3", kAny), "third");
+}
+
+TEST_F(AtomicFile, TheSecondNameOfAnInterruptedCallIsTakenAgain)
+{
+    ReplaceFile(m_file, "first");
+    KeepUnderSecondName(m_file, ".old");
+    EXPECT_EQ(KeepUnderSecondName(m_file, ".old"), m_folder / "kept.old");
+    EXPECT_THAT(m_folder.Files(), ElementsAre("kept", "kept.old"));
+}
+
+TEST_F(AtomicFile, TheSecondNameIsSynced)
+{
+    ReplaceFile(m_file, "first");
+    const CFailingCall failing("fsync", 1, EIO);
+    EXPECT_THROW(KeepUnderSecondName(m_file, ".old"), std::system_error);
+}
+
+TEST_F(AtomicFile, AMissingFileGetsNoSecondName)
+{
+    EXPECT_THROW(KeepUnderSecondName(m_file, ".old"), std::system_error);
+    EXPECT_THAT(m_folder.Files(), ElementsAre());
+}
+
 TEST_F(AtomicFile, ReadingRefusesWhatIsTooLargeOrNoFile)
 {
     ReplaceFile(m_file, "1234");
@@ -147,4 +189,4 @@ TEST_F(AtomicFile, ReadingRefusesWhatIsTooLargeOrNoFile)
 }
 
 } // namespace
-} // namespace Tarvane::Server
+} // namespace Tarvane
