@@ -42,8 +42,8 @@ void RunOnce(benchmark::State& state, const Steps& steps)
     }
 }
 
-/// Keeps the lowest time of each name, and stays silent until the end.
-class CLowest : public benchmark::BenchmarkReporter
+/// Keeps the times of each name, and stays silent until the end.
+class CTimes : public benchmark::BenchmarkReporter
 {
 public:
     bool ReportContext(const Context&) override { return true; }
@@ -51,16 +51,25 @@ public:
     {
         for (const Run& run : runs)
         {
-            if (run.run_type != Run::RT_Iteration)
-                continue;
-            const double dMilliseconds = run.real_accumulated_time * 1e3;
-            const auto [it, fNew] = times.emplace(run.run_name.function_name, dMilliseconds);
-            it->second = std::min(it->second, dMilliseconds);
+            if (run.run_type == Run::RT_Iteration)
+                times[run.run_name.function_name].push_back(run.real_accumulated_time * 1e3);
         }
     }
 
-    std::map<std::string, double> times;
+    std::map<std::string, std::vector<double>> times; // milliseconds
 };
+
+double MedianOf(std::vector<double> times)
+{
+    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
+    std::nth_element(times.begin(), middle, times.end());
+    return *middle;
+}
+
+double LowestOf(const std::vector<double>& times)
+{
+    return *std::min_element(times.begin(), times.end());
+}
 
 std::size_t KilobytesOf(const char* pField)
 {
@@ -116,20 +125,25 @@ std::size_t PeakOf(const std::function<void()>& body)
 int RunAll(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
-    CLowest lowest;
-    benchmark::RunSpecifiedBenchmarks(&lowest);
-    for (const auto& [strName, dTime] : lowest.times)
-        std::printf("%-40s %10.2f ms\n", strName.c_str(), dTime);
-    std::printf("\n");
+    CTimes all;
+    benchmark::RunSpecifiedBenchmarks(&all);
+    std::printf("%-40s %13s %13s\n", "", "median", "lowest");
+    for (const auto& [strName, times] : all.times)
+        std::printf("%-40s %10.2f ms %10.2f ms\n", strName.c_str(), MedianOf(times),
+                    LowestOf(times));
+    std::printf("\n%-64s %6s %7s\n", "", "median", "lowest");
     int nMissed = 0;
     for (const Expectation& expected : expectations)
     {
-        if (lowest.times.count(expected.strName) == 0 || lowest.times.count(expected.strBase) == 0)
+        const auto times = all.times.find(expected.strName);
+        const auto base = all.times.find(expected.strBase);
+        if (times == all.times.end() || base == all.times.end())
             continue;
-        const double dRatio = lowest.times[expected.strName] / lowest.times[expected.strBase];
+        const double dRatio = MedianOf(times->second) / MedianOf(base->second);
         nMissed += dRatio > expected.dLimit;
-        std::printf("%-34s / %-28s %6.2f  (at most %.2f)%s\n", expected.strName.c_str(),
-                    expected.strBase.c_str(), dRatio, expected.dLimit,
+        std::printf("%-34s / %-28s %6.2f %6.2f  (at most %.2f)%s\n", expected.strName.c_str(),
+                    expected.strBase.c_str(), dRatio,
+                    LowestOf(times->second) / LowestOf(base->second), expected.dLimit,
                     dRatio > expected.dLimit ? "  MISSED" : "");
     }
     return nMissed;

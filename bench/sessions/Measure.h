@@ -24,8 +24,9 @@ void Expect(const std::string& strName, const std::string& strBase, double dLimi
 // runs in a process of its own.
 std::size_t PeakOf(const std::function<void()>& body);
 
-// Runs everything and prints the times and the expected ratios. The lowest of all repetitions
-// counts: what else the machine does can only add to a time. Returns the number of ratios missed.
+// Runs everything and prints the times and the expected ratios, of the medians and of the lowest of
+// all repetitions. What else the machine does can only add to a time: on a busy one the lowest tell
+// more. Returns the number of ratios of medians that were missed.
 int RunAll(int argc, char** argv);
 
 } // namespace Bench

@@ -27,6 +27,7 @@ public:
 
 std::unique_ptr<CPeer> MakeMsgpack();
 std::unique_ptr<CPeer> MakeProtobuf();
+std::unique_ptr<CPeer> MakeProtobufOnHeap();
 std::unique_ptr<CPeer> MakeCbor();
 std::unique_ptr<CPeer> MakeFlexBuffers();
 std::unique_ptr<CPeer> MakePropertyList();

@@ -5,6 +5,7 @@
 #include <google/protobuf/arena.h>
 
 #include <cstdlib>
+#include <optional>
 
 namespace Bench
 {
@@ -93,11 +94,41 @@ private:
     bench::Block* m_pTree = nullptr;
 };
 
+class CProtobufOnHeap : public CPeer
+{
+public:
+    const char* Name() const override { return "protobuf heap"; }
+    void Take(const CParameterBlock& root) override
+    {
+        bench::Block message;
+        Fill(root, message);
+        m_bytes = message.SerializeAsString();
+    }
+    std::size_t GetSize() const override { return m_bytes.size(); }
+    void Load() override
+    {
+        if (!m_tree.emplace().ParseFromString(m_bytes))
+            std::abort();
+    }
+    void Free() override { m_tree.reset(); }
+    void Save() override { m_tree->SerializeAsString(); }
+    double Walk() override { return Sum(*m_tree); }
+
+private:
+    std::string m_bytes;
+    std::optional<bench::Block> m_tree;
+};
+
 } // namespace
 
 std::unique_ptr<CPeer> MakeProtobuf()
 {
     return std::make_unique<CProtobuf>();
+}
+
+std::unique_ptr<CPeer> MakeProtobufOnHeap()
+{
+    return std::make_unique<CProtobufOnHeap>();
 }
 
 } // namespace Bench

@@ -73,6 +73,12 @@ void BuildDeep(CParameterBlock& root)
     }
 }
 
+void BuildFlat(CParameterBlock& root)
+{
+    for (int n = 0; n < kFlatValues; ++n)
+        root.AddParameter(("Value " + std::to_string(n % kFlatNames)).c_str(), n);
+}
+
 std::string SaveSession(CParameterBlock& root)
 {
     CFMutableDataRef pData = CFDataCreateMutable(kCFAllocatorDefault, 0);

@@ -1,9 +1,11 @@
 // bench-sessions: loading, saving, freeing and walking sessions, beside other formats and beside
-// the least that such work can cost. With --benchmark_repetitions=9 the figures are steady.
+// the least that such work can cost. With --benchmark_repetitions=9 and
+// --benchmark_enable_random_interleaving=true the figures are steady.
 #include "bench/sessions/Measure.h"
 #include "bench/sessions/Peers.h"
 #include "bench/sessions/PlainTree.h"
 #include "bench/sessions/Trees.h"
+#include "utils/ParameterWalk.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -87,6 +89,7 @@ public:
     double Walk() override { return WalkSession(*m_root); }
 
     CParameterBlock& Root() { return *m_root; }
+    const std::string& Bytes() const { return m_bytes; }
 
 private:
     std::string m_bytes;
@@ -139,47 +142,86 @@ void RegisterFloors(const CParameterBlock& root)
     Expect("walk/tarvane", "walk/plain nodes", 1.3);
 }
 
-void RegisterDeep(CSession& deep, const CParameterBlock& source)
+std::size_t LookIntoEveryBlock(const CParameterBlock& root)
 {
-    static PlainNode* pPlain;
+    int n = 0;
+    std::size_t nFound = root.FindParameter("Colour", &n, 0);
+    WalkParameters(root,
+                   [&](const CParameter& parameter)
+                   {
+                       if (!IsBlock(parameter))
+                           return;
+                       const auto& block = static_cast<const CParameterBlock&>(parameter);
+                       nFound += block.FindParameter("Colour", &n, 0);
+                       nFound += block.FindParameter("Nothing of the name", &n, 0);
+                   });
+    return nFound;
+}
+
+/// The operations that have no counterpart in the peers, and the floors of the tree.
+void RegisterOperations(const std::string& strTree, CSession& session,
+                        const CParameterBlock& source)
+{
     static std::optional<CParameterBlock> copy;
     static unsigned char* pFlat;
-    const auto load = [&deep] { deep.Load(); };
-    const auto free = [&deep] { deep.Free(); };
+    static std::string bytes;
+    static PlainNode* pPlain;
+    const auto load = [&session] { session.Load(); };
+    const auto free = [&session] { session.Free(); };
+    Register(strTree + "copy/tarvane",
+             {load, [&session] { copy.emplace().CopyParameters(&session.Root()); },
+              [free]
+              {
+                  copy.reset();
+                  free();
+              }});
+    Register(strTree + "size/tarvane",
+             {load, [&session] { dSink = static_cast<double>(session.Root().GetSize()); }, free});
+    Register(strTree + "flat block/tarvane", {load,
+                                              [&session]
+                                              {
+                                                  unsigned long nSize = 0;
+                                                  pFlat = session.Root().CreateBlock(&nSize);
+                                              },
+                                              [free]
+                                              {
+                                                  delete[] pFlat;
+                                                  free();
+                                              }});
+    Register(strTree + "find/tarvane",
+             {load, [&session] { dSink = static_cast<double>(LookIntoEveryBlock(session.Root())); },
+              free});
+    Register(strTree + "bytes copied/floor",
+             {[] { bytes = std::string(); }, [&session] { bytes = session.Bytes(); }, {}});
+    Register(strTree + "allocate/plain nodes",
+             {{}, [&source] { pPlain = BuildPlain(source); }, [] { Free(pPlain); }});
+}
+
+/// What RegisterPeer does for the tree of tracks, of a tree that no peer has.
+void RegisterOwn(const std::string& strTree, CSession& session, const CParameterBlock& source)
+{
+    static PlainNode* pPlain;
+    const auto load = [&session] { session.Load(); };
+    const auto free = [&session] { session.Free(); };
     const auto build = [&source] { pPlain = BuildPlain(source); };
-    Register("deep allocate/plain nodes", {{}, build, [] { Free(pPlain); }});
-    Register("deep free/plain nodes", {build, [] { Free(pPlain); }, {}});
-    Register("deep walk/plain nodes", {build, [] { dSink = Walk(*pPlain); }, [] { Free(pPlain); }});
-    Register("deep load/tarvane", {{}, load, free});
-    Register("deep free/tarvane", {load, free, {}});
-    Register("deep copy/tarvane", {load, [&deep] { copy.emplace().CopyParameters(&deep.Root()); },
-                                   [free]
-                                   {
-                                       copy.reset();
-                                       free();
-                                   }});
-    Register("deep size/tarvane",
-             {load, [&deep] { dSink = static_cast<double>(deep.Root().GetSize()); }, free});
-    Register("deep flat block/tarvane", {load,
-                                         [&deep]
-                                         {
-                                             unsigned long nSize = 0;
-                                             pFlat = deep.Root().CreateBlock(&nSize);
-                                         },
-                                         [free]
-                                         {
-                                             delete[] pFlat;
-                                             free();
-                                         }});
-    Register("deep walk/tarvane", {load, [&deep] { dSink = deep.Walk(); }, free});
-    Register("deep save/tarvane", {load, [&deep] { deep.Save(); }, free});
+    Register(strTree + "load/tarvane", {{}, load, free});
+    Register(strTree + "free/tarvane", {load, free, {}});
+    Register(strTree + "walk/tarvane", {load, [&session] { dSink = session.Walk(); }, free});
+    Register(strTree + "save/tarvane", {load, [&session] { session.Save(); }, free});
+    Register(strTree + "free/plain nodes", {build, [] { Free(pPlain); }, {}});
+    Register(strTree + "walk/plain nodes",
+             {build, [] { dSink = Walk(*pPlain); }, [] { Free(pPlain); }});
+    RegisterOperations(strTree, session, source);
+}
+
+/// The peers that recurse cannot take part.
+void ExpectOfDeep()
+{
     Expect("deep load/tarvane", "deep allocate/plain nodes", 1.5);
     Expect("deep copy/tarvane", "deep allocate/plain nodes", 1.5);
     Expect("deep free/tarvane", "deep free/plain nodes", 1.5);
-    Expect("deep size/tarvane", "deep walk/plain nodes", 1.5);
-    Expect("deep walk/tarvane", "deep walk/plain nodes", 1.5);
-    Expect("deep flat block/tarvane", "deep walk/plain nodes", 1.5);
-    Expect("deep save/tarvane", "deep walk/plain nodes", 1.5);
+    for (const char* szOperation : {"size", "walk", "flat block", "save", "find"})
+        Expect(std::string("deep ") + szOperation + "/tarvane", "deep walk/plain nodes", 1.5);
 }
 
 void PrintSizes(const std::vector<CPeer*>& peers)
@@ -208,29 +250,38 @@ int main(int argc, char** argv)
     mallopt(M_TRIM_THRESHOLD, 1 << 30);
     mallopt(M_MMAP_THRESHOLD, 1 << 30);
 
-    CParameterBlock source, small, deepSource;
+    CParameterBlock source, small, flatSource, deepSource;
     BuildSession(source);
     BuildSession(small, 1);
+    BuildFlat(flatSource);
     BuildDeep(deepSource);
-    std::printf("%zu values; %zu in the tree of the binary plist; %d levels in the deep tree\n\n",
-                CountValues(source), CountValues(small), kDeepLevels);
+    std::printf(
+        "%zu values; %zu in the tree of the binary plist; %d in the flat tree; %d levels in "
+        "the deep tree\n\n",
+        CountValues(source), CountValues(small), kFlatValues, kDeepLevels);
 
-    CSession session, deep;
+    CSession session, flat, deep;
     const auto msgpack = MakeMsgpack();
     const auto protobuf = MakeProtobuf();
+    const auto protobufOnHeap = MakeProtobufOnHeap();
     const auto cbor = MakeCbor();
     const auto flexBuffers = MakeFlexBuffers();
     const auto propertyList = MakePropertyList();
-    const std::vector<CPeer*> peers{&session,   msgpack.get(),     protobuf.get(),
-                                    cbor.get(), flexBuffers.get(), propertyList.get()};
+    const std::vector<CPeer*> peers{
+        &session,   msgpack.get(),     protobuf.get(),    protobufOnHeap.get(),
+        cbor.get(), flexBuffers.get(), propertyList.get()};
     for (CPeer* pPeer : peers)
         pPeer->Take(pPeer == propertyList.get() ? small : source);
+    flat.Take(flatSource);
     deep.Take(deepSource);
 
     PrintSizes(peers);
     for (CPeer* pPeer : peers)
         RegisterPeer(*pPeer);
     RegisterFloors(source);
-    RegisterDeep(deep, deepSource);
+    RegisterOperations("", session, source);
+    RegisterOwn("flat ", flat, flatSource);
+    RegisterOwn("deep ", deep, deepSource);
+    ExpectOfDeep();
     return RunAll(argc, argv);
 }
