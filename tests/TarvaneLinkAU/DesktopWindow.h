@@ -28,6 +28,17 @@ class CDesktopWindow
     // The colour on the screen, at a point of the view.
     NSColor* ColourAt(NSView* pView, NSPoint pt);
 
+    // What the screen shows of the view, as a PNG file.
+    void TakePicture(NSView* pView, const std::string& strFile);
+
+    // The pointer, to the middle of a view; or away from the window, where no tool tip comes up.
+    void PointAt(NSView* pView);
+    void PointAway();
+
+    // The mouse button, where the pointer is.
+    void Press();
+    void LetGo();
+
   private:
     void MoveTo(NSView* pView, NSPoint pt);
 

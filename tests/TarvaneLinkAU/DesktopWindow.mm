@@ -139,9 +139,17 @@ void CDesktopWindow::MoveTo(NSView* pView, NSPoint pt)
     EXPECT_TRUE(fThere) << "the pointer does not reach the view";
 }
 
+void CDesktopWindow::PointAt(NSView* pView) { MoveTo(pView, Centre([pView bounds])); }
+
+void CDesktopWindow::PointAway() { Input("mousemove 1 1"); }
+
+void CDesktopWindow::Press() { Input("mousedown 1"); }
+
+void CDesktopWindow::LetGo() { Input("mouseup 1"); }
+
 void CDesktopWindow::Click(NSView* pView, const std::string& strKeyHeld)
 {
-    MoveTo(pView, Centre([pView bounds]));
+    PointAt(pView);
     // As long as a hand takes, and beside us: the release of a shorter first click of a window can
     // overtake its press.
     const std::string strClick = "mousedown 1 sleep 0.2 mouseup 1";
@@ -156,7 +164,7 @@ void CDesktopWindow::Choose(NSPopUpButton* pButton, NSInteger nItem)
     MenuHand* pHand = [[[MenuHand alloc] init] autorelease];
     pHand->m_pMenu = [pButton menu];
     pHand->m_nItem = nItem;
-    MoveTo(pButton, Centre([pButton bounds]));
+    PointAt(pButton);
     NSTimer* pTimer = [NSTimer timerWithTimeInterval:kPace
                                               target:pHand
                                             selector:@selector(Move:)
@@ -184,4 +192,18 @@ NSColor* CDesktopWindow::ColourAt(NSView* pView, NSPoint pt)
                                      green:values[nStep] / 255.0
                                       blue:values[2 * nStep] / 255.0
                                      alpha:1.0];
+}
+
+void CDesktopWindow::TakePicture(NSView* pView, const std::string& strFile)
+{
+    const NSSize size = [pView bounds].size;
+    const NSPoint pt = OnDisplay(pView, NSMakePoint(0, size.height));
+    char szArea[100];
+    std::snprintf(szArea, sizeof szArea, "%dx%d+%d+%d", static_cast<int>(size.width),
+                  static_cast<int>(size.height), static_cast<int>(pt.x), static_cast<int>(pt.y));
+    // Three bytes a pixel, however few colours there are.
+    const std::string strCommand =
+        "import -silent -window root -crop " + std::string(szArea) +
+        " +repage -strip -define png:exclude-chunks=date,time 'png24:" + strFile + "'";
+    EXPECT_EQ(std::system(strCommand.c_str()), 0) << strCommand;
 }
