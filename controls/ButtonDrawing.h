@@ -17,5 +17,5 @@ void DrawPaletteButton(CGContextRef context, CComponentCode border, CComponentCo
 // the context.
 void DrawShadedButton(CGContextRef context, CGRect area, bool fEnabled, bool fActive);
 
-// Font, colour and paragraph style of a title; autoreleased.
-NSMutableDictionary* ButtonTitleAttributes(CGFloat dFontSize, NSTextAlignment alignment);
+// Font, colour and paragraph style of a title in a cell of this size; autoreleased.
+NSMutableDictionary* ButtonTitleAttributes(NSControlSize size, NSTextAlignment alignment);

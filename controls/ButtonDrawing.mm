@@ -24,6 +24,19 @@ void FillFromTop(CGContextRef context, CComponentCode colour, CGRect rect, float
                   FillDirection:kFillTopToBottom
                         Flipped:fFlipped];
 }
+
+CGFloat FontSizeOf(NSControlSize size)
+{
+    switch (size)
+    {
+    case NSSmallControlSize:
+        return 10.0;
+    case NSMiniControlSize:
+        return 8.0;
+    default:
+        return 12.0;
+    }
+}
 } // namespace
 
 CGContextRef CurrentContext()
@@ -56,9 +69,9 @@ void DrawShadedButton(CGContextRef context, CGRect area, bool fEnabled, bool fAc
     CGFunctionRelease(function);
 }
 
-NSMutableDictionary* ButtonTitleAttributes(CGFloat dFontSize, NSTextAlignment alignment)
+NSMutableDictionary* ButtonTitleAttributes(NSControlSize size, NSTextAlignment alignment)
 {
-    NSFont* font = [NSFont boldSystemFontOfSize:dFontSize];
+    NSFont* font = [NSFont boldSystemFontOfSize:FontSizeOf(size)];
     NSMutableParagraphStyle* style = [[NSMutableParagraphStyle alloc] init];
     [style setAlignment:alignment];
     [style setLineBreakMode:NSLineBreakByTruncatingMiddle];

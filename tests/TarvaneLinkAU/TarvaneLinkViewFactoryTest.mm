@@ -27,7 +27,8 @@ TEST_F(ViewFactory, MissingNibGivesALineInTheLogAndNoView)
 {
     testing::internal::CaptureStderr();
     NSView* pView = [m_pFactory uiViewForAudioUnit:nullptr withSize:NSMakeSize(100, 100)];
-    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Unable to load nib for view."));
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                HasSubstr("] Unable to load nib for view.\n"));
     EXPECT_EQ(pView, nil);
 }
 } // namespace

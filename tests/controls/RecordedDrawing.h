@@ -28,8 +28,12 @@ class RecordedDrawing
     RecordedDrawing(const RecordedDrawing&) = delete;
     RecordedDrawing& operator=(const RecordedDrawing&) = delete;
 
-    // From now on resources of this name are not found.
+    // From now on resources and fonts of this name are not found.
     void LoseResource(const std::string& strName);
+
+    // fontWithName:size: answers with this font for this name and size, and with nil for the name
+    // in any other size. A name that was lost is answered with nil. The font must outlive this.
+    void LendFont(const std::string& strName, CGFloat dSize, NSFont* font);
 
     // The attributes of the last text that was drawn; autoreleased.
     NSDictionary* LastAttributes() const;

@@ -28,6 +28,14 @@ std::set<std::string> lostResources;
 std::map<void*, std::string> imageNames;
 NSDictionary* lastAttributes;
 
+// What stands in for a font of the platform.
+struct LentFont
+{
+    CGFloat dSize;
+    NSFont* font;
+};
+std::map<std::string, LentFont> lentFonts;
+
 std::string Text(NSString* text) { return text ? [text UTF8String] : "none"; }
 
 std::string Text(NSRect r)
@@ -154,6 +162,24 @@ struct Replacement
 
 @end
 
+@interface NSFont (Recorded)
++ (NSFont*)recorded_fontWithName:(NSString*)name size:(CGFloat)dSize;
+@end
+
+@implementation NSFont (Recorded)
+
++ (NSFont*)recorded_fontWithName:(NSString*)name size:(CGFloat)dSize
+{
+    if (lostResources.count(Text(name)))
+        return nil;
+    const auto lent = lentFonts.find(Text(name));
+    if (lent == lentFonts.end())
+        return [self recorded_fontWithName:name size:dSize];
+    return lent->second.dSize == dSize ? lent->second.font : nil;
+}
+
+@end
+
 @interface NSGraphicsContext (Recorded)
 + (id)recorded_currentContext;
 @end
@@ -191,6 +217,8 @@ void ExchangeAll()
          @selector(recorded_pathForResource:ofType:)},
         {object_getClass([NSBundle class]), @selector(bundleForClass:),
          @selector(recorded_bundleForClass:)},
+        {object_getClass([NSFont class]), @selector(fontWithName:size:),
+         @selector(recorded_fontWithName:size:)},
         {object_getClass([NSGraphicsContext class]), @selector(currentContext),
          @selector(recorded_currentContext)},
     };
@@ -210,12 +238,18 @@ RecordedDrawing::~RecordedDrawing()
 {
     ExchangeAll();
     lostResources.clear();
+    lentFonts.clear();
     imageNames.clear();
     [lastAttributes release];
     lastAttributes = nil;
 }
 
 void RecordedDrawing::LoseResource(const std::string& strName) { lostResources.insert(strName); }
+
+void RecordedDrawing::LendFont(const std::string& strName, CGFloat dSize, NSFont* font)
+{
+    lentFonts[strName] = {dSize, font};
+}
 
 NSDictionary* RecordedDrawing::LastAttributes() const
 {

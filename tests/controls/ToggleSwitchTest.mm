@@ -599,12 +599,23 @@ TEST_F(ToggleSwitch, LabelIsCentredInThePaletteColour)
                 gAppColours.FindNSColor(Code(kOnUpFace)));
 }
 
+TEST_F(ToggleSwitch, LabelIsSetInTahomaOfTwelvePoints)
+{
+    NSFont* tahoma = [NSFont userFixedPitchFontOfSize:9];
+    m_drawing.LendFont("Tahoma", 12.0, tahoma);
+    [m_switch SetLabel:@"Take" XOffset:0];
+    [m_switch drawRect:NSZeroRect];
+    EXPECT_TRUE([m_drawing.LastAttributes() objectForKey:NSFontAttributeName] == tahoma);
+}
+
 TEST_F(ToggleSwitch, LabelWithoutItsFontOrColourIsStillDrawnInTheMiddle)
 {
+    m_drawing.LoseResource("Tahoma");
     [m_switch SetLabel:@"Take" XOffset:0];
     [m_switch SetLabelColor:CComponentCode(0, 99)];
     [m_switch drawRect:NSZeroRect];
     EXPECT_THAT(CallsThatBegin({"DrawText"}), SizeIs(1));
+    EXPECT_TRUE([m_drawing.LastAttributes() objectForKey:NSFontAttributeName] == nil);
     EXPECT_TRUE([m_drawing.LastAttributes() objectForKey:NSForegroundColorAttributeName] == nil);
     EXPECT_EQ([[m_drawing.LastAttributes() objectForKey:NSParagraphStyleAttributeName] alignment],
               NSCenterTextAlignment);

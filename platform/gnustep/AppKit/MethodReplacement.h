@@ -20,4 +20,15 @@ void ReplaceMethod(Class owner, SEL selector, Function replacement, Function& or
     method_setImplementation(method, (IMP)(AnyFunction)replacement);
 }
 
+// The same for `owner` alone, where the method may be one that it inherits.
+template <typename Function>
+void OverrideMethod(Class owner, SEL selector, Function replacement, Function& original)
+{
+    using AnyFunction = void (*)();
+    Method method = class_getInstanceMethod(owner, selector);
+    original = (Function)(AnyFunction)method_getImplementation(method);
+    class_replaceMethod(owner, selector, (IMP)(AnyFunction)replacement,
+                        method_getTypeEncoding(method));
+}
+
 } // namespace platform
