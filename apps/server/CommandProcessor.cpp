@@ -1,7 +1,6 @@
 #include "apps/server/CommandProcessor.h"
 
-#include "apps/server/ScriptFunctions.h"
-
+#include <stdexcept>
 #include <utility>
 
 namespace Tarvane::Server
@@ -14,11 +13,15 @@ CCommandProcessor::CCommandProcessor(CSession session, CSessionStore* pStore, CR
 {
 }
 
-CommandReply CCommandProcessor::Run(std::string_view strScript)
+CommandReply CCommandProcessor::Run(std::string_view strScript, const Trouble& trouble)
 {
     CSession before = m_session;
-    CScriptContext context(m_session, m_folder, m_fHasDocuments);
-    ScriptResult result = RunScript(strScript, MakeScriptFunctions(context), m_limits);
+    if (!trouble.fFrozenCounter)
+        m_nFrozenCount.reset();
+    else if (!m_nFrozenCount)
+        m_nFrozenCount = m_session.UpdateCount();
+    CScriptContext context(m_session, m_folder, m_fHasDocuments && !trouble.fNoDocument);
+    ScriptResult result = RunScript(strScript, Functions(context), m_limits);
 
     CommandReply reply{std::move(result.strOutput), std::move(result.strError)};
     if (m_session.UpdateCount() != before.UpdateCount())
@@ -35,6 +38,28 @@ CommandReply CCommandProcessor::Run(std::string_view strScript)
     if (!reply.strError.empty())
         reply.strResult.clear();
     return reply;
+}
+
+void CCommandProcessor::Change(const std::function<void(CSession&)>& change)
+{
+    CSession before = m_session;
+    change(m_session);
+    if (const std::string strSaveError = SaveError(); !strSaveError.empty())
+    {
+        m_session = std::move(before);
+        throw std::runtime_error("the session could not be saved: " + strSaveError);
+    }
+}
+
+std::vector<ScriptFunction> CCommandProcessor::Functions(CScriptContext& context) const
+{
+    std::vector<ScriptFunction> functions = MakeScriptFunctions(context);
+    for (ScriptFunction& function : functions)
+    {
+        if (m_nFrozenCount && function.strName == "GetUpdateCount")
+            function.call = [nCount = *m_nFrozenCount](const CScriptArguments&) { return nCount; };
+    }
+    return functions;
 }
 
 std::string CCommandProcessor::SaveError()

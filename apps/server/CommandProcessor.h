@@ -12,10 +12,13 @@
 
 #include "apps/server/LuaSandbox.h"
 #include "apps/server/RenderFolder.h"
+#include "apps/server/ScriptFunctions.h"
 #include "apps/server/Session.h"
 #include "apps/server/SessionStore.h"
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -28,6 +31,13 @@ struct CommandReply
     std::string strError; // empty for none
 };
 
+// What is amiss with a server while it runs a command, on request.
+struct Trouble
+{
+    bool fNoDocument = false;    // as with no document open
+    bool fFrozenCounter = false; // GetUpdateCount stands where it was when the trouble began
+};
+
 // Any one thread.
 class CCommandProcessor
 {
@@ -37,10 +47,16 @@ public:
     CCommandProcessor(CSession session, CSessionStore* pStore, CRenderFolder folder,
                       bool fHasDocuments, const SandboxLimits& limits = {});
 
-    CommandReply Run(std::string_view strScript);
+    CommandReply Run(std::string_view strScript, const Trouble& trouble = {});
+
+    // Changes the session behind the clients' backs. Throws, and changes nothing, when it cannot be
+    // saved.
+    void Change(const std::function<void(CSession&)>& change);
+
     const CSession& Session() const { return m_session; }
 
 private:
+    std::vector<ScriptFunction> Functions(CScriptContext& context) const;
     // Empty when the session is on disk.
     std::string SaveError();
 
@@ -49,6 +65,7 @@ private:
     CRenderFolder m_folder;
     bool m_fHasDocuments;
     SandboxLimits m_limits;
+    std::optional<std::int64_t> m_nFrozenCount;
 };
 
 } // namespace Tarvane::Server

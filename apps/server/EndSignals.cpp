@@ -63,4 +63,14 @@ void CEndSignals::Wait() const
     }
 }
 
+void CEndSignals::WaitFor(std::chrono::milliseconds time) const
+{
+    const auto end = std::chrono::steady_clock::now() + time;
+    auto left = time;
+    // A signal that does not ask for the end may cut a wait short.
+    while (left.count() > 0 && !Poll(m_pipe.ReadEnd(), static_cast<int>(left.count())))
+        left = std::chrono::duration_cast<std::chrono::milliseconds>(
+            end - std::chrono::steady_clock::now());
+}
+
 } // namespace Tarvane::Server

@@ -3,6 +3,8 @@
 
 #include "apps/support/Pipe.h"
 
+#include <chrono>
+
 namespace Tarvane::Server
 {
 
@@ -21,6 +23,8 @@ public:
     bool HasCome() const;
     // Returns when the process has been asked to end.
     void Wait() const;
+    // The same, or when the time is over.
+    void WaitFor(std::chrono::milliseconds time) const;
 
 private:
     CPipe m_pipe;

@@ -1,5 +1,7 @@
 #include "apps/server/EventHandler.h"
 
+#include "apps/server/FaultyReply.h"
+#include "apps/server/SessionMishaps.h"
 #include "apps/server/UnicodeText.h"
 
 #include <TarvanePlatform/Application.h>
@@ -9,6 +11,7 @@
 #include <string>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace Tarvane::Server
 {
@@ -19,8 +22,6 @@ namespace
 constexpr OSType kSignature = 'TkNe';
 constexpr AEEventClass kEventClass = 'TKNE';
 constexpr AEEventID kEventId = 'LCmd';
-constexpr AEKeyword kResultKey = 'Rslt';
-constexpr AEKeyword kErrorKey = 'Errr';
 
 // What a process that ends by a planned fault leaves as its exit code.
 constexpr int kExitByFault = 70;
@@ -41,13 +42,6 @@ OSErr ReadScript(const AppleEvent* pEvent, std::string& strScript)
     return nStatus;
 }
 
-OSErr PutText(AppleEvent* pReply, AEKeyword nKey, const std::string& strText)
-{
-    const std::u16string units = Utf16FromUtf8(strText);
-    return AEPutParamPtr(pReply, nKey, typeUnicodeText, units.data(),
-                         static_cast<Size>(units.size() * sizeof(char16_t)));
-}
-
 std::string WhyNotInstalled(OSErr nStatus)
 {
     switch (nStatus)
@@ -61,12 +55,20 @@ std::string WhyNotInstalled(OSErr nStatus)
     }
 }
 
+std::vector<std::string> NamesOf(const FaultSet& faults)
+{
+    std::vector<std::string> names;
+    for (const Fault fault : faults)
+        names.push_back(NameOf(fault));
+    return names;
+}
+
 } // namespace
 
 CEventHandler::CEventHandler(CCommandProcessor& processor, CEventLog& log,
-                             std::vector<PlannedFault> faults, std::function<void()> waitForEnd)
-    : m_processor(processor), m_log(log), m_faults(std::move(faults)),
-      m_waitForEnd(std::move(waitForEnd))
+                             CMisbehaviour misbehaviour, FaultWaits waits)
+    : m_processor(processor), m_log(log), m_misbehaviour(std::move(misbehaviour)),
+      m_waits(std::move(waits))
 {
 }
 
@@ -100,32 +102,50 @@ OSErr CEventHandler::Receive(const AppleEvent* pEvent, AppleEvent* pReply, void*
 
 OSErr CEventHandler::Handle(const AppleEvent* pEvent, AppleEvent* pReply)
 {
-    const Fault fault = FaultAt(m_faults, ++m_nEvents);
+    const FaultSet faults = m_misbehaviour.At(++m_nEvents);
     std::string strScript;
-    OSErr nStatus = ReadScript(pEvent, strScript);
+    const OSErr nStatus = ReadScript(pEvent, strScript);
     if (nStatus != noErr)
         return nStatus;
     m_log.In(m_nEvents, strScript);
+    m_log.Faults(m_nEvents, NamesOf(faults));
 
-    if (fault == Fault::Hang)
+    if (faults.count(Fault::Hang) != 0)
     {
-        m_waitForEnd();
+        m_waits.untilEnd();
         return errAEEventFailed;
     }
-    if (fault == Fault::ExitBeforeEffect)
-        _exit(kExitByFault);
-    const CommandReply reply = m_processor.Run(strScript);
-    if (fault == Fault::ExitAfterEffect)
+    SufferBefore(faults);
+    const CommandReply reply =
+        m_processor.Run(strScript, {faults.count(Fault::DocumentVanishes) != 0,
+                                    faults.count(Fault::FrozenCounter) != 0});
+    if (faults.count(Fault::ExitAfterEffect) != 0)
         _exit(kExitByFault);
 
     m_log.Out(m_nEvents, reply);
     // The sender may not want a reply; the command has been run all the same.
-    if (pReply->descriptorType == typeNull)
-        return noErr;
-    nStatus = PutText(pReply, kResultKey, reply.strResult);
-    if (nStatus == noErr && !reply.strError.empty())
-        nStatus = PutText(pReply, kErrorKey, reply.strError);
-    return nStatus;
+    return pReply->descriptorType == typeNull ? OSErr(noErr)
+                                              : Answer(pEvent, pReply, reply, faults);
+}
+
+void CEventHandler::SufferBefore(const FaultSet& faults)
+{
+    if (faults.count(Fault::ExitBeforeEffect) != 0)
+        _exit(kExitByFault);
+    if (faults.count(Fault::TrackVanishes) != 0 || faults.count(Fault::TracksMove) != 0)
+        m_processor.Change([&](CSession& session) { Befall(session, faults); });
+    if (faults.count(Fault::EventFlood) != 0)
+        m_flood.Begin(kSignature);
+}
+
+OSErr CEventHandler::Answer(const AppleEvent* pEvent, AppleEvent* pReply, const CommandReply& reply,
+                            const FaultSet& faults)
+{
+    if (faults.count(Fault::NoReply) != 0)
+        return AESuspendTheCurrentEvent(pEvent);
+    if (faults.count(Fault::LateReply) != 0)
+        m_waits.delay();
+    return PutReply(pReply, reply, faults);
 }
 
 } // namespace Tarvane::Server

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "apps/server/CommandProcessor.h"
+#include "apps/server/EventFlood.h"
 #include "apps/server/EventLog.h"
 #include "apps/server/Misbehaviour.h"
 
@@ -14,18 +15,23 @@
 
 #include <cstdint>
 #include <functional>
-#include <vector>
 
 namespace Tarvane::Server
 {
+
+// Where a fault that takes its time spends it. Both return early when the process is asked to end.
+struct FaultWaits
+{
+    std::function<void()> untilEnd;
+    std::function<void()> delay;
+};
 
 // Main thread. Installed from Install to its end. What it is given must outlive it.
 class CEventHandler
 {
 public:
-    // waitForEnd is where a hanging event stays: it returns when the process has been asked to end.
-    CEventHandler(CCommandProcessor& processor, CEventLog& log, std::vector<PlannedFault> faults,
-                  std::function<void()> waitForEnd);
+    CEventHandler(CCommandProcessor& processor, CEventLog& log, CMisbehaviour misbehaviour,
+                  FaultWaits waits);
     ~CEventHandler();
     CEventHandler(const CEventHandler&) = delete;
     CEventHandler& operator=(const CEventHandler&) = delete;
@@ -37,11 +43,15 @@ public:
 private:
     static OSErr Receive(const AppleEvent* pEvent, AppleEvent* pReply, void* pHandler);
     OSErr Handle(const AppleEvent* pEvent, AppleEvent* pReply);
+    void SufferBefore(const FaultSet& faults);
+    OSErr Answer(const AppleEvent* pEvent, AppleEvent* pReply, const CommandReply& reply,
+                 const FaultSet& faults);
 
     CCommandProcessor& m_processor;
     CEventLog& m_log;
-    std::vector<PlannedFault> m_faults;
-    std::function<void()> m_waitForEnd;
+    CMisbehaviour m_misbehaviour;
+    FaultWaits m_waits;
+    CEventFlood m_flood;
     std::int64_t m_nEvents = 0;
     bool m_fInstalled = false;
 };

@@ -64,6 +64,17 @@ void CEventLog::In(std::int64_t nEvent, std::string_view strScript)
     End();
 }
 
+void CEventLog::Faults(std::int64_t nEvent, const std::vector<std::string>& names)
+{
+    if (m_pStream == nullptr || names.empty())
+        return;
+    std::string strWhat = "faults";
+    for (const std::string& strName : names)
+        strWhat += " " + strName;
+    Begin(nEvent, strWhat.c_str());
+    End();
+}
+
 void CEventLog::Out(std::int64_t nEvent, const CommandReply& reply)
 {
     if (m_pStream == nullptr)

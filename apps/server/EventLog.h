@@ -2,6 +2,7 @@
 //
 //     2026-03-01T12:34:56.789Z event 1 in
 //         print(GetUpdateCount())
+//     2026-03-01T12:34:56.790Z event 1 faults late-reply
 //     2026-03-01T12:34:56.790Z event 1 out
 //       result
 //         0
@@ -18,6 +19,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Tarvane::Server
 {
@@ -30,6 +32,8 @@ public:
     explicit CEventLog(const std::string& strFile);
 
     void In(std::int64_t nEvent, std::string_view strScript);
+    // What is planned to go wrong with the event.
+    void Faults(std::int64_t nEvent, const std::vector<std::string>& names);
     void Out(std::int64_t nEvent, const CommandReply& reply);
 
 private:

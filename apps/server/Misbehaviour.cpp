@@ -1,13 +1,17 @@
 #include "apps/server/Misbehaviour.h"
 
+#include <algorithm>
 #include <charconv>
 #include <stdexcept>
+#include <utility>
 
 namespace Tarvane::Server
 {
 
 namespace
 {
+
+constexpr std::uint64_t kEventsAFault = 4;
 
 std::string KnownFaults()
 {
@@ -17,14 +21,48 @@ std::string KnownFaults()
     return strNames;
 }
 
+Fault FaultOf(std::string_view name)
+{
+    for (const FaultKind& kind : FaultKinds())
+    {
+        if (name == kind.szName)
+            return kind.fault;
+    }
+    throw std::invalid_argument("there is no fault \"" + std::string(name) + "\"; the names are " +
+                                KnownFaults());
+}
+
+bool HappensOnce(Fault fault)
+{
+    return std::any_of(FaultKinds().begin(), FaultKinds().end(),
+                       [fault](const FaultKind& kind)
+                       { return kind.fault == fault && kind.fOnce; });
+}
+
 std::int64_t ParseEvent(std::string_view text)
 {
     std::int64_t nEvent = 0;
     const char* pEnd = text.data() + text.size();
     const auto [pStop, error] = std::from_chars(text.data(), pEnd, nEvent);
     if (error != std::errc() || pStop != pEnd || nEvent < 1)
-        throw std::invalid_argument("write NAME@N with the number of an event, from 1");
+        throw std::invalid_argument("write NAME@N or NAME@N-M with numbers of events, from 1");
     return nEvent;
+}
+
+void ParseEvents(std::string_view text, FaultPlan& plan)
+{
+    const std::size_t nDash = text.find('-', 1);
+    plan.nFirst = ParseEvent(text.substr(0, nDash));
+    if (nDash == std::string_view::npos)
+        return;
+    plan.nLast = ParseEvent(text.substr(nDash + 1));
+    if (plan.nLast < plan.nFirst)
+        throw std::invalid_argument("write NAME@N-M with M no smaller than N");
+}
+
+bool IsInForce(const FaultPlan& plan, std::int64_t nEvent)
+{
+    return plan.nFirst <= nEvent && nEvent <= plan.nLast;
 }
 
 } // namespace
@@ -32,35 +70,106 @@ std::int64_t ParseEvent(std::string_view text)
 const std::vector<FaultKind>& FaultKinds()
 {
     static const std::vector<FaultKind> kinds{
-        {"exit-before-effect", Fault::ExitBeforeEffect, "ends before it runs the script"},
-        {"exit-after-effect", Fault::ExitAfterEffect, "ends after the change, before the reply"},
-        {"hang", Fault::Hang, "never answers and stays on the bus"},
+        {"slow-start", Fault::SlowStart, false, "is not on the bus before the delay is over"},
+        {"no-reply", Fault::NoReply, false, "runs the script and never answers"},
+        {"late-reply", Fault::LateReply, false, "answers when the delay is over"},
+        {"exit-before-effect", Fault::ExitBeforeEffect, false, "ends before it runs the script"},
+        {"exit-after-effect", Fault::ExitAfterEffect, false,
+         "ends after the change, before the reply"},
+        {"hang", Fault::Hang, false, "never answers and stays on the bus"},
+        {"no-result", Fault::NoResult, false, "answers without 'Rslt'"},
+        {"wrong-type", Fault::WrongType, false, "answers with a 'Rslt' of the type 'TEXT'"},
+        {"empty-result", Fault::EmptyResult, false, "answers with an empty 'Rslt'"},
+        {"error-beside-result", Fault::ErrorBesideResult, false,
+         "adds an 'Errr' to what the script printed"},
+        {"lone-surrogates", Fault::LoneSurrogates, false,
+         "ends 'Rslt' with halves of surrogate pairs"},
+        {"huge-reply", Fault::HugeReply, false, "fills 'Rslt' up to 16 MB with line ends"},
+        {"document-vanishes", Fault::DocumentVanishes, false, "has no document any more"},
+        {"track-vanishes", Fault::TrackVanishes, true, "loses the last track of each document"},
+        {"tracks-move", Fault::TracksMove, true, "reverses the tracks and renames them"},
+        {"frozen-counter", Fault::FrozenCounter, false, "counts no updates"},
+        {"event-flood", Fault::EventFlood, true, "sends events to itself without end"},
     };
     return kinds;
 }
 
-PlannedFault ParseFault(std::string_view text)
+const char* NameOf(Fault fault)
 {
-    const std::size_t nAt = text.find('@');
-    if (nAt == std::string_view::npos)
-        throw std::invalid_argument("write NAME@N; the names are " + KnownFaults());
     for (const FaultKind& kind : FaultKinds())
     {
-        if (text.substr(0, nAt) == kind.szName)
-            return {kind.fault, ParseEvent(text.substr(nAt + 1))};
+        if (kind.fault == fault)
+            return kind.szName;
     }
-    throw std::invalid_argument("there is no fault \"" + std::string(text.substr(0, nAt)) +
-                                "\"; the names are " + KnownFaults());
+    return "";
 }
 
-Fault FaultAt(const std::vector<PlannedFault>& faults, std::int64_t nEvent)
+FaultPlan ParseFaults(std::string_view text)
 {
-    for (const PlannedFault& planned : faults)
+    FaultPlan plan;
+    const std::size_t nAt = text.find('@');
+    if (nAt != std::string_view::npos)
+        ParseEvents(text.substr(nAt + 1), plan);
+    std::string_view names = text.substr(0, nAt);
+    while (true)
     {
-        if (planned.nEvent == nEvent)
-            return planned.fault;
+        const std::size_t nComma = names.find(',');
+        plan.faults.push_back(FaultOf(names.substr(0, nComma)));
+        if (nComma == std::string_view::npos)
+            return plan;
+        names.remove_prefix(nComma + 1);
     }
-    return Fault::None;
+}
+
+CMisbehaviour::CMisbehaviour(std::vector<FaultPlan> plans, std::optional<std::uint64_t> seed)
+    : m_plans(std::move(plans))
+{
+    if (seed)
+        m_random.emplace(*seed);
+}
+
+bool CMisbehaviour::StartsSlowly() const
+{
+    return std::any_of(m_plans.begin(), m_plans.end(),
+                       [](const FaultPlan& plan)
+                       {
+                           return std::find(plan.faults.begin(), plan.faults.end(),
+                                            Fault::SlowStart) != plan.faults.end();
+                       });
+}
+
+FaultSet CMisbehaviour::At(std::int64_t nEvent)
+{
+    if (m_random)
+        return Drawn(nEvent);
+    FaultSet faults;
+    for (const FaultPlan& plan : m_plans)
+    {
+        for (const Fault fault : plan.faults)
+        {
+            if (IsInForce(plan, nEvent) && (!HappensOnce(fault) || nEvent == plan.nFirst))
+                faults.insert(fault);
+        }
+    }
+    faults.erase(Fault::SlowStart);
+    return faults;
+}
+
+FaultSet CMisbehaviour::Drawn(std::int64_t nEvent)
+{
+    std::vector<Fault> candidates;
+    for (const FaultPlan& plan : m_plans)
+    {
+        if (IsInForce(plan, nEvent))
+            candidates.insert(candidates.end(), plan.faults.begin(), plan.faults.end());
+    }
+    std::erase(candidates, Fault::SlowStart);
+    // Drawn for every event, so that what a plan holds at one changes nothing at the next. The
+    // remainder is the same with every standard library, which distributions are not.
+    const std::uint64_t nDraw = (*m_random)();
+    if (candidates.empty() || nDraw % kEventsAFault != 0)
+        return {};
+    return {candidates[nDraw / kEventsAFault % candidates.size()]};
 }
 
 } // namespace Tarvane::Server

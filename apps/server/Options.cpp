@@ -26,7 +26,8 @@ std::string CheckLinkOffset(double dSeconds)
 std::string FaultHelp()
 {
     std::string strHelp =
-        "For tests: fail at the N-th event, counted from 1 (repeatable). The server";
+        "For tests: fail in these ways, all together, from the N-th event on, counted from 1, or "
+        "up to the M-th (repeatable). With --seed, at random. The server";
     const char* szBefore = "\n";
     for (const FaultKind& kind : FaultKinds())
     {
@@ -36,11 +37,11 @@ std::string FaultHelp()
     return strHelp;
 }
 
-PlannedFault FaultOrParseError(const std::string& strFault)
+FaultPlan FaultsOrParseError(const std::string& strFaults)
 {
     try
     {
-        return ParseFault(strFault);
+        return ParseFaults(strFaults);
     }
     catch (const std::invalid_argument& error)
     {
@@ -91,12 +92,21 @@ void DeclareOptions(CLI::App& app, Options& options)
            "--misbehave",
            [&options](const std::vector<std::string>& faults)
            {
-               for (const std::string& strFault : faults)
-                   options.faults.push_back(FaultOrParseError(strFault));
+               for (const std::string& strFaults : faults)
+                   options.faults.push_back(FaultsOrParseError(strFaults));
            },
            FaultHelp())
-        ->type_name("NAME@N")
+        ->type_name("NAME[,NAME...][@N[-M]]")
         ->allow_extra_args(false);
+    app.add_option("--seed", options.seed,
+                   "Let about every fourth event meet one of the faults of --misbehave; the same "
+                   "seed draws the same ones again")
+        ->type_name("NUMBER");
+    app.add_option("--delay", options.dDelay,
+                   "How long slow-start and late-reply take (default 65, more than the minute for "
+                   "which clients wait)")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.0, 1e6));
     CLI::Option* pList = app.add_option("--list-session", options.strListedFile,
                                         "Print what is in a session file, and end")
                              ->type_name("FILE");

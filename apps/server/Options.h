@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,7 +21,9 @@ struct Options
     bool fNoDocument = false;
     std::string strRenderFolder; // empty: beside the session file (RenderFolderFor)
     std::string strLogFile;
-    std::vector<PlannedFault> faults;
+    std::vector<FaultPlan> faults;
+    std::optional<std::uint64_t> seed; // of faults at random
+    double dDelay = 65;                // seconds that a slow start and a late reply take
     // A listing of this session is all that is asked for.
     std::string strListedFile;
     bool fJson = false;

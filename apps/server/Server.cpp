@@ -8,9 +8,12 @@
 #include "apps/server/SessionListing.h"
 #include "apps/support/CommandLine.h"
 
+#include <chrono>
+#include <cmath>
 #include <csignal>
 #include <iostream>
 #include <memory>
+#include <utility>
 
 namespace Tarvane::Server
 {
@@ -142,7 +145,13 @@ int RunServer(const Options& options)
     CCommandProcessor processor(OpenSession(pStore.get(), options), pStore.get(),
                                 CRenderFolder(RenderFolderFor(pStore.get(), options)),
                                 !options.fNoDocument);
-    CEventHandler handler(processor, log, options.faults, [&signals] { signals.Wait(); });
+    const std::chrono::milliseconds delay(std::llround(options.dDelay * 1000));
+    CMisbehaviour misbehaviour(options.faults, options.seed);
+    if (misbehaviour.StartsSlowly())
+        signals.WaitFor(delay);
+    CEventHandler handler(
+        processor, log, std::move(misbehaviour),
+        {[&signals] { signals.Wait(); }, [&signals, delay] { signals.WaitFor(delay); }});
     handler.Install();
     std::cout << "ready" << std::endl;
     loop.RunUntilEnd(signals);

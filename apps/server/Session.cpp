@@ -1,5 +1,6 @@
 #include "apps/server/Session.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Tarvane::Server
@@ -17,6 +18,13 @@ auto FindById(const Entries& entries, std::int64_t nId) -> decltype(entries.data
             return &entry;
     }
     return nullptr;
+}
+
+bool TakesPart(const Process& process, std::int64_t nTrackId)
+{
+    const auto isInput = [=](const ProcessInput& input) { return input.nTrackId == nTrackId; };
+    return std::any_of(process.inputs.begin(), process.inputs.end(), isInput) ||
+           std::count(process.outputTrackIds.begin(), process.outputTrackIds.end(), nTrackId) != 0;
 }
 
 } // namespace
@@ -73,6 +81,44 @@ std::int64_t CSession::AddTrack(DocumentKind kind, const std::string& strName)
 {
     Edit(kind).tracks.push_back({m_nNextId, strName});
     return m_nNextId++;
+}
+
+void CSession::RenameTrack(DocumentKind kind, std::int64_t nTrackId, const std::string& strName)
+{
+    for (Track& track : Edit(kind).tracks)
+    {
+        if (track.nId == nTrackId)
+            track.strName = strName;
+    }
+}
+
+void CSession::MoveTrack(DocumentKind kind, std::int64_t nTrackId, std::size_t nPlace)
+{
+    std::vector<Track>& tracks = Edit(kind).tracks;
+    const auto isIt = [=](const Track& track) { return track.nId == nTrackId; };
+    const auto found = std::find_if(tracks.begin(), tracks.end(), isIt);
+    if (found == tracks.end())
+        return;
+    Track track = std::move(*found);
+    tracks.erase(found);
+    tracks.insert(tracks.begin() + static_cast<std::ptrdiff_t>(std::min(nPlace, tracks.size())),
+                  std::move(track));
+}
+
+void CSession::DeleteTrack(DocumentKind kind, std::int64_t nTrackId)
+{
+    const std::vector<Region> regions = GetDocument(kind).regions;
+    for (const Region& region : regions)
+    {
+        if (region.nTrackId == nTrackId)
+            DeleteRegion(kind, region.nId);
+    }
+    Document& document = Edit(kind);
+    std::erase_if(document.markerAreas,
+                  [=](const MarkerArea& area) { return area.nTrackId == nTrackId; });
+    std::erase_if(document.processes,
+                  [=](const Process& process) { return TakesPart(process, nTrackId); });
+    std::erase_if(document.tracks, [=](const Track& track) { return track.nId == nTrackId; });
 }
 
 std::int64_t CSession::AddRegion(DocumentKind kind, Region region)

@@ -128,6 +128,13 @@ public:
 
     // Returns the new track's id.
     std::int64_t AddTrack(DocumentKind kind, const std::string& strName);
+    // The track is one of the document; a name is valid.
+    void RenameTrack(DocumentKind kind, std::int64_t nTrackId, const std::string& strName);
+    // To a place in the list, from 0, at most its last; the tracks from there on move up.
+    void MoveTrack(DocumentKind kind, std::int64_t nTrackId, std::size_t nPlace);
+    // Regions and marker areas of the track go with it, and so do the processes that it takes part
+    // in.
+    void DeleteTrack(DocumentKind kind, std::int64_t nTrackId);
     // Gives the region the next id and returns it. Its track is one of the document.
     std::int64_t AddRegion(DocumentKind kind, Region region);
     void SelectRegion(DocumentKind kind, std::int64_t nRegionId);

@@ -3,6 +3,7 @@
 
 #include "platform/gnustep/AppleEvents/Handlers.h"
 #include "platform/gnustep/AppleEvents/Receiver.h"
+#include "platform/gnustep/AppleEvents/Storage.h"
 #include "platform/gnustep/AppleEvents/Timeout.h"
 
 #include <unistd.h>
@@ -70,6 +71,15 @@ OSErr AERemoveEventHandler(AEEventClass theAEEventClass, AEEventID theAEEventID,
         return errAEHandlerNotFound;
     if (application.handlers.IsEmpty())
         application.receiver.Close();
+    return noErr;
+}
+
+OSErr AESuspendTheCurrentEvent(const AppleEvent* theAppleEvent)
+{
+    EventStorage* const event = EventOf(theAppleEvent);
+    if (!event)
+        return errAENotAppleEvent;
+    event->fSuspended = true;
     return noErr;
 }
 

@@ -63,11 +63,11 @@ bool Handlers::Remove(AEEventClass eventClass, AEEventID eventID, AEEventHandler
     return true;
 }
 
-OSErr Handlers::Run(EventStorage event, Parameters* answer) const
+Handlers::Outcome Handlers::Run(EventStorage event, Parameters* answer) const
 {
     const auto found = m_handlers.find({event.eventClass, event.eventID});
     if (found == m_handlers.end())
-        return errAEEventNotHandled;
+        return {errAEEventNotHandled, false};
     // A copy: the handler may remove itself.
     const Handler handler = found->second;
     ScopedDesc request(NewEventDescriptor(std::move(event)));
@@ -76,7 +76,7 @@ OSErr Handlers::Run(EventStorage event, Parameters* answer) const
     EventStorage* const filled = EventOf(reply.Get());
     if (status == noErr && answer && filled)
         *answer = std::move(filled->parameters);
-    return status;
+    return {status, EventOf(request.Get())->fSuspended};
 }
 
 } // namespace AppleEvents

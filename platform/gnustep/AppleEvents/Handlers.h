@@ -22,10 +22,17 @@ public:
 
     bool IsEmpty() const { return m_handlers.empty(); }
 
-    // Runs the event's handler and returns its status; errAEEventNotHandled without one. A handler
+    // What a handler made of an event.
+    struct Outcome
+    {
+        OSErr status;
+        bool fSuspended;
+    };
+
+    // Runs the event's handler; the status is errAEEventNotHandled without one. A handler
     // that throws has failed with errAEEventFailed (memFullErr when it ran out of memory). With a
     // null answer the handler is told that no reply is wanted.
-    OSErr Run(EventStorage event, Parameters* answer) const;
+    Outcome Run(EventStorage event, Parameters* answer) const;
 
 private:
     struct Handler

@@ -219,16 +219,19 @@ void Receiver::Answer(sd_bus_message* request)
 {
     const bool fWantsReply = sd_bus_message_get_expect_reply(request) > 0;
     Parameters answer;
+    bool fSuspended = false;
     const OSErr status = WithoutExceptions(
         [&]
         {
             EventStorage event;
-            const OSErr readable = ReadRequest(request, event);
-            return readable == noErr
-                       ? m_handlers.Run(std::move(event), fWantsReply ? &answer : nullptr)
-                       : readable;
+            if (const OSErr unreadable = ReadRequest(request, event))
+                return unreadable;
+            const Handlers::Outcome outcome =
+                m_handlers.Run(std::move(event), fWantsReply ? &answer : nullptr);
+            fSuspended = outcome.fSuspended;
+            return outcome.status;
         });
-    if (!fWantsReply)
+    if (!fWantsReply || fSuspended)
         return;
     if (FitsInMessage(answer))
         Reply(request, status, answer);

@@ -42,6 +42,7 @@ struct EventStorage : Storage
     AEEventID eventID = 0;
     Parameter target{typeNull, {}};
     Parameters parameters;
+    bool fSuspended = false; // no reply goes out when its handler returns
 };
 
 // The kind is taken from the storage, never from descriptorType, which anybody may overwrite.

@@ -134,6 +134,43 @@ TEST_F(CommandProcessor, AScriptErrorIsNotLostInAFailedSave)
                 testing::AllOf(HasSubstr("could not be saved"), HasSubstr("; and and this")));
 }
 
+TEST_F(CommandProcessor, NoDocumentCanBeSelectedWhileItHasVanished)
+{
+    EXPECT_EQ(m_stored.Run("print(SelectScriptDocument())", {true, false}).strResult, "false\n");
+    EXPECT_EQ(m_stored.Run("print(SelectScriptDocument())").strResult, "true\n");
+}
+
+TEST_F(CommandProcessor, AFrozenCounterStandsWhereItStood)
+{
+    Run(Add(0));
+    const std::string strCount = m_stored.Run("print(GetUpdateCount())").strResult;
+    const Trouble frozen{false, true};
+    EXPECT_EQ(m_stored.Run("print(GetUpdateCount())", frozen).strResult, strCount);
+    m_stored.Run("SelectScriptDocument() " + Add(500), frozen);
+    EXPECT_EQ(m_stored.Run("print(GetUpdateCount())", frozen).strResult, strCount);
+    EXPECT_EQ(StoredRegions(), 2u) << "what happens meanwhile is kept all the same";
+    EXPECT_NE(m_stored.Run("print(GetUpdateCount())").strResult, strCount);
+}
+
+TEST_F(CommandProcessor, AChangeBehindTheClientsBacksIsOnDisk)
+{
+    m_stored.Change([](CSession& session) { session.DeleteTrack(DocumentKind::Script, 1); });
+    EXPECT_TRUE(CSessionStore(m_folder / "session")
+                    .Load()
+                    ->GetDocument(DocumentKind::Script)
+                    .tracks.empty());
+}
+
+TEST_F(CommandProcessor, AChangeBehindTheClientsBacksThatCannotBeSavedIsUndone)
+{
+    Run(Add(0));
+    const CFailingCall failing("fsync", 1, EIO);
+    EXPECT_THROW(
+        m_stored.Change([](CSession& session) { session.DeleteTrack(DocumentKind::Script, 1); }),
+        std::runtime_error);
+    EXPECT_EQ(LiveRegions(), 1u);
+}
+
 TEST_F(CommandProcessor, LimitsAreTheGivenOnes)
 {
     SandboxLimits limits;

@@ -62,6 +62,14 @@ TEST_F(EventLog, EventsAndAnswersAreRecordedAtOnce)
                 testing::EndsWith("TIME event 2 out\n  result\n  error\n    no such track\n"));
 }
 
+TEST_F(EventLog, PlannedFaultsAreRecorded)
+{
+    CEventLog log(m_file);
+    log.Faults(1, {});
+    log.Faults(2, {"hang", "no-result"});
+    EXPECT_EQ(Text(), "TIME event 2 faults hang no-result\n");
+}
+
 TEST_F(EventLog, NoScriptCanWriteARecordOfItsOwn)
 {
     CEventLog log(m_file);

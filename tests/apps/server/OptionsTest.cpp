@@ -45,14 +45,33 @@ TEST(Options, NoneIsFine)
     EXPECT_FALSE(options.linkOffset.has_value());
     EXPECT_FALSE(options.fNoDocument);
     EXPECT_TRUE(options.faults.empty());
+    EXPECT_FALSE(options.seed.has_value());
+    EXPECT_GT(options.dDelay, 60) << "more than a client waits";
 }
 
 TEST(Options, AllAreRead)
 {
-    const Options options =
-        Parse({"--session", "a.session", "--track", "Vox", "--track", "Lead Guitar",
-               "--link-offset", "-2.5", "--log", "-", "--no-document", "--misbehave", "hang@3",
-               "--misbehave", "exit-after-effect@1", "--render-folder", "made"});
+    const Options options = Parse({"--session",
+                                   "a.session",
+                                   "--track",
+                                   "Vox",
+                                   "--track",
+                                   "Lead Guitar",
+                                   "--link-offset",
+                                   "-2.5",
+                                   "--log",
+                                   "-",
+                                   "--no-document",
+                                   "--misbehave",
+                                   "hang@3",
+                                   "--misbehave",
+                                   "no-reply,exit-after-effect@1",
+                                   "--seed",
+                                   "7",
+                                   "--delay",
+                                   "0.5",
+                                   "--render-folder",
+                                   "made"});
     EXPECT_EQ(options.strSessionFile, "a.session");
     EXPECT_THAT(options.trackNames, ElementsAre("Vox", "Lead Guitar"));
     EXPECT_EQ(options.linkOffset, -2.5);
@@ -60,8 +79,11 @@ TEST(Options, AllAreRead)
     EXPECT_TRUE(options.fNoDocument);
     EXPECT_EQ(options.strRenderFolder, "made");
     ASSERT_EQ(options.faults.size(), 2u);
-    EXPECT_EQ(options.faults[0].fault, Fault::Hang);
-    EXPECT_EQ(options.faults[1].nEvent, 1);
+    EXPECT_THAT(options.faults[0].faults, ElementsAre(Fault::Hang));
+    EXPECT_EQ(options.faults[0].nFirst, 3);
+    EXPECT_THAT(options.faults[1].faults, ElementsAre(Fault::NoReply, Fault::ExitAfterEffect));
+    EXPECT_EQ(options.seed, 7u);
+    EXPECT_EQ(options.dDelay, 0.5);
 }
 
 TEST(Options, AListingCanBeJson)
@@ -96,6 +118,8 @@ TEST(Options, OffsetsAreNumbersInReach)
 TEST(Options, UnknownFaultsAndOptionsAreRefused)
 {
     EXPECT_THAT(ErrorOf({"--misbehave", "dance@1"}), HasSubstr("there is no fault \"dance\""));
+    EXPECT_THAT(ErrorOf({"--seed", "often"}), HasSubstr("--seed"));
+    EXPECT_THAT(ErrorOf({"--delay", "-1"}), HasSubstr("--delay"));
     EXPECT_NE(ErrorOf({"--nonsense"}), "read");
     EXPECT_NE(ErrorOf({"extra"}), "read");
     EXPECT_NE(ErrorOf({"--session"}), "read");

@@ -18,7 +18,8 @@ std::optional<std::string> TextParameter(const AppleEvent& reply, AEKeyword nKey
     Size nBytes = 0;
     if (AESizeOfParam(&reply, nKey, &nType, &nBytes) != noErr)
         return std::nullopt;
-    EXPECT_EQ(nType, DescType(typeUnicodeText));
+    if (nType != DescType(typeUnicodeText))
+        return std::nullopt;
     EXPECT_EQ(nBytes % 2, 0);
     std::u16string units(static_cast<std::size_t>(nBytes) / 2, u'\0');
     EXPECT_EQ(AEGetParamPtr(&reply, nKey, typeUnicodeText, nullptr, units.data(), nBytes, nullptr),

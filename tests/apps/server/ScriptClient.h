@@ -13,8 +13,8 @@ namespace TarvaneTest
 struct CScriptAnswer
 {
     OSErr nStatus = noErr;
-    std::optional<std::string> result; // what 'Rslt' held
-    std::optional<std::string> error;  // what 'Errr' held
+    std::optional<std::string> result; // what 'Rslt' held; empty also for what is no 'utxt'
+    std::optional<std::string> error;  // what 'Errr' held, likewise
 };
 
 // Half a minute: no answer comes as late as that, unless it never comes.

@@ -1,3 +1,4 @@
+#include "apps/server/Misbehaviour.h"
 #include "tests/apps/server/ServerFixture.h"
 
 #include <csignal>
@@ -226,10 +227,12 @@ TEST_F(ServerProcess, HelpAndVersionAreAnswered)
 {
     const Ended help = RunToEnd({"--help"});
     EXPECT_EQ(help.nExitCode, 0);
-    for (const char* szPart : {"--session", "--track", "--link-offset", "--log", "--no-document",
-                               "--list-session", "--json", "--render-folder", "--misbehave",
-                               "exit-before-effect", "exit-after-effect", "hang", "Exit codes: "})
+    for (const char* szPart :
+         {"--session", "--track", "--link-offset", "--log", "--no-document", "--list-session",
+          "--json", "--render-folder", "--misbehave", "--seed", "--delay", "Exit codes: "})
         EXPECT_THAT(help.strOutput, HasSubstr(szPart));
+    for (const Tarvane::Server::FaultKind& kind : Tarvane::Server::FaultKinds())
+        EXPECT_THAT(help.strOutput, HasSubstr(std::string(kind.szName) + ": "));
     const Ended version = RunToEnd({"--version"});
     EXPECT_EQ(version.nExitCode, 0);
     EXPECT_THAT(version.strOutput, StartsWith("tarvane-server "));

@@ -54,6 +54,46 @@ TEST(Session, IdsAreUniqueAcrossDocumentsAndKinds)
     EXPECT_EQ(session.NextId(), 5);
 }
 
+TEST(Session, TracksMoveAndTakeOtherNamesUnderTheirIds)
+{
+    CSession session({"Vox", "Bass", "Drums"}, 0);
+    const std::vector<Track>& tracks = session.GetDocument(kScript).tracks;
+    session.MoveTrack(kScript, tracks[2].nId, 1);
+    EXPECT_EQ(tracks[1].strName, "Drums");
+    EXPECT_EQ(tracks[2].strName, "Bass");
+    session.MoveTrack(kScript, tracks[0].nId, 99);
+    EXPECT_EQ(tracks[2].strName, "Vox");
+    session.RenameTrack(kScript, tracks[2].nId, "Lead");
+    EXPECT_EQ(tracks[2].strName, "Lead");
+    EXPECT_EQ(tracks[2].nId, 1);
+    EXPECT_EQ(session.GetDocument(kAudioSuite).tracks[0].strName, "Vox");
+    EXPECT_EQ(session.UpdateCount(), 3);
+}
+
+TEST(Session, ATrackTakesWithItWhatStandsOnIt)
+{
+    CSession session({"Vox", "Bass"}, 0);
+    const std::int64_t nOther = session.AddRegion(kScript, SoundRegion(2));
+    session.SelectRegion(kScript, session.AddRegion(kScript, SoundRegion(1)));
+    session.AddMarkerArea(kScript, {0, 1, 0, 100});
+    Process reads{0, "GDX", "host", {{0, 1, 0, 100}}, {2}, kNullId};
+    Process writes{0, "GDX", "host", {{0, 2, 0, 100}}, {1}, nOther};
+    Process other{0, "GDX", "host", {{0, 2, 0, 100}}, {2}, nOther};
+    session.AddProcess(kScript, reads);
+    session.AddProcess(kScript, writes);
+    const std::int64_t nKept = session.AddProcess(kScript, other);
+    session.DeleteTrack(kScript, 1);
+    const Document& document = session.GetDocument(kScript);
+    EXPECT_EQ(document.FindTrack(1), nullptr);
+    ASSERT_EQ(document.regions.size(), 1u);
+    EXPECT_EQ(document.regions[0].nId, nOther);
+    EXPECT_EQ(document.nSelectedRegionId, kNullId);
+    EXPECT_TRUE(document.markerAreas.empty());
+    ASSERT_EQ(document.processes.size(), 1u);
+    EXPECT_EQ(document.processes[0].nId, nKept);
+    EXPECT_EQ(session.Flaw(), std::nullopt);
+}
+
 TEST(Session, EveryChangeCountsOneUpdate)
 {
     CSession session({"Vox"}, 0);

@@ -167,6 +167,16 @@ TEST_F(Receiver, RemovedHandlerHandlesNothing)
     EXPECT_EQ(errAEHandlerNotFound, SendAndWait(kRemove));
 }
 
+TEST_F(Receiver, SuspendedEventIsNotAnsweredAndTheNextOneIs)
+{
+    constexpr SInt32 kShortTicks = 30;
+    EXPECT_EQ(errAETimeout, SendAndWait(kSuspend, kShortTicks));
+    EXPECT_EQ(Answer(noErr, "next"), Echo("next"));
+    EXPECT_EQ(errAENotAppleEvent, AESuspendTheCurrentEvent(nullptr));
+    const AEDesc nothing{typeNull, nullptr};
+    EXPECT_EQ(errAENotAppleEvent, AESuspendTheCurrentEvent(&nothing));
+}
+
 TEST_F(Receiver, WithItsLastHandlerGivesUpItsNameAfterTheReply)
 {
     ASSERT_EQ(noErr, SendAndWait(kRemoveAll));

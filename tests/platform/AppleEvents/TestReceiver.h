@@ -25,7 +25,8 @@ enum Event : AEEventID
     kRemoveAll = 'RmAl', // removes every handler
     kBack = 'Back',      // removes every handler and installs them again
     kRemove = 'Rmve',    // removes the handler for kEcho
-    kSpin = 'Spin'       // answers with the passes of the run loop until now, as typeSInt32
+    kSpin = 'Spin',      // answers with the passes of the run loop until now, as typeSInt32
+    kSuspend = 'Susp'    // suspends itself, and returns noErr
 };
 
 } // namespace TestReceiver

@@ -138,6 +138,8 @@ OSErr Handle(const AppleEvent* event, AppleEvent* reply, void*)
         return AERemoveEventHandler(kClass, kEcho, nullptr, false);
     case kSpin:
         return Answer(reply, g_nPasses);
+    case kSuspend:
+        return AESuspendTheCurrentEvent(event);
     default:
         return errAEEventNotHandled;
     }
@@ -145,7 +147,8 @@ OSErr Handle(const AppleEvent* event, AppleEvent* reply, void*)
 
 constexpr AEEventID kHandled[] = {kFail,  kSlow,     kBulk,      kDie,    kCount,
                                   kThrow, kThrowInt, kRaise,     kNest,   kMode,
-                                  kKill,  kBack,     kRemoveAll, kRemove, kSpin};
+                                  kKill,  kBack,     kRemoveAll, kRemove, kSpin,
+                                  kSuspend};
 
 OSErr InstallAll()
 {

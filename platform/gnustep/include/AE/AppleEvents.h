@@ -98,6 +98,11 @@ extern "C"
     OSErr AERemoveEventHandler(AEEventClass theAEEventClass, AEEventID theAEEventID,
                                AEEventHandlerUPP handler, Boolean isSysHandler);
 
+    // Within the handler of the event: no reply goes out when the handler returns, and the sender
+    // waits on. There is no resuming here, so it waits until its time is over.
+    // errAENotAppleEvent: theAppleEvent is no event.
+    OSErr AESuspendTheCurrentEvent(const AppleEvent* theAppleEvent);
+
     // A routine pointer is its own universal pointer; both exist for callers' sake.
     AEEventHandlerUPP NewAEEventHandlerUPP(AEEventHandlerProcPtr userRoutine);
     void DisposeAEEventHandlerUPP(AEEventHandlerUPP userUPP);

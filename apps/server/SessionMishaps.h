@@ -1,0 +1,13 @@
+// What may happen to a session between two commands of a client, on request.
+#pragma once
+
+#include "apps/server/Misbehaviour.h"
+#include "apps/server/Session.h"
+
+namespace Tarvane::Server
+{
+
+// Of the faults it knows those that befall tracks, in both documents; the others change nothing.
+void Befall(CSession& session, const FaultSet& faults);
+
+} // namespace Tarvane::Server
