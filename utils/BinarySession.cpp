@@ -258,6 +258,7 @@ int CParameterBlock::LoadBinarySession(CFileName* pFile)
 {
     std::unique_ptr<unsigned char[]> pBytes;
     unsigned int nSize = 0;
+    int nResult = kSessionDone;
     try
     {
         const auto pFileIO = std::make_unique<CFileIO>();
@@ -267,9 +268,9 @@ int CParameterBlock::LoadBinarySession(CFileName* pFile)
         {
             pBytes.reset(new (std::nothrow) unsigned char[nSize]);
             if (!pBytes)
-                return kSessionNoMemory;
-            if (pFileIO->Read(nSize, pBytes.get()) != nSize)
-                return kSessionFileFailed;
+                nResult = kSessionNoMemory;
+            else if (pFileIO->Read(nSize, pBytes.get()) != nSize)
+                nResult = kSessionFileFailed;
         }
         pFileIO->Close();
     }
@@ -277,7 +278,7 @@ int CParameterBlock::LoadBinarySession(CFileName* pFile)
     {
         return kSessionFileFailed;
     }
-    return LoadBinarySessionFromMemory(pBytes.get(), nSize);
+    return nResult == kSessionDone ? LoadBinarySessionFromMemory(pBytes.get(), nSize) : nResult;
 }
 
 int CParameterBlock::LoadBinarySessionFromMemory(unsigned char* pData, unsigned int nSize)

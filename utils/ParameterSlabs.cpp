@@ -1,10 +1,15 @@
 #include "utils/ParameterSlabs.h"
 
+#include <cstdlib>
 #include <new>
 
 void CParameterSlabs::NextSlab()
 {
-    void* pMemory = ::operator new (kUsableSize, std::align_val_t{kSlabSize});
+    // The aligned operator new would round the size up to the next multiple of the alignment, so
+    // that no slab could lie straight behind another one.
+    void* pMemory = nullptr;
+    if (posix_memalign(&pMemory, kSlabSize, kUsableSize) != 0)
+        throw std::bad_alloc();
     LeaveSlab();
     m_pSlab = new (pMemory) Slab{1};
     m_pFree = static_cast<std::byte*>(pMemory) + sizeof(Slab);
@@ -19,5 +24,5 @@ void CParameterSlabs::LeaveSlab() noexcept
 
 void CParameterSlabs::Free(Slab* pSlab) noexcept
 {
-    ::operator delete (pSlab, std::align_val_t{kSlabSize});
+    std::free(pSlab);
 }

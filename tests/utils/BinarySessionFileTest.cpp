@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace
 {
@@ -19,8 +21,18 @@ protected:
         ASSERT_NE(mkdtemp(pattern.data()), nullptr);
         m_folder = pattern;
         m_root.AddParameter("Mod", 7);
+        m_nOpen = CountOpenFiles();
     }
-    void TearDown() override { std::filesystem::remove_all(m_folder); }
+    void TearDown() override
+    {
+        EXPECT_EQ(CountOpenFiles(), m_nOpen) << "no file is left open";
+        std::filesystem::remove_all(m_folder);
+    }
+
+    static std::ptrdiff_t CountOpenFiles()
+    {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+    }
 
     std::string PathOf(const std::string& name) const { return (m_folder / name).string(); }
     static std::string Read(const std::string& path)
@@ -45,6 +57,19 @@ protected:
 
     std::filesystem::path m_folder;
     CParameterBlock m_root;
+    std::ptrdiff_t m_nOpen = 0;
+};
+
+/// Permissions bind everybody while this lives, the superuser too.
+class CAnybody
+{
+public:
+    CAnybody() { EXPECT_EQ(seteuid(m_nUser == 0 ? kNobody : m_nUser), 0); }
+    ~CAnybody() { EXPECT_EQ(seteuid(m_nUser), 0); }
+
+private:
+    static constexpr uid_t kNobody = 65534;
+    const uid_t m_nUser = geteuid();
 };
 } // namespace
 
@@ -89,6 +114,24 @@ TEST_F(BinarySessionFile, SaveWhereNoFileCanBeOpenedGives2035)
     EXPECT_EQ(Save(m_root, PathOf("file/file")), 2035) << "a file taken for a folder";
     EXPECT_EQ(Save(m_root, PathOf(std::string(300, 'n'))), 2035) << "a name too long";
     EXPECT_EQ(Save(m_root, "/proc/self/exe"), 2035) << "a running program, read-only for all";
+}
+
+TEST_F(BinarySessionFile, SaveIntoAReadOnlyFolderGives2035)
+{
+    EXPECT_EQ(Save(m_root, PathOf("old")), 0);
+    const std::string bytes = Read(PathOf("old"));
+    ASSERT_EQ(chmod(PathOf("old").c_str(), 0444), 0);
+    ASSERT_EQ(chmod(m_folder.c_str(), 0555), 0);
+    {
+        const CAnybody anybody;
+        EXPECT_EQ(Save(m_root, PathOf("new")), 2035);
+        EXPECT_EQ(Save(m_root, PathOf("old")), 2035);
+        CParameterBlock loaded;
+        EXPECT_EQ(Load(loaded, PathOf("old")), 0) << "reading needs no more";
+    }
+    ASSERT_EQ(chmod(m_folder.c_str(), 0755), 0);
+    EXPECT_FALSE(std::filesystem::exists(PathOf("new")));
+    EXPECT_EQ(Read(PathOf("old")), bytes);
 }
 
 TEST_F(BinarySessionFile, SaveToAFullDiskIsNotNoticed)

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <new>
 #include <stdexcept>
 
 namespace
@@ -34,6 +35,7 @@ struct Script
     }
 };
 Script script;
+bool fNoBuffer = false;
 
 class BinarySessionScripted : public testing::Test
 {
@@ -49,6 +51,12 @@ protected:
     CFileName m_name{"file"};
 };
 } // namespace
+
+/// What a load asks for its buffer.
+void* operator new[](std::size_t nSize, const std::nothrow_t&) noexcept
+{
+    return fNoBuffer ? nullptr : ::operator new[](nSize);
+}
 
 CFileIO::CFileIO()
 {
@@ -156,6 +164,18 @@ TEST_F(BinarySessionScripted, FileThatShrinksGives2035AndChangesNothing)
     script.nLength = script.bytes.size() + 1;
     EXPECT_EQ(m_root.LoadBinarySession(&m_name), 2035);
     EXPECT_EQ(m_root.m_vParameters.size(), 1u);
+    EXPECT_EQ(script.calls.back(), "Close");
+}
+
+TEST_F(BinarySessionScripted, FileThatNoBufferCanHoldGives2AndChangesNothing)
+{
+    script.nLength = 10;
+    fNoBuffer = true;
+    const int nResult = m_root.LoadBinarySession(&m_name);
+    fNoBuffer = false;
+    EXPECT_EQ(nResult, 2);
+    EXPECT_EQ(m_root.m_vParameters.size(), 1u);
+    EXPECT_EQ(script.calls, (std::vector<std::string>{"Open read keep", "GetLength", "Close"}));
 }
 
 TEST_F(BinarySessionScripted, LengthIsCutTo32Bits)
