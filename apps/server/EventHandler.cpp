@@ -2,7 +2,7 @@
 
 #include "apps/server/FaultyReply.h"
 #include "apps/server/SessionMishaps.h"
-#include "apps/server/UnicodeText.h"
+#include "apps/support/UnicodeText.h"
 
 #include <TarvanePlatform/Application.h>
 

@@ -1,6 +1,6 @@
 #include "apps/server/FaultyReply.h"
 
-#include "apps/server/UnicodeText.h"
+#include "apps/support/UnicodeText.h"
 
 #include <algorithm>
 #include <string>

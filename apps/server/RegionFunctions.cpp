@@ -2,7 +2,7 @@
 #include "apps/server/Duplicates.h"
 #include "apps/server/ScriptFunctions.h"
 #include "apps/server/SoundFiles.h"
-#include "apps/server/UnicodeText.h"
+#include "apps/support/UnicodeText.h"
 
 #include <utility>
 

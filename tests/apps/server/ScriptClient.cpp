@@ -1,6 +1,6 @@
 #include "tests/apps/server/ScriptClient.h"
 
-#include "apps/server/UnicodeText.h"
+#include "apps/support/UnicodeText.h"
 
 #include <gtest/gtest.h>
 
@@ -24,14 +24,14 @@ std::optional<std::string> TextParameter(const AppleEvent& reply, AEKeyword nKey
     std::u16string units(static_cast<std::size_t>(nBytes) / 2, u'\0');
     EXPECT_EQ(AEGetParamPtr(&reply, nKey, typeUnicodeText, nullptr, units.data(), nBytes, nullptr),
               noErr);
-    return Tarvane::Server::Utf8FromUtf16(units);
+    return Tarvane::Utf8FromUtf16(units);
 }
 
 } // namespace
 
 CScriptAnswer SendScript(std::string_view strScript, SInt32 nTicks)
 {
-    const std::u16string units = Tarvane::Server::Utf16FromUtf8(strScript);
+    const std::u16string units = Tarvane::Utf16FromUtf8(strScript);
     std::string bytes(units.size() * sizeof(char16_t), '\0');
     std::memcpy(bytes.data(), units.data(), bytes.size());
     return SendBytes(typeUnicodeText, bytes, nTicks);

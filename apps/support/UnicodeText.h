@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace Tarvane::Server
+namespace Tarvane
 {
 
 // True for well-formed UTF-8: shortest forms, no surrogates, nothing above U+10FFFF.
@@ -14,4 +14,4 @@ bool IsUtf8(std::string_view text);
 std::u16string Utf16FromUtf8(std::string_view text);
 std::string Utf8FromUtf16(std::u16string_view text);
 
-} // namespace Tarvane::Server
+} // namespace Tarvane

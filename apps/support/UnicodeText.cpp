@@ -1,9 +1,9 @@
-#include "apps/server/UnicodeText.h"
+#include "apps/support/UnicodeText.h"
 
 #include <cstddef>
 #include <cstdint>
 
-namespace Tarvane::Server
+namespace Tarvane
 {
 
 namespace
@@ -130,4 +130,4 @@ std::string Utf8FromUtf16(std::u16string_view text)
     return strText;
 }
 
-} // namespace Tarvane::Server
+} // namespace Tarvane

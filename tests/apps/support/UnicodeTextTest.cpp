@@ -1,8 +1,8 @@
-#include "apps/server/UnicodeText.h"
+#include "apps/support/UnicodeText.h"
 
 #include <gtest/gtest.h>
 
-namespace Tarvane::Server
+namespace Tarvane
 {
 namespace
 {
@@ -65,4 +65,4 @@ TEST(UnicodeText, NothingComesOutOfNothing)
 }
 
 } // namespace
-} // namespace Tarvane::Server
+} // namespace Tarvane

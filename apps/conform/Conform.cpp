@@ -1,0 +1,75 @@
+#include "apps/conform/Conform.h"
+
+#include "apps/conform/Report.h"
+#include "apps/conform/ServerExamination.h"
+#include "apps/conform/ServerRules.h"
+#include "apps/support/CommandLine.h"
+
+#include <iostream>
+
+namespace Tarvane::Conform
+{
+namespace
+{
+
+constexpr double kShortestTimeout = 0.1; // seconds
+constexpr double kLongestTimeout = 60.0;
+
+struct Options
+{
+    bool fJson = false;
+    bool fList = false;
+    ServerOptions server{};
+};
+
+int Tell(const char* szParty, const Findings& findings, bool fJson)
+{
+    if (fJson)
+        std::cout << FindingsJson(szParty, findings).dump(2) << "\n";
+    else
+        std::cout << FindingsText(szParty, findings);
+    return Conforms(findings) ? kExitDone : kExitFailed;
+}
+
+int Server(const Options& options)
+{
+    if (options.fList)
+    {
+        const std::vector<ServerRule> rules = ServerRules();
+        std::cout << RulesText("server", {rules.begin(), rules.end()});
+        return kExitDone;
+    }
+    return Tell("server", ExamineServer(options.server), options.fJson);
+}
+
+void DeclareServer(CLI::App& app, Options& options)
+{
+    CLI::App* pServer = app.add_subcommand(
+        "server", "Examines the server that answers on the session bus. Regions are added to one "
+                  "track of its document, which is cleared at the end: open a session made for "
+                  "the purpose.");
+    pServer->add_flag("--json", options.fJson, "Tell the findings as JSON.");
+    pServer->add_flag("--list", options.fList, "Tell the rules, and examine nothing.");
+    pServer->add_option("--track", options.server.nTrack, "The track to work on, from 0 [the last]")
+        ->check(CLI::NonNegativeNumber);
+    pServer->add_flag("--clear", options.server.fClear, "Regions that the track holds may go.");
+    pServer->add_option("--timeout", options.server.dTimeout, "Seconds a command may take")
+        ->capture_default_str()
+        ->check(CLI::Range(kShortestTimeout, kLongestTimeout));
+}
+
+} // namespace
+
+int RunConform(int argc, char** argv)
+{
+    CLI::App app("Holds a neighbour of the plug-in's view against what the view needs of it. Each "
+                 "rule says MUST or SHOULD; a neighbour conforms that keeps every MUST.",
+                 "tarvane-conform");
+    AddCommonOptions(app, "a rule that says MUST is broken");
+    app.require_subcommand(1);
+    Options options;
+    DeclareServer(app, options);
+    return RunProgram(app, argc, argv, [&options] { return Server(options); });
+}
+
+} // namespace Tarvane::Conform

@@ -1,0 +1,93 @@
+#include "apps/conform/Report.h"
+
+#include <algorithm>
+
+namespace Tarvane::Conform
+{
+namespace
+{
+
+const char* NameOf(Level level)
+{
+    return level == Level::Must ? "MUST" : "SHOULD";
+}
+
+const char* NameOf(Outcome outcome)
+{
+    switch (outcome)
+    {
+    case Outcome::Kept:
+        return "kept";
+    case Outcome::Broken:
+        return "broken";
+    case Outcome::NotExamined:
+        break;
+    }
+    return "not examined";
+}
+
+std::string Sentence(const char* szParty, const Rule& rule)
+{
+    return std::string("The ") + szParty + " " + NameOf(rule.level) + " " + rule.szText + ".";
+}
+
+long Count(const Findings& findings, Level level, Outcome outcome)
+{
+    return std::count_if(findings.begin(), findings.end(),
+                         [=](const Finding& finding)
+                         { return finding.rule.level == level && finding.outcome == outcome; });
+}
+
+std::string Summary(const Findings& findings, Level level)
+{
+    return std::string(NameOf(level)) + ": " +
+           std::to_string(Count(findings, level, Outcome::Kept)) + " kept, " +
+           std::to_string(Count(findings, level, Outcome::Broken)) + " broken, " +
+           std::to_string(Count(findings, level, Outcome::NotExamined)) + " not examined\n";
+}
+
+} // namespace
+
+std::string FindingsText(const char* szParty, const Findings& findings)
+{
+    std::string strText;
+    for (const Finding& finding : findings)
+    {
+        strText += std::string(finding.rule.szId) + " " + NameOf(finding.outcome) + ": " +
+                   Sentence(szParty, finding.rule) + "\n";
+        if (finding.outcome != Outcome::Kept)
+            strText +=
+                "    " + finding.strSeen + "\n    Why it matters: " + finding.rule.szWhy + ".\n";
+    }
+    return strText + Summary(findings, Level::Must) + Summary(findings, Level::Should);
+}
+
+nlohmann::ordered_json FindingsJson(const char* szParty, const Findings& findings)
+{
+    auto rules = nlohmann::ordered_json::array();
+    for (const Finding& finding : findings)
+        rules.push_back({{"rule", finding.rule.szId},
+                         {"level", NameOf(finding.rule.level)},
+                         {"text", Sentence(szParty, finding.rule)},
+                         {"outcome", NameOf(finding.outcome)},
+                         {"seen", finding.strSeen}});
+    return {{"party", szParty}, {"conforms", Conforms(findings)}, {"rules", rules}};
+}
+
+std::string RulesText(const char* szParty, const std::vector<Rule>& rules)
+{
+    std::string strText;
+    for (const Rule& rule : rules)
+        strText += std::string(rule.szId) + " " + Sentence(szParty, rule) +
+                   "\n    Why: " + rule.szWhy + ".\n";
+    return strText;
+}
+
+bool Conforms(const Findings& findings)
+{
+    return Count(findings, Level::Must, Outcome::Kept) ==
+           std::count_if(findings.begin(), findings.end(),
+                         [](const Finding& finding) { return finding.rule.level == Level::Must; });
+}
+
+} // namespace Tarvane::Conform

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "apps/conform/Rule.h"
+
+#include <nlohmann/json.hpp>
+
+namespace Tarvane::Conform
+{
+
+/// szParty: "server" or "plug-in".
+
+/// A line a rule, with what was seen and why it matters below what is not kept; a summary last.
+std::string FindingsText(const char* szParty, const Findings& findings);
+nlohmann::ordered_json FindingsJson(const char* szParty, const Findings& findings);
+
+/// The rules alone, each with a line of why.
+std::string RulesText(const char* szParty, const std::vector<Rule>& rules);
+
+/// Whether every rule that says MUST is kept, and was examined.
+bool Conforms(const Findings& findings);
+
+} // namespace Tarvane::Conform

@@ -1,0 +1,112 @@
+#include "apps/conform/ServerExamination.h"
+
+#include "apps/conform/ServerRules.h"
+#include "apps/support/CommandLine.h"
+
+#include <Carbon/Carbon.h>
+
+#include <cstdlib>
+
+namespace Tarvane::Conform
+{
+namespace
+{
+
+constexpr double kTicksPerSecond = 60.0;
+
+// Throws CBroken where it cannot be found out.
+int TrackToWorkOn(const CServerPeer& peer, const ServerOptions& options)
+{
+    const double dTracks = Number(peer.Line("print(GetTrackCount())"));
+    const int nTrack = options.nTrack.value_or(static_cast<int>(dTracks) - 1);
+    if (nTrack < 0 || nTrack >= dTracks)
+        throw CUsageError("the server's document has " +
+                          std::to_string(static_cast<long>(dTracks)) +
+                          " tracks, counted from 0; open one that has the track to work on.");
+    if (!options.fClear && Regions(peer, false, nTrack) + Regions(peer, true, nTrack) > 0.0)
+        throw CUsageError("track " + std::to_string(nTrack) +
+                          " has regions, which would be cleared; open a session made for the "
+                          "purpose, name another --track, or allow it with --clear.");
+    return nTrack;
+}
+
+// Nothing where the server does not say: its regions are not put at risk.
+std::optional<int> FindTrack(const CServerPeer& peer, const ServerOptions& options)
+{
+    try
+    {
+        return TrackToWorkOn(peer, options);
+    }
+    catch (const CBroken&)
+    {
+        return std::nullopt;
+    }
+    catch (const CNotExaminable& error)
+    {
+        throw CUsageError(std::string(error.what()) + "; open one with a track.");
+    }
+}
+
+bool StillAnswers(const CServerPeer& peer)
+{
+    return peer.Send("print(1)\n").nStatus == noErr;
+}
+
+Finding Examine(const ServerRule& rule, const ServerBench& bench)
+{
+    try
+    {
+        rule.examine(bench);
+        return {rule, Outcome::Kept, ""};
+    }
+    catch (const CBroken& error)
+    {
+        return {rule, Outcome::Broken, error.what()};
+    }
+    catch (const CNotExaminable& error)
+    {
+        return {rule, Outcome::NotExamined, error.what()};
+    }
+}
+
+} // namespace
+
+Findings ExamineServer(const ServerOptions& options)
+{
+    const auto nTicks = static_cast<SInt32>(options.dTimeout * kTicksPerSecond);
+    // The link's own commands take the platform's default.
+    setenv("TARVANE_AE_DEFAULT_TIMEOUT_TICKS", std::to_string(nTicks).c_str(), 1);
+    const CServerPeer peer(nTicks);
+    const Reply first = peer.Send("print(1)\n");
+    if (first.nStatus == procNotFound)
+        throw CUsageError("no server receives events on this session bus; start it first.");
+
+    const CTestSound sound;
+    const std::optional<int> track = FindTrack(peer, options);
+    const ServerBench bench{peer, sound, track.value_or(0)};
+    Findings findings;
+    bool fAnswers = true;
+    for (const ServerRule& rule : ServerRules())
+    {
+        if (!fAnswers)
+            findings.push_back({rule, Outcome::NotExamined, "the server no longer answers"});
+        else if (rule.fChanges && !track)
+            findings.push_back({rule, Outcome::NotExamined,
+                                "the server does not say which track may be worked on"});
+        else
+            findings.push_back(Examine(rule, bench));
+        if (findings.back().outcome == Outcome::Broken)
+            fAnswers = StillAnswers(peer);
+    }
+    return findings;
+}
+
+std::vector<ServerRule> ServerRules()
+{
+    std::vector<ServerRule> rules;
+    for (const auto& list : {TransportRules(), DocumentRules(), CaptureRules(), WorkRules()})
+        rules.insert(rules.end(), list.begin(), list.end());
+    return rules;
+}
+
+} // namespace Tarvane::Conform

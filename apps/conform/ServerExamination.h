@@ -1,0 +1,22 @@
+#pragma once
+
+#include "apps/conform/Rule.h"
+
+#include <optional>
+
+namespace Tarvane::Conform
+{
+
+struct ServerOptions
+{
+    double dTimeout = 10.0;      ///< seconds a command may take
+    std::optional<int> nTrack{}; ///< the one to work on; the last without
+    bool fClear = false;         ///< the track's regions may go
+};
+
+/// Examines every rule on the server that answers on the session bus. Once it no longer answers the
+/// other rules are not examined. Throws CUsageError when there is no server, or no track that may
+/// be worked on: nothing has been changed then.
+Findings ExamineServer(const ServerOptions& options);
+
+} // namespace Tarvane::Conform

@@ -1,0 +1,35 @@
+/// The script contract: what the link needs of a server.
+#pragma once
+
+#include "apps/conform/Rule.h"
+#include "apps/conform/ServerPeer.h"
+#include "apps/conform/TestSound.h"
+
+namespace Tarvane::Conform
+{
+
+/// What the examinations work with.
+struct ServerBench
+{
+    const CServerPeer& peer;
+    const CTestSound& sound;
+    int nTrack; ///< whose regions may come and go
+};
+
+struct ServerRule : Rule
+{
+    /// Returns when the rule is kept; throws CBroken or CNotExaminable.
+    void (*examine)(const ServerBench& bench);
+    bool fChanges = false; ///< Regions come and go.
+};
+
+/// All rules, in the order in which they are examined: each relies on those before it.
+std::vector<ServerRule> ServerRules();
+
+/// By subject, each list in a source file of its own.
+std::vector<ServerRule> TransportRules();
+std::vector<ServerRule> DocumentRules();
+std::vector<ServerRule> CaptureRules();
+std::vector<ServerRule> WorkRules();
+
+} // namespace Tarvane::Conform

@@ -1,0 +1,141 @@
+#include "TarvaneLinkShared/ScriptTexts.h"
+#include "TarvaneLinkShared/TarvaneLinkScript.h"
+#include "apps/conform/ServerRules.h"
+#include "utils/FileIO/FileName.h"
+
+#include <filesystem>
+
+namespace Tarvane::Conform
+{
+namespace
+{
+
+// The items of a script that says how it fared. A status without more is refused unless it is one
+// that the script may end with.
+std::vector<std::string> Outcome(const ServerBench& bench, const char* szScript, std::size_t nItems,
+                                 double dLargestStatus)
+{
+    const std::vector<std::string> items = Items(bench.peer.PrintedWithoutError(szScript));
+    if (items.size() == nItems && Number(items.front()) == 0.0)
+        return items;
+    if (items.size() != 1)
+        throw CBroken(std::to_string(items.size()) + " items came where " + std::to_string(nItems) +
+                      " or 1 were to");
+    const double dStatus = Number(items.front());
+    if (dStatus < 0.0 || dStatus > dLargestStatus)
+        throw CBroken("the status " + items.front() + " came");
+    throw CNotExaminable("the server has nothing selected to work on");
+}
+
+void Exported(const ServerBench& bench, const char* szScript, double dLargestStatus)
+{
+    const std::string strPath = Outcome(bench, szScript, 2, dLargestStatus)[1];
+    if (!std::filesystem::exists(strPath))
+        throw CBroken("there is no file " + Quoted(strPath) + ", which the export named");
+}
+
+void Rendered(const ServerBench& bench, const char* szScript, double dLargestStatus)
+{
+    const std::vector<std::string> items = Outcome(bench, szScript, 4, dLargestStatus);
+    if (Number(items[1]) <= 0.0)
+        throw CBroken("the rate " + items[1] + " came");
+    if (Number(items[3]) <= Number(items[2]))
+        throw CBroken("a region from " + items[2] + " to " + items[3] + " came");
+}
+
+void Exports(const ServerBench& bench)
+{
+    Exported(bench, szExportSelectedRegion, 1.0);
+}
+
+void Renders(const ServerBench& bench)
+{
+    Rendered(bench, szRenderSelectedRegion, 1.0);
+}
+
+void MustHaveSucceeded(const CTarvaneScript& link)
+{
+    if (!link.m_strLastError.empty())
+        throw CBroken("the command failed: " + Quoted(link.m_strLastError));
+}
+
+void MakesProcesses(const ServerBench& bench)
+{
+    CTarvaneScript link;
+    link.CreateGDX(false, bench.nTrack, 0, 4800, bench.nTrack, 0, 4800, bench.nTrack);
+    MustHaveSucceeded(link);
+    link.CreateSpreader(false, bench.nTrack, 0, 4800, 0, bench.nTrack);
+    MustHaveSucceeded(link);
+}
+
+// A process with audio to work on, in the document where the scripts look for it.
+void MakeProcess(const ServerBench& bench)
+{
+    CTarvaneScript link;
+    CFileName take(bench.sound.Take().c_str());
+    link.SendFile(true, bench.nTrack, &take, 0.0, 0.0, CTestSound::kFrames, 0);
+    MustHaveSucceeded(link);
+    link.CreateSpreader(true, bench.nTrack, 0, CTestSound::kFrames, 0, bench.nTrack);
+    MustHaveSucceeded(link);
+}
+
+void ExportsProcesses(const ServerBench& bench)
+{
+    MakeProcess(bench);
+    Exported(bench, szASExportLastProcess, 2.0);
+}
+
+void RendersProcesses(const ServerBench& bench)
+{
+    MakeProcess(bench);
+    Rendered(bench, szASRenderLastProcess, 2.0);
+}
+
+void Clears(const ServerBench& bench)
+{
+    for (const bool fAudioSuite : {false, true})
+    {
+        CTarvaneScript link;
+        link.ClearTrack(fAudioSuite, bench.nTrack);
+        MustHaveSucceeded(link);
+        const double dLeft = Regions(bench.peer, fAudioSuite, bench.nTrack);
+        if (dLeft != 0.0)
+            throw CBroken(std::to_string(static_cast<long>(dLeft)) +
+                          " regions are left on a track that was cleared");
+    }
+}
+
+} // namespace
+
+std::vector<ServerRule> WorkRules()
+{
+    return {
+        {{"S25", Level::Should, "export the selected region, and name the file that it wrote",
+          "the client opens that file"},
+         Exports,
+         true},
+        {{"S26", Level::Should, "render the selected region, and tell its rate and place",
+          "the client puts the region where it is told"},
+         Renders,
+         true},
+        {{"S27", Level::Should, "make the alignment and the single-input process",
+          "these commands have no answer that could tell otherwise"},
+         MakesProcesses,
+         true},
+        {{"S28", Level::Should, "export what the process created last has made",
+          "the client opens that file"},
+         ExportsProcesses,
+         true},
+        {{"S29", Level::Should, "render what the process created last has made",
+          "the client puts the region where it is told"},
+         RendersProcesses,
+         true},
+        {{"S30", Level::Must, "renumber regions and marker areas when one is deleted",
+          "a track is cleared by deleting the first until none is left; without that the host "
+          "stands still"},
+         Clears,
+         true},
+    };
+}
+
+} // namespace Tarvane::Conform

@@ -1,0 +1,179 @@
+// The program as it is run, on a bus of the test's own, with a server beside it.
+
+#include "apps/support/ChildProcess.h"
+#include "tests/apps/link/ScriptedServer.h"
+#include "tests/apps/support/ManualPage.h"
+#include "tests/apps/support/TemporaryFolder.h"
+#include "tests/support/PrivateBus.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+using namespace TarvaneTest;
+using testing::Contains;
+using testing::HasSubstr;
+
+namespace
+{
+
+constexpr std::chrono::seconds kAnyTime{200};
+
+class ConformProgram : public testing::Test
+{
+protected:
+    struct Ended
+    {
+        int nExitCode;
+        std::string strOutput;
+        std::string strError;
+
+        // The rules with this outcome.
+        std::vector<std::string> Rules(const std::string& strOutcome) const
+        {
+            std::vector<std::string> names;
+            const nlohmann::json findings = nlohmann::json::parse(strOutput);
+            for (const auto& rule : findings["rules"])
+                if (rule["outcome"] == strOutcome)
+                    names.push_back(rule["rule"]);
+            return names;
+        }
+    };
+
+    static Ended Run(std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin(), CONFORM_PROGRAM);
+        Tarvane::CChildProcess conform(arguments);
+        const int nExitCode = conform.WaitForEnd(kAnyTime).value_or(-1);
+        return {nExitCode, conform.Output(), conform.ErrorOutput()};
+    }
+
+    static Ended Examine(std::vector<std::string> arguments = {})
+    {
+        arguments.insert(arguments.begin(), {"server", "--json"});
+        return Run(arguments);
+    }
+
+    void StartServer(std::vector<std::string> arguments = {})
+    {
+        arguments.insert(arguments.begin(),
+                         {SERVER_PROGRAM, "--session", (m_folder / "session").string(), "--track",
+                          "Vox", "--track", "V\xC3\xB6x", "--link-offset", "1.25"});
+        Start(arguments);
+    }
+
+    // A server that answers by rules, each a part of a script and what comes of it.
+    void StartScripted(std::vector<std::string> rules)
+    {
+        rules.insert(rules.begin(), SCRIPTED_SERVER_PROGRAM);
+        Start(rules);
+    }
+
+    void Start(const std::vector<std::string>& arguments)
+    {
+        m_server = std::make_unique<Tarvane::CChildProcess>(arguments);
+        ASSERT_TRUE(m_server->WaitForLine("ready", kAnyTime)) << m_server->ErrorOutput();
+    }
+
+    TarvaneTests::PrivateBus m_bus;
+    CTemporaryFolder m_folder;
+    std::unique_ptr<Tarvane::CChildProcess> m_server;
+};
+
+} // namespace
+
+TEST_F(ConformProgram, ReferenceServerKeepsEveryRule)
+{
+    StartServer();
+    const Ended ended = Examine();
+    EXPECT_EQ(ended.nExitCode, 0) << ended.strError;
+    EXPECT_THAT(ended.Rules("broken"), testing::IsEmpty()) << ended.strOutput;
+    EXPECT_THAT(ended.Rules("not examined"), testing::IsEmpty()) << ended.strOutput;
+    EXPECT_EQ(ended.Rules("kept").size(), 30U);
+}
+
+TEST_F(ConformProgram, LeavesATrackWithoutRegions)
+{
+    StartServer();
+    EXPECT_EQ(Examine().nExitCode, 0);
+    // A track that held regions would be refused.
+    EXPECT_EQ(Examine().nExitCode, 0);
+}
+
+TEST_F(ConformProgram, TrackWithRegionsIsRefusedUnlessTheyMayGo)
+{
+    StartScripted({"GetTrackCount=>2\n", "GetRegionCount=>3\n", "print=>1\n"});
+    const Ended refused = Examine();
+    EXPECT_EQ(refused.nExitCode, 2);
+    EXPECT_THAT(refused.strError, HasSubstr("track 1 has regions"));
+    EXPECT_EQ(Examine({"--clear"}).nExitCode, 1);
+}
+
+TEST_F(ConformProgram, TrackThatIsNotThereIsRefused)
+{
+    StartServer();
+    const Ended ended = Examine({"--track", "2"});
+    EXPECT_EQ(ended.nExitCode, 2);
+    EXPECT_THAT(ended.strError, HasSubstr("2 tracks"));
+}
+
+TEST_F(ConformProgram, RegionsOfAServerThatDoesNotCountThemAreNotPutAtRisk)
+{
+    StartScripted({"AddAudioRegion(=>die", "DeleteRegion(=>die", "GetTrackCount=>2\n",
+                   "GetRegionCount=>error:what is that?", "print=>1\n"});
+    const Ended ended = Examine();
+    EXPECT_EQ(ended.nExitCode, 1);
+    EXPECT_TRUE(m_server->IsRunning());
+    EXPECT_THAT(ended.Rules("not examined"), Contains("S19"));
+}
+
+TEST_F(ConformProgram, WithoutAServerNothingIsExamined)
+{
+    const Ended ended = Examine();
+    EXPECT_EQ(ended.nExitCode, 2);
+    EXPECT_THAT(ended.strError, HasSubstr("no server"));
+    EXPECT_EQ(ended.strOutput, "");
+}
+
+TEST_F(ConformProgram, OnceAServerIsGoneTheOtherRulesAreNotExamined)
+{
+    StartScripted({"'a'=>die", "GetRegionCount=>0\n", "print=>1\n"});
+    const Ended ended = Examine();
+    EXPECT_EQ(ended.nExitCode, 1);
+    EXPECT_EQ(ended.Rules("broken").size() + ended.Rules("not examined").size() +
+                  ended.Rules("kept").size(),
+              30U);
+    EXPECT_THAT(ended.Rules("not examined"), Contains("S30"));
+}
+
+TEST_F(ConformProgram, RulesAreListedWithTheirReasonsAndNothingIsExamined)
+{
+    const Ended ended = Run({"server", "--list"});
+    EXPECT_EQ(ended.nExitCode, 0);
+    EXPECT_THAT(ended.strOutput, HasSubstr("S1 The server MUST answer"));
+    EXPECT_THAT(ended.strOutput, HasSubstr("\n    Why: "));
+    EXPECT_THAT(ended.strOutput, HasSubstr("S30 "));
+}
+
+TEST_F(ConformProgram, TellsInWordsWhatIsBrokenAndWhy)
+{
+    StartScripted({"GetTrackCount=>2\n", "GetRegionCount=>0\n", "print=>1\n"});
+    const Ended ended = Run({"server"});
+    EXPECT_EQ(ended.nExitCode, 1);
+    EXPECT_THAT(ended.strOutput, HasSubstr("S2 broken: The server MUST end what each print"));
+    EXPECT_THAT(ended.strOutput, HasSubstr("was answered with \"1\\n\""));
+    EXPECT_THAT(ended.strOutput, HasSubstr("Why it matters: results are read line by line."));
+    EXPECT_THAT(ended.strOutput, HasSubstr("\nMUST: "));
+}
+
+TEST_F(ConformProgram, ManualPageHasEveryOption)
+{
+    const std::string strPage = ManualPage(MAN_PAGE);
+    std::set<std::string> options = OptionsIn(Run({"--help"}).strOutput);
+    options.merge(OptionsIn(Run({"server", "--help"}).strOutput));
+    EXPECT_EQ(OptionsIn(strPage), options);
+}
