@@ -4,6 +4,7 @@
 #include "utils/ParameterBlock.h"
 
 #include <memory>
+#include <typeinfo>
 
 CComponentsColors gAppColours;
 int gnAppStyle = 1;
@@ -35,7 +36,10 @@ CComponentColour* CComponentsColors::Find(CComponentCode code)
 
 bool CComponentsColors::IsGradient(CComponentCode code)
 {
-    return dynamic_cast<CGradientFill*>(Find(code)) != nullptr;
+    // By the class itself: this is asked for each fill, and a cast would take as long as the
+    // search.
+    const CComponentColour* pEntry = Find(code);
+    return pEntry && typeid(*pEntry) == typeid(CGradientFill);
 }
 
 CGColorRef CComponentsColors::FindCGColorRef(CComponentCode code)
