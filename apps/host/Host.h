@@ -28,7 +28,7 @@ class CHost : private ILineListener
     // Opens the plug-in, its view and the window. Throws CUsageError when something named on the
     // command line cannot be used.
     CHost(const HostOptions& options, const HostPlan& plan);
-    // The view goes before the plug-in.
+    // The view goes before the plug-in, unless the plug-in is to misbehave in just that.
     ~CHost() override;
     CHost(const CHost&) = delete;
     CHost& operator=(const CHost&) = delete;

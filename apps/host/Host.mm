@@ -48,7 +48,8 @@ void RunWhatWaits()
 } // namespace
 
 CHost::CHost(const HostOptions& options, const HostPlan& plan)
-    : m_options(options), m_plan(plan), m_pStory(options.fCommands ? stderr : stdout)
+    : m_options(options), m_plan(plan), m_pStory(options.fCommands ? stderr : stdout),
+      m_plugIn(options.faults)
 {
     m_plugIn->Configure(m_plan.settings);
     // The view hands what it is told to the main thread as well, and is told first: by the time
@@ -82,6 +83,11 @@ CHost::~CHost()
     m_plugIn->End();
     // Calls that wait for the main thread still hold the view.
     RunWhatWaits();
+    if (m_options.faults.count(SignalFault::DisposedWhileNotifying) != 0)
+    {
+        m_plugIn.Dispose();
+        RunWhatWaits();
+    }
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     m_pView.reset();
     [m_commands release];
@@ -224,12 +230,18 @@ void CHost::Begin(const CCaptureSource& source)
     {
         return;
     }
+    const size_t nBegun = m_plugIn->CapturesBegun();
     if (!m_pView->PressToggle())
     {
         // A view without a toggle: the host arms by itself.
         const TNArmRequest request{1, 0};
         AudioUnitSetProperty(m_plugIn.Unit(), TNProperty_SetArmCapture, kAudioUnitScope_Global, 0,
                              &request, sizeof request);
+    }
+    // A capture may be over by now.
+    if (!m_plugIn->IsArmed() && m_plugIn->CapturesBegun() == nBegun)
+    {
+        throw std::runtime_error("the plug-in does not arm when it is asked to.");
     }
 }
 

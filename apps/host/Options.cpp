@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 #include <optional>
+#include <stdexcept>
 
 namespace fs = std::filesystem;
 
@@ -13,6 +14,30 @@ namespace Tarvane
 {
 namespace
 {
+
+std::string FaultHelp()
+{
+    std::string strHelp = "For tests: let the plug-in do these things wrong, all together. It";
+    const char* szBefore = "\n";
+    for (const SignalFaultKind& kind : SignalFaultKinds())
+    {
+        strHelp += szBefore + std::string(kind.szName) + ": " + kind.szMeaning;
+        szBefore = ",\n";
+    }
+    return strHelp;
+}
+
+void ReadFaults(const std::string& strNames, SignalFaults& faults)
+{
+    try
+    {
+        faults = ParseSignalFaults(strNames);
+    }
+    catch (const std::invalid_argument& error)
+    {
+        throw CLI::ValidationError("--misbehave", error.what());
+    }
+}
 
 double SpeedOf(const std::string& strSpeed)
 {
@@ -129,6 +154,11 @@ void DeclareOptions(CLI::App& app, HostOptions& options)
                    "delivered (default 200, as a delivery may take three minutes)")
         ->type_name("SECONDS")
         ->check(CLI::Range(0.0, 1e6));
+    app.add_option_function<std::string>(
+           "--misbehave",
+           [&options](const std::string& strNames) { ReadFaults(strNames, options.faults); },
+           FaultHelp())
+        ->type_name("NAME[,NAME...]");
 }
 
 HostPlan MakePlan(const HostOptions& options)

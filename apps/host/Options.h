@@ -2,6 +2,7 @@
 #pragma once
 
 #include "apps/support/CommandLine.h"
+#include "apps/support/SignalFaults.h"
 #include "apps/support/SignalSide.h"
 
 #include <filesystem>
@@ -22,6 +23,7 @@ struct HostOptions
     std::string strSpeed = "1";
     int nTrack = 0;
     double dAckTimeout = 200; // seconds; three commands may take a minute each
+    SignalFaults faults;      // of the plug-in; none: it keeps to its side of the protocol
     bool fHeadless = false;
     bool fCommands = false;
 };

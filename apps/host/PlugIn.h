@@ -1,6 +1,7 @@
 // An instance of the plug-in, owned.
 #pragma once
 
+#include "apps/support/FaultyUnit.h"
 #include "apps/support/SignalSide.h"
 
 #include <stdexcept>
@@ -11,18 +12,33 @@ namespace Tarvane
 class CPlugIn
 {
 public:
-    // Throws std::runtime_error when the component cannot be opened.
-    CPlugIn()
+    // With faults, one that has them. Throws std::runtime_error when the component cannot be
+    // opened.
+    explicit CPlugIn(const SignalFaults& faults = {})
     {
-        if (AudioComponentInstanceNew(CSignalSide::Register(), &m_pUnit) != noErr)
+        const AudioComponent pComponent =
+            faults.empty() ? CSignalSide::Register() : CFaultyUnit::Register();
+        if (AudioComponentInstanceNew(pComponent, &m_pUnit) != noErr)
         {
             throw std::runtime_error("the plug-in cannot be opened.");
         }
         m_pSide = CSignalSide::Of(m_pUnit);
+        if (!faults.empty())
+        {
+            AudioUnitSetProperty(m_pUnit, kFaultyUnitProperty_Faults, kAudioUnitScope_Global, 0,
+                                 &faults, sizeof faults);
+        }
     }
-    ~CPlugIn() { AudioComponentInstanceDispose(m_pUnit); }
+    ~CPlugIn() { Dispose(); }
     CPlugIn(const CPlugIn&) = delete;
     CPlugIn& operator=(const CPlugIn&) = delete;
+
+    // Nothing else may be called afterwards.
+    void Dispose()
+    {
+        AudioComponentInstanceDispose(m_pUnit);
+        m_pUnit = nullptr;
+    }
 
     AudioUnit Unit() const { return m_pUnit; }
     CSignalSide* operator->() const { return m_pSide; }

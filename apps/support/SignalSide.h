@@ -79,6 +79,8 @@ public:
     // Where a line for every property write goes, with a reason where the write is refused. Called
     // on the writing thread.
     void SetLog(std::function<void(const std::string&)> log);
+    // Writes a line there.
+    void Log(const std::string& strLine);
     // Told of every change of a capture's state but its beginning, after the listeners have been.
     // Any thread.
     void SetObserver(std::function<void(const CCaptureReport&)> observer);
@@ -142,7 +144,6 @@ private:
     void Conclude(CCaptureReport report, const std::string& strFailure);
 
     void Notify(AudioUnitPropertyID nId);
-    void Log(const std::string& strLine);
     void Observe(const CCaptureReport& report);
 
     AudioUnit m_pUnit = nullptr;

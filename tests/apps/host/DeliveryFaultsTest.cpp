@@ -1,12 +1,5 @@
-// What becomes of a capture when the server fails at each point of its delivery. A host that opens
-// asks twice for the tracks; a capture asks once when it is armed and once when it ends, and is
-// then delivered by three commands: duplicate?, offset?, send.
-#include "tests/apps/host/EndToEndFixture.h"
-
-#include <gmock/gmock.h>
-
-#include <csignal>
-#include <cstdlib>
+// What becomes of a capture when the server is not there, fails or refuses.
+#include "tests/apps/host/DeliveryFixture.h"
 
 using namespace Tarvane;
 using namespace TarvaneTest;
@@ -15,95 +8,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-namespace
-{
-
-constexpr int kDuplicateCommand = 5;
-constexpr int kOffsetCommand = 6;
-constexpr int kSendCommand = 7;
-constexpr int kCommandsOfADelivery[] = {kDuplicateCommand, kOffsetCommand, kSendCommand};
-
-constexpr const char* kNotRunning = "Error - Tarvane not running.";
-constexpr const char* kLaunch = "Locate and launch Tarvane.";
-constexpr const char* kNoSession = "No Tarvane session is selected";
-
-class DeliveryFaults : public EndToEnd
-{
-protected:
-    ~DeliveryFaults() override { unsetenv("TARVANE_AE_DEFAULT_TIMEOUT_TICKS"); }
-
-    // Takes effect in hosts that start from now on.
-    void ShortenTimeout() { setenv("TARVANE_AE_DEFAULT_TIMEOUT_TICKS", "30", 1); }
-
-    void StartServerWith(const std::vector<std::string>& options)
-    {
-        std::vector<std::string> command{SERVER_PROGRAM, "--session", SessionFile(), "--log",
-                                         folder / "server.log"};
-        command.insert(command.end(), options.begin(), options.end());
-        server.emplace(command);
-        ASSERT_TRUE(server->WaitForLine("ready", kLong)) << server->ErrorOutput();
-    }
-
-    void StartServerThat(const std::string& strFault, int nEvent)
-    {
-        StartServerWith({"--track", "Dialogue", "--link-offset", "2.0", "--misbehave",
-                         strFault + "@" + std::to_string(nEvent)});
-    }
-
-    void StartHost() { host.emplace(HostCommand({"--speed", "max"})); }
-
-    json CaptureOne(double dPosition = 100) { return host->Capture(One(), dPosition, kLong); }
-
-    // How often the server was asked something.
-    size_t Asked(const std::string& strFunction) const
-    {
-        const std::string strLog = FileText(folder / "server.log");
-        size_t nCount = 0;
-        for (size_t nAt = strLog.find(strFunction); nAt != std::string::npos;
-             nAt = strLog.find(strFunction, nAt + 1))
-            ++nCount;
-        return nCount;
-    }
-
-    size_t AcknowledgesOf(int nElement) const
-    {
-        const std::string strLog = FileText(folder / "host.log");
-        const std::string strLine =
-            "64008 TNProperty_ElementDone: nElement " + std::to_string(nElement) + ",";
-        size_t nCount = 0;
-        for (size_t nAt = strLog.find(strLine); nAt != std::string::npos;
-             nAt = strLog.find(strLine, nAt + 1))
-            ++nCount;
-        return nCount;
-    }
-
-    void ExpectNotDelivered(const json& capture, int nElement, const std::string& strMessage,
-                            const std::string& strAdvice)
-    {
-        EXPECT_EQ(capture["outcome"], "not delivered");
-        EXPECT_EQ(capture["ack"]["nElement"], nElement);
-        EXPECT_EQ(capture["ack"]["fNotDelivered"], 1);
-        EXPECT_EQ(capture["message"], strMessage);
-        EXPECT_EQ(capture["advice"], strAdvice);
-        EXPECT_EQ(AcknowledgesOf(nElement), 1U);
-        EXPECT_TRUE(std::filesystem::exists(capture["dub"].get<std::string>()));
-    }
-
-    // The server is there again: the same host delivers, once.
-    void ExpectNextCaptureWorks(double dPosition, int nElement)
-    {
-        const json capture = CaptureOne(dPosition);
-        EXPECT_EQ(capture["outcome"], "delivered") << capture;
-        EXPECT_EQ(AcknowledgesOf(nElement), 1U);
-        ASSERT_FALSE(Regions().empty());
-        EXPECT_EQ(Regions().back().nPosition, 96000 + dPosition);
-    }
-
-    std::optional<CHostClient> host;
-};
-
-} // namespace
 
 TEST_F(DeliveryFaults, OffsetMovesTheRegionAndNotTheDuplicateCheck)
 {

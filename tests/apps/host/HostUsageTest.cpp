@@ -1,3 +1,4 @@
+#include "apps/support/SignalFaults.h"
 #include "tests/apps/host/HostFixture.h"
 
 #include <gmock/gmock.h>
@@ -97,6 +98,12 @@ TEST_F(HostUsage, AnUnknownOption)
     EXPECT_THAT(Complaint({Good(), "--louder"}), HasSubstr("--louder"));
 }
 
+TEST_F(HostUsage, AnUnknownFault)
+{
+    EXPECT_THAT(Complaint({Good(), "--misbehave", "storm,dance"}),
+                HasSubstr("there is no fault \"dance\"; the names are index-never-negative, "));
+}
+
 TEST_F(HostUsage, NothingToCapture)
 {
     EXPECT_THAT(Complaint({}), HasSubstr("there is nothing to capture"));
@@ -157,6 +164,10 @@ TEST_F(HostUsage, HelpAndVersionNeedNothing)
     EXPECT_EQ(help.nCode, 0);
     EXPECT_THAT(help.strOutput,
                 HasSubstr("0 done, 1 some capture was neither delivered nor a duplicate, 2 wrong"));
+    for (const Tarvane::SignalFaultKind& kind : Tarvane::SignalFaultKinds())
+    {
+        EXPECT_THAT(help.strOutput, HasSubstr(std::string(kind.szName) + ": "));
+    }
     const ProcessOutcome version = RunToEnd(Host({"--version"}));
     EXPECT_EQ(version.nCode, 0);
     EXPECT_THAT(version.strOutput, StartsWith("tarvane-host "));

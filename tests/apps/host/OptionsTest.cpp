@@ -171,7 +171,8 @@ protected:
 TEST_F(HostCommandLine, TakesEachOption)
 {
     m_app.parse("--position 480 --position -1.5 --bundle b --track 3 --capture-folder c --speed 2 "
-                "--headless --commands --results r --log l --ack-timeout 2.5 one.wav two.wav");
+                "--headless --commands --results r --log l --ack-timeout 2.5 "
+                "--misbehave storm,record-short one.wav two.wav");
     EXPECT_EQ(m_options.positions, (std::vector<double>{480, -1.5}));
     EXPECT_EQ(m_options.strBundle, "b");
     EXPECT_EQ(m_options.nTrack, 3);
@@ -182,10 +183,21 @@ TEST_F(HostCommandLine, TakesEachOption)
     EXPECT_EQ(m_options.strResults, "r");
     EXPECT_EQ(m_options.strLog, "l");
     EXPECT_EQ(m_options.dAckTimeout, 2.5);
+    EXPECT_EQ(m_options.faults, (SignalFaults{SignalFault::RecordShort, SignalFault::Storm}));
     EXPECT_EQ(m_options.files, (std::vector<std::string>{"one.wav", "two.wav"}));
 }
 
 TEST_F(HostCommandLine, ManualPageHasEveryOption)
 {
     ExpectManualDescribes(m_app, HOST_MANUAL);
+}
+
+TEST_F(HostCommandLine, ManualPageHasEveryFault)
+{
+    const std::string strPage = ManualPage(HOST_MANUAL);
+    for (const SignalFaultKind& kind : SignalFaultKinds())
+    {
+        EXPECT_THAT(strPage,
+                    testing::ContainsRegex("\n\\.BR? [a-z\", -]*" + std::string(kind.szName)));
+    }
 }

@@ -1,0 +1,70 @@
+// A plug-in between a view and a signal side: it passes everything on, both ways, and breaks on the
+// way what it has been asked to break. The signal side behind it stays whole and knows nothing.
+#pragma once
+
+#include "apps/support/PropertyListeners.h"
+#include "apps/support/SignalFaults.h"
+
+#include <AudioUnit/AudioUnit.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+namespace Tarvane
+{
+
+// Write only, global scope, element 0; the data is a const SignalFaults*, read during the call. To
+// be written once, before anybody listens. CSignalSide::Of gives the signal side behind the unit.
+constexpr AudioUnitPropertyID kFaultyUnitProperty_Faults = 65001;
+
+// All operations: any thread, but for those that say otherwise.
+class CFaultyUnit
+{
+public:
+    // Makes the component known to the process, once. Open it with AudioComponentInstanceNew.
+    static AudioComponent Register();
+
+    // Throws std::runtime_error when there is no signal side to be had.
+    CFaultyUnit();
+    // Waits for notifications that are under way.
+    ~CFaultyUnit();
+    CFaultyUnit(const CFaultyUnit&) = delete;
+    CFaultyUnit& operator=(const CFaultyUnit&) = delete;
+
+    // What the component's entry points call.
+    void SetUnit(AudioUnit pUnit) { m_pUnit = pUnit; }
+    OSStatus GetPropertyInfo(AudioUnitPropertyID nId, AudioUnitScope nScope,
+                             AudioUnitElement nElement, UInt32* pnSize, Boolean* pfWritable) const;
+    OSStatus GetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope, AudioUnitElement nElement,
+                         void* pData, UInt32* pnSize);
+    OSStatus SetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope, AudioUnitElement nElement,
+                         const void* pData, UInt32 nSize);
+    // Asks the threads of its own to end, and waits for nothing.
+    void Stop() { m_fEnding = true; }
+    CPropertyListeners& Listeners() { return m_listeners; }
+
+private:
+    static void Hear(void* pUserData, AudioUnit, AudioUnitPropertyID nId, AudioUnitScope,
+                     AudioUnitElement);
+
+    bool Has(SignalFault fault) const { return m_faults.count(fault) != 0; }
+    void Begin(const SignalFaults& faults);
+    bool IsDropped(AudioUnitPropertyID nId) const;
+    bool IsIgnored(AudioUnitPropertyID nId) const;
+    void PassOn(AudioUnitPropertyID nId);
+    void Notify(AudioUnitPropertyID nId);
+    void DiscardFile() const;
+    OSStatus GetRecord(AudioUnitElement nElement, void* pData, UInt32* pnSize);
+    void Storm(int nTimesAMillisecond);
+
+    AudioUnit m_pUnit = nullptr;
+    AudioUnit m_pInner = nullptr;
+    CPropertyListeners m_listeners;
+    SignalFaults m_faults; // does not change any more once somebody listens
+    std::atomic<SInt32> m_nLastElement = 0;
+    std::atomic<bool> m_fEnding = false;
+    std::vector<std::thread> m_threads;
+};
+
+} // namespace Tarvane

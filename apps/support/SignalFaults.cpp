@@ -1,0 +1,70 @@
+#include "apps/support/SignalFaults.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+
+namespace Tarvane
+{
+namespace
+{
+
+SignalFault FaultOf(std::string_view name)
+{
+    std::string strKnown;
+    for (const SignalFaultKind& kind : SignalFaultKinds())
+    {
+        if (name == kind.szName)
+        {
+            return kind.fault;
+        }
+        strKnown += std::string(strKnown.empty() ? "" : ", ") + kind.szName;
+    }
+    throw std::invalid_argument("there is no fault \"" + std::string(name) + "\"; the names are " +
+                                strKnown);
+}
+
+} // namespace
+
+const std::vector<SignalFaultKind>& SignalFaultKinds()
+{
+    static const std::vector<SignalFaultKind> kinds{
+        {"index-never-negative", SignalFault::IndexNeverNegative,
+         "announces each element twice and has always one to deliver"},
+        {"elements-unannounced", SignalFault::ElementsUnannounced,
+         "announces no element that is ready"},
+        {"record-short", SignalFault::RecordShort, "writes the first half of the record alone"},
+        {"paths-unterminated", SignalFault::PathsUnterminated, "leaves paths without their end"},
+        {"nan-position", SignalFault::NanPosition, "gives a position that is no number"},
+        {"infinite-position", SignalFault::InfinitePosition, "gives an infinite position"},
+        {"nan-region", SignalFault::NanRegion, "gives a start and an end that are no numbers"},
+        {"infinite-region", SignalFault::InfiniteRegion, "gives an infinite end"},
+        {"file-discarded", SignalFault::FileDiscarded, "removes the file before it is delivered"},
+        {"ack-ignored", SignalFault::AckIgnored, "takes in no acknowledge"},
+        {"arm-unreported", SignalFault::ArmUnreported, "reports no change of the armed state"},
+        {"arm-ignored", SignalFault::ArmIgnored, "does not arm when it is asked to"},
+        {"track-forgotten", SignalFault::TrackForgotten, "does not keep the track that is chosen"},
+        {"sixteen-threads", SignalFault::SixteenThreads, "notifies from 16 threads all the time"},
+        {"storm", SignalFault::Storm, "notifies a hundred thousand times a second"},
+        {"disposed-while-notifying", SignalFault::DisposedWhileNotifying,
+         "is disposed of before the view, while 16 threads notify"},
+    };
+    return kinds;
+}
+
+SignalFaults ParseSignalFaults(std::string_view names)
+{
+    SignalFaults faults;
+    while (true)
+    {
+        const std::size_t nComma = names.find(',');
+        faults.insert(FaultOf(names.substr(0, nComma)));
+        if (nComma == std::string_view::npos)
+        {
+            return faults;
+        }
+        names.remove_prefix(nComma + 1);
+    }
+}
+
+} // namespace Tarvane
