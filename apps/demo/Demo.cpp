@@ -1,6 +1,7 @@
 #include "apps/demo/Demo.h"
 
 #include "apps/server/SessionStore.h"
+#include "apps/support/DubFile.h"
 #include "apps/support/SoundFile.h"
 #include "apps/support/Timecode.h"
 
@@ -30,12 +31,19 @@ void NoteSignal(int)
     g_fSignalled = 1;
 }
 
-std::vector<CCaptureSource> LayOut(const std::vector<std::string>& files)
+fs::path CaptureFolder(const fs::path& out)
+{
+    return out.lexically_normal() / "captures";
+}
+
+// What the host would refuse is refused here, before anything is begun.
+std::vector<CCaptureSource> LayOut(const std::vector<std::string>& files, const fs::path& captures)
 {
     std::vector<CCaptureSource> sources;
     for (const std::string& strFile : files)
     {
         const CSoundReader reader(strFile);
+        CDubFile::CheckPath(captures, reader);
         double dPosition = 0;
         if (!sources.empty())
         {
@@ -95,7 +103,9 @@ void DeclareOptions(CLI::App& app, DemoOptions& options)
 }
 
 CDemo::CDemo(const DemoOptions& options)
-    : m_options(options), m_sources(LayOut(FilesOf(options))), m_out(options.strOut)
+    : m_options(options),
+      m_sources(LayOut(FilesOf(options), CaptureFolder(fs::absolute(options.strOut)))),
+      m_out(options.strOut)
 {
     m_out.RemoveEarlier();
     m_session = m_out.Claim("session.tarvane");
@@ -146,7 +156,7 @@ void CDemo::StartServer()
 
 void CDemo::StartHost()
 {
-    const fs::path captures = m_out.Path() / "captures";
+    const fs::path captures = CaptureFolder(m_out.Path());
     std::vector<std::string> arguments = {Program("tarvane-host"),
                                           "--capture-folder",
                                           captures.string(),

@@ -76,6 +76,26 @@ TEST_F(LinkBundle, OpeningTheMenuShowsTheTracksOfThisMoment)
     EXPECT_EQ([Tracks() numberOfItems], 4);
 }
 
+TEST_F(LinkBundle, ClickChoosesOneOfTwoHundredTracksInManyScripts)
+{
+    const char* kNames[] = {"Vox", "Größe", "Гитара", "ギター", "吉他", "기타", "קול", "گیتار"};
+    std::string strList = "201\n1\n";
+    for (int n = 0; n < 200; ++n)
+    {
+        // Tracks 150 and 151 have one name.
+        const int nName = n == 151 ? 150 : n;
+        strList += std::string(kNames[nName % 8]) + " " + std::to_string(nName) + "\n";
+    }
+    CDesktopWindow window(m_pView);
+    m_plugIn.SetValue<std::int32_t>(TNProperty_SelectedTrack, 150);
+    m_events.Print(strList);
+    window.Choose(Tracks(), 151);
+    EXPECT_TRUE(window.RunUntil([&] { return !Written(TNProperty_SelectedTrack).empty(); }));
+    EXPECT_THAT(Written(TNProperty_SelectedTrack), ElementsAre(Value{151, 0, 0, 0}));
+    EXPECT_EQ([Tracks() numberOfItems], 200);
+    EXPECT_EQ(Utf8([Tracks() titleOfSelectedItem]), "קול 150");
+}
+
 TEST_F(LinkBundle, ClickOnTheToggleAsksThePlugInToArm)
 {
     CDesktopWindow window(m_pView);

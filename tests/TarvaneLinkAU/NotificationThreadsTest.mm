@@ -17,7 +17,7 @@ class NotificationThreads : public LinkViewFixture
     {
       public:
         CRaisers(TarvaneTests::ScriptedAudioUnit& plugIn,
-                 std::initializer_list<AudioUnitPropertyID> ids, int nTimes)
+                 const std::vector<AudioUnitPropertyID>& ids, int nTimes)
             : m_start(static_cast<std::ptrdiff_t>(ids.size()) + 1)
         {
             for (AudioUnitPropertyID nProperty : ids)
@@ -59,6 +59,44 @@ TEST_F(NotificationThreads, StormOfFourThreadsLeavesOneUpdateWaiting)
     }
     RunQueuedCalls();
     EXPECT_EQ(ProgressReads(), 1);
+}
+
+TEST_F(NotificationThreads, SixteenThreadsRaiseEverythingThatAViewHears)
+{
+    Attach();
+    m_plugIn.SetValue<std::int32_t>(TNProperty_NextElement, -1);
+    std::vector<AudioUnitPropertyID> ids(14, kTNProperty_CurrentCaptureLength);
+    ids.insert(ids.end(), {TNProperty_Elements, TNProperty_ArmCapture});
+    {
+        CRaisers raisers(m_plugIn, ids, 50);
+        while (!raisers.Done())
+            RunQueuedCalls();
+    }
+    RunQueuedCalls();
+    EXPECT_EQ(CountOf("Get", TNProperty_NextElement), 50);
+    EXPECT_EQ(CountOf("Get", TNProperty_ArmCapture), 50);
+    EXPECT_GE(ProgressReads(), 1);
+    EXPECT_LT(ProgressReads(), 14 * 50);
+}
+
+TEST_F(NotificationThreads, ViewGoesWhileSixteenThreadsNotify)
+{
+    [m_pView release];
+    m_pView = nil;
+    NSAutoreleasePool* pPool = [[NSAutoreleasePool alloc] init];
+    TestLinkView* pView = [[TestLinkView alloc] initWithFrame:NSMakeRect(0, 0, 300, 100)];
+    [pView setAU:m_plugIn.Unit()];
+    {
+        CRaisers raisers(m_plugIn,
+                         std::vector<AudioUnitPropertyID>(16, kTNProperty_CurrentCaptureLength),
+                         200);
+        RunQueuedCalls();
+        [pView release];
+    }
+    RunQueuedCalls();
+    [pPool drain];
+    EXPECT_EQ([TestLinkView liveViews], 0);
+    EXPECT_EQ(m_plugIn.ListenerCount(), 0u);
 }
 
 TEST_F(NotificationThreads, MainThreadGetsThroughItsQueueDuringAStorm)

@@ -112,6 +112,52 @@ TEST_F(Demo, HelpAndVersionNeedNothing)
     EXPECT_THAT(version.strOutput, StartsWith("tarvane-demo "));
 }
 
+TEST_F(Demo, WhatCannotBeUsedIsSaidInOneLineAndStartsNothing)
+{
+    std::ofstream(folder / "letter.wav") << "Dear reader,";
+    std::ofstream(folder / "empty.wav").flush();
+    WriteSound(folder / "silent.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 0);
+    fs::path deep = folder / "deep";
+    for (int nFolder = 0; nFolder < 5; ++nFolder)
+        deep /= std::string(220, 'x');
+    const std::vector<std::pair<std::vector<std::string>, std::string>> uses{
+        {{folder / "letter.wav"}, "is not a sound file that can be read"},
+        {{folder / "empty.wav"}, "is not a sound file that can be read"},
+        {{One(), folder / "silent.wav"}, "holds no sound"},
+        {{One(), "--out", folder / "one.wav/out"}, "cannot write into the folder"},
+        {{One(), "--out", deep}, "longer than 1023 bytes"},
+        {{One(), "--louder"}, "--louder"}};
+    const auto before = folder.Files();
+    for (const auto& [options, strWords] : uses)
+    {
+        std::vector<std::string> command{DEMO_PROGRAM, "--headless"};
+        command.insert(command.end(), options.begin(), options.end());
+        if (options.size() < 3)
+            command.insert(command.end(), {"--out", folder / "out"});
+        const ProcessOutcome outcome = RunToEnd(command);
+        EXPECT_EQ(outcome.nCode, 2) << strWords;
+        EXPECT_EQ(outcome.strOutput, "");
+        EXPECT_THAT(outcome.strError, AllOf(StartsWith("tarvane-demo: "), HasSubstr(strWords)));
+        EXPECT_EQ(std::count(outcome.strError.begin(), outcome.strError.end(), '\n'), 1);
+        EXPECT_EQ(folder.Files(), before) << strWords;
+    }
+}
+
+// As where the bundle has not been built.
+TEST_F(Demo, WithoutABundleItSaysSoAndLeavesNothingRunning)
+{
+    fs::create_directory(folder / "bin");
+    for (const char* szProgram : {"tarvane-demo", "tarvane-host", "tarvane-server"})
+        fs::copy(fs::path(DEMO_PROGRAM).parent_path() / szProgram, folder / "bin" / szProgram);
+    const ProcessOutcome outcome =
+        RunToEnd({folder / "bin/tarvane-demo", "--headless", "--out", folder / "out", One()});
+    EXPECT_EQ(outcome.nCode, 1);
+    EXPECT_THAT(outcome.strError, HasSubstr("there is no bundle"));
+    EXPECT_EQ(std::count(outcome.strError.begin(), outcome.strError.end(), '\n'), 1)
+        << outcome.strError;
+    ExpectNoServerLeft();
+}
+
 TEST_F(Demo, AServerThatRunsAlreadyIsSaidAndLeftAlone)
 {
     StartServer();
