@@ -2,6 +2,7 @@
 // other end of a bus.
 
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
+#include "apps/support/ChildProcess.h"
 #include "tests/TarvaneLinkShared/BusServer.h"
 #include "tests/support/PrivateBus.h"
 #include "utils/FileIO/FileName.h"
@@ -9,12 +10,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
+#include <optional>
 
 using ::testing::ElementsAre;
 
 namespace
 {
+constexpr std::chrono::seconds kAnyTime{60};
 constexpr char szNotRunning[] = "Error - Tarvane not running.";
 constexpr char szLaunchIt[] = "Locate and launch Tarvane.";
 
@@ -40,11 +44,11 @@ protected:
     void SetUp() override { StartServer(); }
     void StartServer()
     {
-        m_server = TarvaneTests::ChildProcess({BUS_SERVER_PROGRAM});
-        ASSERT_EQ(m_server.ReadLine(), BusServer::szReady);
+        m_server.emplace(std::vector<std::string>{BUS_SERVER_PROGRAM});
+        ASSERT_TRUE(m_server->WaitForLine(BusServer::szReady, kAnyTime));
     }
 
-    TarvaneTests::ChildProcess m_server;
+    std::optional<Tarvane::CChildProcess> m_server;
 };
 } // namespace
 
@@ -110,7 +114,7 @@ TEST_F(BusWithServer, AServerThatComesBackAnswersTheNextCommand)
 {
     EXPECT_EQ(Send(BusServer::szEnd), -609);
     EXPECT_EQ(m_script.m_strLastError, "AEError ID:-609");
-    m_server.Wait();
+    EXPECT_TRUE(m_server->WaitForEnd(kAnyTime));
     EXPECT_EQ(Send("x"), -600);
 
     StartServer();

@@ -10,6 +10,7 @@ namespace
 {
 
 constexpr const char* kAddressVariable = "DBUS_SESSION_BUS_ADDRESS";
+constexpr std::chrono::seconds kPatience{60};
 
 } // namespace
 
@@ -40,15 +41,17 @@ PrivateBus::~PrivateBus()
 
 void PrivateBus::Kill()
 {
-    m_daemon.Kill();
+    if (m_daemon)
+        m_daemon->Kill();
+    m_daemon.reset();
 }
 
 void PrivateBus::Start()
 {
     std::filesystem::remove(m_folder + "/bus");
-    m_daemon = ChildProcess({"dbus-daemon", "--session", "--nofork", "--nopidfile",
-                             "--print-address", "--address=" + m_address});
-    if (m_daemon.ReadLine().empty())
+    m_daemon.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
+                                              "--print-address", "--address=" + m_address});
+    if (!m_daemon->WaitForLine("unix:", kPatience))
         throw std::runtime_error("dbus-daemon did not start");
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "tests/support/ChildProcess.h"
+#include "apps/support/ChildProcess.h"
 
+#include <optional>
 #include <string>
 
 namespace TarvaneTests
@@ -25,18 +26,18 @@ public:
     void Kill();
     void Start();
 
-    pid_t DaemonPid() const { return m_daemon.Pid(); }
+    pid_t DaemonPid() const { return m_daemon->Pid(); }
 
     // A bus that takes connections and bytes but answers nothing.
-    void Freeze() const { m_daemon.Signal(SIGSTOP); }
-    void Thaw() const { m_daemon.Signal(SIGCONT); }
+    void Freeze() { m_daemon->Stop(); }
+    void Thaw() { m_daemon->Continue(); }
 
 private:
     std::string m_folder;
     std::string m_address;
     std::string m_previousAddress;
     bool m_fHadAddress = false;
-    ChildProcess m_daemon;
+    std::optional<Tarvane::CChildProcess> m_daemon; // empty while the bus is away
 };
 
 } // namespace TarvaneTests

@@ -143,7 +143,8 @@ TEST_F(AppleEventSending, ReceiverThatEndsMidCallIsConnectionInvalid)
 TEST_F(AppleEventSending, ReceiverThatComesBackIsFound)
 {
     ASSERT_EQ(noErr, Echo("first").first);
-    m_receiver.Kill();
+    m_receiver->Kill();
+    EXPECT_TRUE(m_receiver->WaitForEnd(kPlentyTime));
     m_receiver = StartReceiver('Tst1');
     EXPECT_EQ(Answer(noErr, "second"), Echo("second"));
 }
@@ -284,7 +285,7 @@ class Signatures : public BusTest, public testing::WithParamInterface<OSType>
 
 TEST_P(Signatures, AnyFourCharactersNameAReceiver)
 {
-    const ChildProcess receiver = StartReceiver(GetParam());
+    const Child receiver = StartReceiver(GetParam());
     EXPECT_EQ(Answer(noErr, "found"), Echo("found", GetParam()));
     EXPECT_EQ(procNotFound, Echo("not", GetParam() ^ 1).first);
 }
@@ -294,7 +295,7 @@ INSTANTIATE_TEST_SUITE_P(AESend, Signatures,
 
 TEST_F(BusTest, TwoReceiversGetTheirOwnEvents)
 {
-    const ChildProcess first = StartReceiver('Tst1'), second = StartReceiver('Tst2');
+    const Child first = StartReceiver('Tst1'), second = StartReceiver('Tst2');
     EXPECT_EQ(noErr, Echo("x", 'Tst2').first);
     EXPECT_EQ(0, HandledEvents());
 }
@@ -336,8 +337,8 @@ TEST_F(ActivatingBus, NothingIsStartedOnDemand)
     EXPECT_EQ(procNotFound, SendRaw(event, nullptr, kAENoReply));
     EXPECT_FALSE(std::filesystem::exists(Mark()));
     // The bus does start it for those who let it.
-    ChildProcess busctl({"busctl", "--user", "call", "org.tarvane.AppleEvent._54737431", "/",
-                         "org.freedesktop.DBus.Peer", "Ping"});
-    busctl.Wait();
+    Tarvane::CChildProcess busctl({"busctl", "--user", "call", "org.tarvane.AppleEvent._54737431",
+                                   "/", "org.freedesktop.DBus.Peer", "Ping"});
+    EXPECT_TRUE(busctl.WaitForEnd(kPlentyTime));
     EXPECT_TRUE(std::filesystem::exists(Mark()));
 }

@@ -71,7 +71,7 @@ TEST_F(BusLoss, NextCommandNeedsNoFailureInBetween)
     m_bus.Kill();
     m_bus.Start();
     // A receiver of the new bus: this process still holds its connection to the old one.
-    const ChildProcess other = StartReceiver('Tst2');
+    const Child other = StartReceiver('Tst2');
     EXPECT_EQ(Answer(noErr, "after"), Echo("after", 'Tst2'));
 }
 
@@ -86,14 +86,15 @@ TEST_F(BusLoss, ReceiverWaitsForAsLongAsTheBusIsAway)
 TEST_F(BusLoss, ReceiverTakesOverOnceWhoeverTookItsNameHasGone)
 {
     ASSERT_EQ(noErr, Echo("before").first);
-    m_receiver.Signal(SIGSTOP);
+    m_receiver->Stop();
     m_bus.Kill();
     m_bus.Start();
-    ChildProcess other = StartReceiver('Tst1');
-    m_receiver.Signal(SIGCONT);
+    const Child other = StartReceiver('Tst1');
+    m_receiver->Continue();
     usleep(200'000);
     EXPECT_EQ(0, HandledEvents());
-    other.Kill();
+    other->Kill();
+    EXPECT_TRUE(other->WaitForEnd(kPlentyTime));
     EXPECT_EQ(Answer(noErr, "back"), EchoOnceOwned("back"));
     // The one before the loss, this one and the question itself.
     EXPECT_EQ(2, HandledEvents());

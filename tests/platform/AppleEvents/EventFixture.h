@@ -1,15 +1,17 @@
 // A bus, a receiver on it, and events to send: what the tests of AESend share.
 #pragma once
 
+#include "apps/support/ChildProcess.h"
 #include "tests/platform/AppleEvents/TestReceiver.h"
-#include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateBus.h"
 
 #include <AE/AEErrors.h>
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,6 +22,7 @@ namespace AppleEventTests
 // A bound for what must come to an end by itself: generous, and never waited for in full unless
 // something is broken.
 inline constexpr SInt32 kPlentyTicks = 40 * 60;
+inline constexpr std::chrono::seconds kPlentyTime{40};
 
 // Descriptors of one test, disposed of at its end.
 struct Desc : AEDesc
@@ -109,12 +112,13 @@ inline std::string Digits(OSType signature)
     return digits;
 }
 
-inline TarvaneTests::ChildProcess StartReceiver(OSType signature,
-                                                const std::string& expected = "ready",
-                                                const std::vector<std::string>& settings = {})
+using Child = std::unique_ptr<Tarvane::CChildProcess>;
+
+inline Child StartReceiver(OSType signature, const std::string& expected = "ready")
 {
-    TarvaneTests::ChildProcess receiver({TEST_RECEIVER_PROGRAM, Digits(signature)}, settings);
-    EXPECT_EQ(expected, receiver.ReadLine());
+    auto receiver = std::make_unique<Tarvane::CChildProcess>(
+        std::vector<std::string>{TEST_RECEIVER_PROGRAM, Digits(signature)});
+    EXPECT_EQ(expected, receiver->WaitForLine("", kPlentyTime));
     return receiver;
 }
 
@@ -136,7 +140,7 @@ protected:
 class ReceiverTest : public BusTest
 {
 protected:
-    TarvaneTests::ChildProcess m_receiver = StartReceiver('Tst1');
+    Child m_receiver = StartReceiver('Tst1');
 };
 
 } // namespace AppleEventTests

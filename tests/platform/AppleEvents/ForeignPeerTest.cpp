@@ -181,7 +181,7 @@ TEST_F(ForeignSender, RepliesThatTheBusDoesNotTakeAtOnceGoOutLater)
 {
     // More than the buffer of a socket holds, and no event afterwards that would push it on.
     constexpr int kReplies = 4;
-    m_receiver.Signal(SIGSTOP);
+    m_receiver->Stop();
     int nReplies = 0;
     std::vector<SlotRef> calls;
     for (int i = 0; i < kReplies; i++)
@@ -197,7 +197,7 @@ TEST_F(ForeignSender, RepliesThatTheBusDoesNotTakeAtOnceGoOutLater)
     ConnectionsOnTheBus(m_connection.get());
     ConnectionsOnTheBus(m_connection.get());
     m_bus.Freeze();
-    m_receiver.Signal(SIGCONT);
+    m_receiver->Continue();
     usleep(500'000);
     m_bus.Thaw();
     ProcessUntil(m_connection.get(), Deadline::After(kPlentyMicroseconds),

@@ -72,8 +72,8 @@ using Receiver = ReceiverTest;
 
 TEST_F(Receiver, SecondOfASignatureIsToldAndTheFirstStays)
 {
-    ChildProcess second = StartReceiver('Tst1', std::to_string(errAEDuplicateHandler));
-    EXPECT_EQ(3, second.Wait());
+    const Child second = StartReceiver('Tst1', std::to_string(errAEDuplicateHandler));
+    EXPECT_EQ(3, second->WaitForEnd(kPlentyTime));
     EXPECT_EQ(Answer(noErr, "first"), Echo("first"));
     EXPECT_EQ(1, HandledEvents());
 }
@@ -81,16 +81,17 @@ TEST_F(Receiver, SecondOfASignatureIsToldAndTheFirstStays)
 TEST(ReceiverWithoutABus, IsToldProcNotFound)
 {
     setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
-    ChildProcess receiver = StartReceiver('Tst1', std::to_string(procNotFound));
-    EXPECT_EQ(3, receiver.Wait());
+    const Child receiver = StartReceiver('Tst1', std::to_string(procNotFound));
+    EXPECT_EQ(3, receiver->WaitForEnd(kPlentyTime));
 }
 
 TEST(ReceiverOfAMuteBus, IsToldTimeout)
 {
     const MuteBus bus;
-    ChildProcess receiver = StartReceiver('Tst1', std::to_string(errAETimeout),
-                                          {"TARVANE_AE_DEFAULT_TIMEOUT_TICKS=12"});
-    EXPECT_EQ(3, receiver.Wait());
+    setenv("TARVANE_AE_DEFAULT_TIMEOUT_TICKS", "12", 1);
+    const Child receiver = StartReceiver('Tst1', std::to_string(errAETimeout));
+    unsetenv("TARVANE_AE_DEFAULT_TIMEOUT_TICKS");
+    EXPECT_EQ(3, receiver->WaitForEnd(kPlentyTime));
 }
 
 TEST_F(Receiver, ServesInModalPanelsAndWhileEventsAreTracked)
@@ -121,12 +122,12 @@ TEST_F(Receiver, HandlesABoundedNumberOfEventsAPass)
 {
     constexpr SInt32 kEvents = 320, kAPassAtMost = 20;
     const SInt32 nBefore = RunLoopPasses();
-    m_receiver.Signal(SIGSTOP);
+    m_receiver->Stop();
     Desc event = NewEvent(kEcho);
     for (SInt32 i = 0; i < kEvents; i++)
         ASSERT_EQ(noErr, AESend(&event, nullptr, kAENoReply, kAENormalPriority, kPlentyTicks,
                                 nullptr, nullptr));
-    m_receiver.Signal(SIGCONT);
+    m_receiver->Continue();
     EXPECT_GE(RunLoopPasses() - nBefore, kEvents / kAPassAtMost);
     EXPECT_EQ(kEvents + 2, HandledEvents());
 }
@@ -184,7 +185,7 @@ TEST_F(Receiver, WithItsLastHandlerGivesUpItsNameAfterTheReply)
     for (int i = 0; i < 1000 && status != procNotFound; i++, usleep(10'000))
         status = SendAndWait(kEcho);
     EXPECT_EQ(procNotFound, status);
-    const ChildProcess successor = StartReceiver('Tst1');
+    const Child successor = StartReceiver('Tst1');
     EXPECT_EQ(Answer(noErr, "successor"), Echo("successor"));
 }
 

@@ -33,7 +33,7 @@ protected:
     StoppedReceiver()
     {
         EXPECT_EQ(noErr, Echo("before").first);
-        m_receiver.Signal(SIGSTOP);
+        m_receiver->Stop();
     }
 };
 
@@ -69,7 +69,7 @@ TEST_F(StoppedReceiver, LateReplyNeverAnswersALaterCommand)
 {
     for (int i = 0; i < 5; i++)
         EXPECT_EQ(errAETimeout, SendEcho("late " + std::to_string(i), 2));
-    m_receiver.Signal(SIGCONT);
+    m_receiver->Continue();
     for (int i = 0; i < 5; i++)
         EXPECT_EQ(Answer(noErr, "new"), Echo("new"));
     // Each was handled once: nothing was sent again.
@@ -79,7 +79,7 @@ TEST_F(StoppedReceiver, LateReplyNeverAnswersALaterCommand)
 TEST_F(StoppedReceiver, LateLargeReplyNeverAnswersALaterCommand)
 {
     EXPECT_EQ(errAETimeout, SendEcho(std::string(5'000'000, 'x'), kFewTicks));
-    m_receiver.Signal(SIGCONT);
+    m_receiver->Continue();
     EXPECT_EQ(Answer(noErr, "new"), Echo("new"));
 }
 
@@ -116,7 +116,7 @@ TEST(MuteBusTest, LeavesNothingBehindForTheNextEvent)
         EXPECT_EQ(errAETimeout, SendEcho("x", kFewTicks));
     }
     const PrivateBus bus;
-    const ChildProcess receiver = StartReceiver('Tst1');
+    const Child receiver = StartReceiver('Tst1');
     EXPECT_EQ(Answer(noErr, "works"), Echo("works"));
 }
 
