@@ -56,8 +56,9 @@ std::string FindingsText(const char* szParty, const Findings& findings)
         strText += std::string(finding.rule.szId) + " " + NameOf(finding.outcome) + ": " +
                    Sentence(szParty, finding.rule) + "\n";
         if (finding.outcome != Outcome::Kept)
-            strText +=
-                "    " + finding.strSeen + "\n    Why it matters: " + finding.rule.szWhy + ".\n";
+            strText += "    " + finding.strSeen + "\n";
+        if (finding.outcome == Outcome::Broken)
+            strText += std::string("    Why it matters: ") + finding.rule.szWhy + ".\n";
     }
     return strText + Summary(findings, Level::Must) + Summary(findings, Level::Should);
 }

@@ -9,7 +9,8 @@ namespace Tarvane::Conform
 
 /// szParty: "server" or "plug-in".
 
-/// A line a rule, with what was seen and why it matters below what is not kept; a summary last.
+/// A line a rule, below what is not kept what was seen, and why a broken one matters; a summary
+/// last.
 std::string FindingsText(const char* szParty, const Findings& findings);
 nlohmann::ordered_json FindingsJson(const char* szParty, const Findings& findings);
 

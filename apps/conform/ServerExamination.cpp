@@ -85,18 +85,22 @@ Findings ExamineServer(const ServerOptions& options)
     const std::optional<int> track = FindTrack(peer, options);
     const ServerBench bench{peer, sound, track.value_or(0)};
     Findings findings;
-    bool fAnswers = true;
+    std::string strInTheWay;
     for (const ServerRule& rule : ServerRules())
     {
-        if (!fAnswers)
-            findings.push_back({rule, Outcome::NotExamined, "the server no longer answers"});
+        if (!strInTheWay.empty())
+            findings.push_back({rule, Outcome::NotExamined, strInTheWay});
         else if (rule.fChanges && !track)
             findings.push_back({rule, Outcome::NotExamined,
                                 "the server does not say which track may be worked on"});
         else
             findings.push_back(Examine(rule, bench));
-        if (findings.back().outcome == Outcome::Broken)
-            fAnswers = StillAnswers(peer);
+        if (findings.back().outcome != Outcome::Broken)
+            continue;
+        if (findings.size() == 1)
+            strInTheWay = "no rule can be examined without the first";
+        else if (!StillAnswers(peer))
+            strInTheWay = "the server no longer answers";
     }
     return findings;
 }

@@ -14,9 +14,9 @@ struct ServerOptions
     bool fClear = false;         ///< the track's regions may go
 };
 
-/// Examines every rule on the server that answers on the session bus. Once it no longer answers the
-/// other rules are not examined. Throws CUsageError when there is no server, or no track that may
-/// be worked on: nothing has been changed then.
+/// Examines every rule on the server that answers on the session bus. Once it no longer answers, or
+/// when the first rule is broken, the other rules are not examined. Throws CUsageError when there
+/// is no server, or no track that may be worked on: nothing has been changed then.
 Findings ExamineServer(const ServerOptions& options);
 
 } // namespace Tarvane::Conform

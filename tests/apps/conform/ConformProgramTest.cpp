@@ -60,10 +60,17 @@ protected:
 
     void StartServer(std::vector<std::string> arguments = {})
     {
-        arguments.insert(arguments.begin(),
-                         {SERVER_PROGRAM, "--session", (m_folder / "session").string(), "--track",
-                          "Vox", "--track", "V\xC3\xB6x", "--link-offset", "1.25"});
+        arguments.insert(arguments.begin(), {SERVER_PROGRAM, "--track", "Vox", "--track",
+                                             "V\xC3\xB6x", "--link-offset", "1.25"});
         Start(arguments);
+    }
+
+    // The first broken rule of the reference server when it misbehaves.
+    std::string FirstBroken(const std::string& strFault)
+    {
+        StartServer({"--misbehave", strFault, "--delay", "60"});
+        const std::vector<std::string> rules = Examine({"--timeout", "1"}).Rules("broken");
+        return rules.empty() ? "none" : rules.front();
     }
 
     // A server that answers by rules, each a part of a script and what comes of it.
@@ -75,6 +82,7 @@ protected:
 
     void Start(const std::vector<std::string>& arguments)
     {
+        m_server.reset();
         m_server = std::make_unique<Tarvane::CChildProcess>(arguments);
         ASSERT_TRUE(m_server->WaitForLine("ready", kAnyTime)) << m_server->ErrorOutput();
     }
@@ -141,13 +149,41 @@ TEST_F(ConformProgram, WithoutAServerNothingIsExamined)
 
 TEST_F(ConformProgram, OnceAServerIsGoneTheOtherRulesAreNotExamined)
 {
-    StartScripted({"'a'=>die", "GetRegionCount=>0\n", "print=>1\n"});
+    StartScripted({"'a'=>die", "GetTrackCount=>1\n", "GetRegionCount=>0\n", "print(0)=>0\n",
+                   "print(1)=>1\n", "print(2)=>2\n", "print(3)=>3\n", "print(4)=>4\n"});
     const Ended ended = Examine();
     EXPECT_EQ(ended.nExitCode, 1);
+    EXPECT_THAT(ended.Rules("kept"), testing::ElementsAre("S1"));
+    EXPECT_THAT(ended.Rules("broken"), testing::ElementsAre("S2"));
     EXPECT_EQ(ended.Rules("broken").size() + ended.Rules("not examined").size() +
                   ended.Rules("kept").size(),
               30U);
     EXPECT_THAT(ended.Rules("not examined"), Contains("S30"));
+}
+
+TEST_F(ConformProgram, EachMisbehaviourBreaksItsRule)
+{
+    struct Case
+    {
+        const char* szFault;
+        const char* szRule;
+    };
+    // The 56th command comes between two looks at the list of tracks.
+    for (const auto& [szFault, szRule] :
+         {Case{"no-reply", "S1"}, Case{"late-reply", "S1"}, Case{"exit-before-effect", "S1"},
+          Case{"exit-after-effect", "S1"}, Case{"hang", "S1"}, Case{"no-result", "S1"},
+          Case{"wrong-type", "S1"}, Case{"empty-result", "S1"}, Case{"lone-surrogates", "S1"},
+          Case{"huge-reply", "S1"}, Case{"error-beside-result", "S7"},
+          Case{"document-vanishes@56", "S14"}, Case{"track-vanishes@56", "S14"},
+          Case{"tracks-move@56", "S14"}, Case{"frozen-counter", "S24"}})
+        EXPECT_EQ(FirstBroken(szFault), szRule) << szFault;
+}
+
+// Everything is answered all the same.
+TEST_F(ConformProgram, EventsThatAServerSendsItselfBreakNoRule)
+{
+    StartServer({"--misbehave", "event-flood"});
+    EXPECT_EQ(Examine().nExitCode, 0);
 }
 
 TEST_F(ConformProgram, RulesAreListedWithTheirReasonsAndNothingIsExamined)
@@ -164,9 +200,12 @@ TEST_F(ConformProgram, TellsInWordsWhatIsBrokenAndWhy)
     StartScripted({"GetTrackCount=>2\n", "GetRegionCount=>0\n", "print=>1\n"});
     const Ended ended = Run({"server"});
     EXPECT_EQ(ended.nExitCode, 1);
-    EXPECT_THAT(ended.strOutput, HasSubstr("S2 broken: The server MUST end what each print"));
+    EXPECT_THAT(ended.strOutput, HasSubstr("S1 broken: The server MUST answer every event"));
     EXPECT_THAT(ended.strOutput, HasSubstr("was answered with \"1\\n\""));
-    EXPECT_THAT(ended.strOutput, HasSubstr("Why it matters: results are read line by line."));
+    EXPECT_THAT(ended.strOutput, HasSubstr("Why it matters: a command without a readable 'Rslt'"));
+    EXPECT_THAT(ended.strOutput,
+                HasSubstr("S2 not examined: The server MUST end what each print writes with a line "
+                          "end.\n    no rule can be examined without the first\nS3 "));
     EXPECT_THAT(ended.strOutput, HasSubstr("\nMUST: "));
 }
 
