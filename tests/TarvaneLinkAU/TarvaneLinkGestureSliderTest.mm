@@ -20,6 +20,12 @@ using testing::IsEmpty;
     m_names.push_back([[pNotification name] UTF8String]);
 }
 
+- (void)Moved:(id)idSender
+{
+    (void)idSender;
+    m_names.push_back("moved");
+}
+
 @end
 
 namespace
@@ -85,6 +91,28 @@ TEST_F(GestureSlider, ClickWithoutADragPostsDownBeforeUp)
     [[NSNotificationCenter defaultCenter] removeObserver:pObserver];
     EXPECT_THAT(pObserver->m_names, ElementsAre("CAGestureSliderMouseDownNotification",
                                                 "CAGestureSliderMouseUpNotification"));
+    [pObserver release];
+}
+
+TEST_F(GestureSlider, TrackingLiesBetweenDownAndUp)
+{
+    GestureObserver* pObserver = [[GestureObserver alloc] init];
+    TarvaneLink_GestureSlider* pSlider = [m_pView slider];
+    [pSlider setMaxValue:100];
+    [pSlider setDoubleValue:100];
+    [pSlider setTarget:pObserver];
+    [pSlider setAction:@selector(Moved:)];
+    [[NSNotificationCenter defaultCenter] addObserver:pObserver
+                                             selector:@selector(Note:)
+                                                 name:nil
+                                               object:pSlider];
+    Click(pSlider);
+    [[NSNotificationCenter defaultCenter] removeObserver:pObserver];
+    [pSlider setTarget:nil];
+    ASSERT_GE(pObserver->m_names.size(), 3u);
+    EXPECT_EQ(pObserver->m_names.front(), "CAGestureSliderMouseDownNotification");
+    EXPECT_EQ(pObserver->m_names[1], "moved");
+    EXPECT_EQ(pObserver->m_names.back(), "CAGestureSliderMouseUpNotification");
     [pObserver release];
 }
 

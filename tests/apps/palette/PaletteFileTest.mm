@@ -201,6 +201,21 @@ TEST_F(PaletteFile, WhereNoFileCanBeWrittenStoringSaysSo)
     EXPECT_THAT(m_folder.Files(), ElementsAre());
 }
 
+TEST_F(PaletteFile, OnADiskThatIsFullAtAnyByteTheOldFileStays)
+{
+    const fs::path file = m_folder / "mine.session";
+    Tarvane::StorePalette(file);
+    const auto nWhole = fs::file_size(file);
+    std::ofstream(file) << "old";
+    for (std::uintmax_t nBytes = 0; nBytes < nWhole; nBytes += nBytes < 120 ? 1 : 61)
+    {
+        const FullDisk disk(nBytes);
+        EXPECT_THROW(Tarvane::StorePalette(file), std::runtime_error) << nBytes;
+    }
+    EXPECT_EQ(TarvaneTest::FileText(file), "old");
+    EXPECT_THAT(m_folder.Files(), ElementsAre("mine.session"));
+}
+
 TEST_F(PaletteFile, OnAFullDiskTheOldFileStays)
 {
     const fs::path file = m_folder / "mine.session";

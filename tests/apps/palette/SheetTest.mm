@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include <objc/runtime.h>
+
 #include <functional>
 #include <set>
 #include <vector>
@@ -79,6 +81,43 @@ TEST_F(Sheet, HasEveryControlInAllItsLooks)
     EXPECT_EQ(Count(sheet, @"CellSpecimen"), 2 * 2 * 3 * 3);
     EXPECT_EQ(Count(sheet, @"ColoredTextField"), 2);
     EXPECT_EQ(Count(sheet, @"TKToggleSwitch"), 1);
+}
+
+TEST_F(Sheet, TogglesAreOffAndOnUpAndHeldDown)
+{
+    const Ivar down = class_getInstanceVariable([TKToggleSwitch class], "m_fMouseDown");
+    int nToggle = 0;
+    Walk(Tarvane::MakeSheet(),
+         [&](NSView* view)
+         {
+             if (![NSStringFromClass([view class]) isEqualToString:@"ToggleSpecimen"])
+             {
+                 return;
+             }
+             const bool fDown = *((const char*)view + ivar_getOffset(down)) != 0;
+             EXPECT_EQ([(TKToggleSwitch*)view state], nToggle % 4 >= 2) << nToggle;
+             EXPECT_EQ(fDown, nToggle % 2 == 1) << nToggle;
+             ++nToggle;
+         });
+}
+
+TEST_F(Sheet, CellsAreUpHeldAndDisabledInThreeSizes)
+{
+    const NSControlSize sizes[] = {NSRegularControlSize, NSSmallControlSize, NSMiniControlSize};
+    int nCell = 0;
+    Walk(Tarvane::MakeSheet(),
+         [&](NSView* view)
+         {
+             if (![NSStringFromClass([view class]) isEqualToString:@"CellSpecimen"])
+             {
+                 return;
+             }
+             NSCell* cell = object_getIvar(view, class_getInstanceVariable([view class], "m_cell"));
+             EXPECT_EQ([cell isHighlighted], nCell % 3 == 1) << nCell;
+             EXPECT_EQ([cell isEnabled], nCell % 3 != 2) << nCell;
+             EXPECT_EQ([cell controlSize], sizes[nCell / 3 % 3]) << nCell;
+             ++nCell;
+         });
 }
 
 TEST_F(Sheet, CutsLongListsAndSaysHowManyAreLeft)
