@@ -98,6 +98,13 @@ TEST_F(DrawingPixels, TextWrapsBetweenWords)
     EXPECT_GT(NSHeight(two), 2 * NSHeight(one));
 }
 
+TEST_F(DrawingPixels, LinesThatDoNotFitAreNotShown)
+{
+    const NSRect one = Box("HHH", TGL::kTextLeft, CGRectMake(0, 60, 70, 26));
+    EXPECT_TRUE(
+        NSEqualRects(Box("HHH HHH HHH HHH", TGL::kTextLeft, CGRectMake(0, 60, 70, 26)), one));
+}
+
 TEST_F(DrawingPixels, TextStartsAtTheTopOfItsRectangle)
 {
     const NSRect high = Box("H", TGL::kTextLeft, CGRectMake(10, 60, 100, 40));
