@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -93,16 +94,10 @@ public:
         return m_words[0] == other.m_words[0] && m_words[1] == other.m_words[1];
     }
 
-    /// Equal for equal strings, and quick: of a long one only size and ends count.
+    /// Equal for equal strings.
     std::size_t Hash() const noexcept
     {
-        if (!IsLong())
-            return Mix(m_words[0], m_words[1]);
-        const char* pText = GetText()->Bytes();
-        std::uint64_t words[2];
-        std::memcpy(&words[0], pText, sizeof words[0]);
-        std::memcpy(&words[1], pText + size() - sizeof words[1], sizeof words[1]);
-        return Mix(words[0] + size(), words[1]);
+        return IsLong() ? std::hash<std::string_view>()(*this) : Mix(m_words[0], m_words[1]);
     }
 
 private:
@@ -123,7 +118,9 @@ private:
     }
     static std::size_t Mix(std::uint64_t a, std::uint64_t b) noexcept
     {
-        return static_cast<std::size_t>((a ^ std::rotl(b, 29)) * 0x9E3779B97F4A7C15u >> 32);
+        std::uint64_t n = a ^ std::rotl(b, 29);
+        n ^= n >> 32; // A product passes nothing down: the last characters would count for nothing.
+        return static_cast<std::size_t>(n * 0x9E3779B97F4A7C15u >> 32);
     }
     bool IsLong() const noexcept { return LastByte() == kLong; }
 

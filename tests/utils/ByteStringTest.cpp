@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 #include <utility>
 
@@ -108,4 +109,22 @@ TEST(ByteString, EqualTextsHashTheSame)
         EXPECT_EQ(CByteString(text).Hash(), CByteString(text).Hash()) << nLength;
     }
     EXPECT_NE(CByteString("a").Hash(), CByteString("b").Hash());
+}
+
+TEST(ByteString, NamesThatDifferAnywhereHashFarApart)
+{
+    // Of each kind of name, in places of a table of which at most half is taken.
+    constexpr std::size_t nNames = 512;
+    const std::string patterns[] = {"Value #", "# Value", "#", "Parameter # of the mixer"};
+    for (const std::string& strPattern : patterns)
+    {
+        std::set<std::size_t> places;
+        for (std::size_t n = 0; n < nNames; ++n)
+        {
+            std::string strName = strPattern;
+            strName.replace(strName.find('#'), 1, std::to_string(1000 + n));
+            places.insert(CByteString(strName).Hash() % (nNames * 2));
+        }
+        EXPECT_GT(places.size(), nNames * 2 / 3) << strPattern;
+    }
 }
