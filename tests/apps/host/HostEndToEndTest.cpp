@@ -236,13 +236,18 @@ TEST_F(EndToEnd, CommandsThatMakeNoSenseAreRefusedAndTheNextOneWorks)
     EXPECT_EQ(host.Process().WaitForEnd(kLong), 0) << "the end of the commands ends the host";
 }
 
-TEST_F(EndToEnd, AViewThatNeverAcknowledgesIsNotWaitedForForEver)
+TEST_F(EndToEnd, AcknowledgeThatComesTooLateIsNotWaitedForAndChangesNothing)
 {
     const ProcessOutcome outcome =
         RunHost({One(), Two(), "--bundle", MUTE_VIEW_BUNDLE, "--ack-timeout", "0.1"});
     EXPECT_EQ(outcome.nCode, 1) << outcome.strError;
     const json captures = CapturesIn(folder / "out");
     ASSERT_EQ(captures.size(), 2U);
-    EXPECT_EQ(captures[0]["outcome"], "not acknowledged");
-    EXPECT_TRUE(captures[0]["ack"].is_null());
+    for (int nElement : {0, 1})
+    {
+        EXPECT_EQ(captures[nElement]["element"], nElement);
+        EXPECT_EQ(captures[nElement]["outcome"], "not acknowledged");
+        EXPECT_TRUE(captures[nElement]["ack"].is_null());
+    }
+    EXPECT_THAT(FileText(folder / "host.log"), HasSubstr("nElement 0, fHandled 1"));
 }

@@ -35,8 +35,9 @@ OSStatus AskValue(AudioUnit unit)
 
 AudioComponent TestUnit::Register(OSType subType, UInt32 flags)
 {
+    // A mask is for searching; one that is registered means nothing.
     const AudioComponentDescription description = {kAudioUnitType_Effect, subType, 'Tarv', flags,
-                                                   0};
+                                                   0xFF};
     CFStringRef name =
         CFStringCreateWithCString(kCFAllocatorDefault, "Tarvane: Test unit", kCFStringEncodingUTF8);
     const AudioComponent component = AudioComponentRegister(&description, name, 0x10203, Create);
