@@ -48,8 +48,6 @@ function(tarvane_add_test target)
   else()
     target_link_libraries(${target} PRIVATE GTest::gmock GTest::gmock_main)
   endif()
-  # Tests are compiled more often than they run.
-  target_compile_options(${target} PRIVATE $<$<CONFIG:Debug>:-O0>)
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     target_precompile_headers(${target} REUSE_FROM tarvane_test_headers)
     target_compile_options(${target} PRIVATE -fpch-preprocess) # for ccache

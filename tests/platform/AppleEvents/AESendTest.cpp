@@ -337,8 +337,9 @@ TEST_F(ActivatingBus, NothingIsStartedOnDemand)
     EXPECT_EQ(procNotFound, SendRaw(event, nullptr, kAENoReply));
     EXPECT_FALSE(std::filesystem::exists(Mark()));
     // The bus does start it for those who let it.
-    Tarvane::CChildProcess busctl({"busctl", "--user", "call", "org.tarvane.AppleEvent._54737431",
-                                   "/", "org.freedesktop.DBus.Peer", "Ping"});
-    EXPECT_TRUE(busctl.WaitForEnd(kPlentyTime));
+    Tarvane::CChildProcess ping({"dbus-send", "--session", "--print-reply",
+                                 "--dest=org.tarvane.AppleEvent._54737431", "/",
+                                 "org.freedesktop.DBus.Peer.Ping"});
+    EXPECT_TRUE(ping.WaitForEnd(kPlentyTime));
     EXPECT_TRUE(std::filesystem::exists(Mark()));
 }
