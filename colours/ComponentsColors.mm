@@ -34,11 +34,12 @@ CComponentColour* CComponentsColors::Find(CComponentCode code)
     return found == m_Map.end() ? nullptr : found->second;
 }
 
-bool CComponentsColors::IsGradient(CComponentCode code)
+bool CComponentsColors::IsGradient(CComponentCode code) { return IsGradient(Find(code)); }
+
+bool CComponentsColors::IsGradient(const CComponentColour* pEntry)
 {
     // By the class itself: this is asked for each fill, and a cast would take as long as the
     // search.
-    const CComponentColour* pEntry = Find(code);
     return pEntry && typeid(*pEntry) == typeid(CGradientFill);
 }
 

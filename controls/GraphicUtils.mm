@@ -62,21 +62,21 @@ Axis RoundAxis(CGRect rect, FillDirection direction, bool fFlipped)
     }
 }
 
-void FillFlat(CGContextRef context, CComponentCode colour, CGRect rect)
+void FillFlat(CGContextRef context, const CComponentColour* pEntry, CGRect rect)
 {
-    CGContextSetFillColorWithColor(context, gAppColours.FindCGColorRef(colour));
+    CGContextSetFillColorWithColor(context, pEntry ? pEntry->m_refColor : nullptr);
     CGContextFillRect(context, rect);
 }
 
 void FillBackground(CGContextRef context, CComponentCode background, CGRect rect)
 {
     if (!background.Empty())
-        FillFlat(context, background, rect);
+        FillFlat(context, gAppColours.Find(background), rect);
 }
 
-void DrawGradient(CGContextRef context, CComponentCode colour, Axis axis)
+void DrawGradient(CGContextRef context, const CComponentColour* pEntry, Axis axis)
 {
-    const auto* pFill = static_cast<CGradientFill*>(gAppColours.Find(colour));
+    const auto* pFill = static_cast<const CGradientFill*>(pEntry);
     CGContextDrawLinearGradient(context, pFill->m_refGradient, axis.start, axis.end,
                                 kExtendBothWays);
 }
@@ -114,9 +114,10 @@ void ClipToRoundRect(CGContextRef context, CGRect rect, float fRadius)
           Flipped:(bool)fFlipped
 {
     FillBackground(context, background, rect);
-    if (!gAppColours.IsGradient(colour))
+    const CComponentColour* pEntry = gAppColours.Find(colour);
+    if (!CComponentsColors::IsGradient(pEntry))
     {
-        FillFlat(context, colour, rect);
+        FillFlat(context, pEntry, rect);
         return;
     }
     const Axis axis = PlainAxis(rect, direction, fFlipped);
@@ -124,7 +125,7 @@ void ClipToRoundRect(CGContextRef context, CGRect rect, float fRadius)
     CGContextBeginPath(context);
     CGContextAddRect(context, rect);
     CGContextClip(context);
-    DrawGradient(context, colour, axis);
+    DrawGradient(context, pEntry, axis);
     CGContextRestoreGState(context);
 }
 
@@ -149,10 +150,11 @@ void ClipToRoundRect(CGContextRef context, CGRect rect, float fRadius)
     FillBackground(context, background, rect);
     CGContextSaveGState(context);
     ClipToRoundRect(context, rect, fRadius);
-    if (gAppColours.IsGradient(colour))
-        DrawGradient(context, colour, RoundAxis(rect, direction, fFlipped));
+    const CComponentColour* pEntry = gAppColours.Find(colour);
+    if (CComponentsColors::IsGradient(pEntry))
+        DrawGradient(context, pEntry, RoundAxis(rect, direction, fFlipped));
     else
-        FillFlat(context, colour, rect);
+        FillFlat(context, pEntry, rect);
     CGContextRestoreGState(context);
 }
 
