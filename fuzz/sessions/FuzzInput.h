@@ -1,11 +1,11 @@
 #pragma once
 
+#include "fuzz/Require.h"
 #include "utils/ParameterBlock.h"
 #include "utils/ParameterWalk.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -13,13 +13,6 @@
 inline std::vector<unsigned char> CopyOf(const std::uint8_t* pBytes, std::size_t nSize)
 {
     return {pBytes, pBytes + nSize};
-}
-
-/// Ends the run: the input breaks a rule that has to hold for every input.
-inline void Require(bool fHolds)
-{
-    if (!fHolds)
-        std::abort();
 }
 
 inline bool HoldsFileId(const CParameterBlock& block)

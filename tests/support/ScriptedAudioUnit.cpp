@@ -143,7 +143,7 @@ OSStatus ScriptedAudioUnit::Get(AudioUnit pUnit, AudioUnitPropertyID nProperty,
     if (found == m_values.end())
         return kAudioUnitErr_InvalidProperty;
     const auto nBytes = std::min(*pSize, static_cast<UInt32>(found->second.size()));
-    std::memcpy(pData, found->second.data(), nBytes);
+    std::copy_n(found->second.data(), nBytes, static_cast<std::uint8_t*>(pData));
     *pSize = nBytes;
     return 0;
 }

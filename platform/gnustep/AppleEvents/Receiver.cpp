@@ -25,17 +25,6 @@ constexpr int kMessagesAPass = 16;
 constexpr std::uint32_t kPrimaryOwner = 1;
 constexpr std::uint32_t kAlreadyOwner = 4;
 
-OSErr ReadRequest(sd_bus_message* message, EventStorage& event)
-{
-    std::uint32_t eventClass = 0, eventID = 0;
-    const int result = sd_bus_message_read(message, "uu", &eventClass, &eventID);
-    if (result < 0)
-        return StatusForErrno(result);
-    event.eventClass = eventClass;
-    event.eventID = eventID;
-    return ReadParameters(message, event.parameters);
-}
-
 void Reply(sd_bus_message* request, OSErr status, const Parameters& answer)
 {
     sd_bus_message* created = nullptr;

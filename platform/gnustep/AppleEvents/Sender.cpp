@@ -46,23 +46,6 @@ int NewOwnerQuestion(sd_bus* bus, const std::string& name, MessageRef& message)
     return sd_bus_message_append(call, "s", name.c_str());
 }
 
-OSErr StatusOfError(sd_bus_message* answer)
-{
-    const sd_bus_error* const error = sd_bus_message_get_error(answer);
-    return StatusForErrorName(error && error->name ? error->name : "");
-}
-
-OSErr ReadReply(sd_bus_message* answer, Parameters& reply)
-{
-    if (sd_bus_message_is_method_error(answer, nullptr) > 0)
-        return StatusOfError(answer);
-    std::int16_t status = 0;
-    if (sd_bus_message_has_signature(answer, kReplyTypes) <= 0 ||
-        sd_bus_message_read(answer, "n", &status) < 0)
-        return errAECorruptData;
-    return status != noErr ? status : ReadParameters(answer, reply);
-}
-
 } // namespace
 
 Sender& Sender::ForThisThread()
@@ -109,8 +92,8 @@ OSErr Sender::SendOnly(const std::string& name, const EventStorage& event, const
                                   answer, deadline);
     if (status != noErr)
         return status;
-    if (sd_bus_message_is_method_error(answer.get(), nullptr) > 0)
-        return StatusOfError(answer.get());
+    if (const sd_bus_error* const error = sd_bus_message_get_error(answer.get()))
+        return StatusForErrorName(error->name ? error->name : "");
 
     MessageRef message;
     int result = NewEventMessage(m_bus.get(), name, event, message);

@@ -81,4 +81,26 @@ OSErr ReadParameters(sd_bus_message* message, Parameters& parameters)
     return result < 0 ? StatusForErrno(result) : OSErr(noErr);
 }
 
+OSErr ReadRequest(sd_bus_message* message, EventStorage& event)
+{
+    std::uint32_t eventClass = 0, eventID = 0;
+    const int result = sd_bus_message_read(message, "uu", &eventClass, &eventID);
+    if (result < 0)
+        return StatusForErrno(result);
+    event.eventClass = eventClass;
+    event.eventID = eventID;
+    return ReadParameters(message, event.parameters);
+}
+
+OSErr ReadReply(sd_bus_message* answer, Parameters& reply)
+{
+    if (const sd_bus_error* const error = sd_bus_message_get_error(answer))
+        return StatusForErrorName(error->name ? error->name : "");
+    std::int16_t status = 0;
+    if (sd_bus_message_has_signature(answer, kReplyTypes) <= 0 ||
+        sd_bus_message_read(answer, "n", &status) < 0)
+        return errAECorruptData;
+    return status != noErr ? status : ReadParameters(answer, reply);
+}
+
 } // namespace AppleEvents

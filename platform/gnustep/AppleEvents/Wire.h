@@ -43,4 +43,12 @@ int AppendParameters(sd_bus_message* message, const Parameters& parameters);
 // they are not what they should be. On failure the parameters are as far as they came.
 OSErr ReadParameters(sd_bus_message* message, Parameters& parameters);
 
+// What a Send asks for. Any message may be given; one of other types fails.
+OSErr ReadRequest(sd_bus_message* message, EventStorage& event);
+
+// What came back for a Send: the status that the receiver gave, or the one that stands for the
+// bus's error. Any answer may be given; errAECorruptData for one of other types. The parameters
+// count on noErr alone.
+OSErr ReadReply(sd_bus_message* answer, Parameters& reply);
+
 } // namespace AppleEvents
