@@ -2,6 +2,7 @@
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
 #include "apps/support/CommandLine.h"
+#include "apps/support/UnicodeText.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -23,7 +24,8 @@ constexpr size_t kMaxPathBytes = sizeof(TNCaptureElement::szDubPath) - 1;
 constexpr size_t kMaxStemBytes = 230;
 constexpr size_t kMaxNumber = 999999;
 
-// A path travels to the server inside a quoted string of a script, byte for byte.
+// A path travels to the server inside a quoted string of a script, byte for byte, and a script is
+// UTF-8.
 bool BreaksScript(unsigned char c)
 {
     return c == '"' || c == '\\' || c < 0x20 || c == 0x7F;
@@ -31,7 +33,7 @@ bool BreaksScript(unsigned char c)
 
 std::string StemFor(const fs::path& source)
 {
-    std::string strStem = source.stem().string();
+    std::string strStem = Utf8FromUtf16(Utf16FromUtf8(source.stem().string()));
     for (char& c : strStem)
     {
         c = BreaksScript(static_cast<unsigned char>(c)) ? '_' : c;
@@ -100,6 +102,17 @@ void CheckLength(const fs::path& folder, size_t nNameBytes)
 
 void CheckCharacters(const fs::path& folder)
 {
+    if (!IsUtf8(folder.string()))
+    {
+        throw CUsageError("the path of the capture folder " + folder.string() +
+                          " is not UTF-8, which is all that a script can carry - name another.");
+    }
+    // The link takes "/take.wav" for a name without a folder.
+    if (folder == folder.root_path())
+    {
+        throw CUsageError("captures in the root folder cannot be sent to a server - name another "
+                          "capture folder.");
+    }
     for (const char c : folder.string())
     {
         if (BreaksScript(static_cast<unsigned char>(c)))

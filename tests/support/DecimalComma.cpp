@@ -16,14 +16,15 @@ class CommaPunctuation : public std::numpunct<char>
 };
 } // namespace
 
-DecimalComma::DecimalComma() : m_previousC(std::setlocale(LC_ALL, nullptr))
+DecimalComma::DecimalComma(const char* szLocale)
+    : m_previousC(std::setlocale(LC_ALL, nullptr))
 {
 #ifdef TARVANE_TEST_LOCALES
     // Made by the build, so that no locale has to be installed.
     setenv("LOCPATH", TARVANE_TEST_LOCALES, 1);
 #endif
-    if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr)
-        throw std::runtime_error("There is no locale de_DE.UTF-8.");
+    if (std::setlocale(LC_ALL, szLocale) == nullptr)
+        throw std::runtime_error(std::string("There is no locale ") + szLocale + ".");
     m_previousCpp = std::locale::global(std::locale(std::locale::classic(), new CommaPunctuation));
 }
 

@@ -6,13 +6,13 @@
 namespace TarvaneTests
 {
 
-/// While it lives, the process is one of a user who writes 1.234,5: the C locale is German, and the
-/// C++ global locale has a decimal comma and groups of three. Throws std::runtime_error if the
-/// machine cannot provide that.
+/// While it lives, the process is one of a user who writes 1.234,5: the C locale is the one named,
+/// de_DE.UTF-8 or tr_TR.UTF-8, and the C++ global locale has a decimal comma and groups of three.
+/// Throws std::runtime_error if the machine cannot provide that.
 class DecimalComma
 {
 public:
-    DecimalComma();
+    explicit DecimalComma(const char* szLocale = "de_DE.UTF-8");
     ~DecimalComma();
     DecimalComma(const DecimalComma&) = delete;
     DecimalComma& operator=(const DecimalComma&) = delete;

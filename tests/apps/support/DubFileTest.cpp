@@ -163,12 +163,26 @@ TEST(DubFile, APathThatNoScriptCanCarryIsRefused)
 {
     CTemporaryFolder folder;
     WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
-    for (const char* szName : {"a\"b", "a\\b", "a\nb"})
+    for (const char* szName : {"a\"b", "a\\b", "a\nb", "a\xFFz"})
     {
         fs::create_directory(folder / szName);
         EXPECT_THAT(Refusal(folder / "a.wav", folder / szName), HasSubstr("name another"))
             << szName;
     }
+}
+
+TEST(DubFile, TheRootFolderIsRefused)
+{
+    CTemporaryFolder folder;
+    WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
+    EXPECT_THAT(Refusal(folder / "a.wav", "/"), HasSubstr("root folder"));
+}
+
+TEST(DubFile, BytesOfTheSourcesNameThatAreNoUtf8AreReplaced)
+{
+    CTemporaryFolder folder, captures;
+    WriteSound(folder / "Caf\xE9.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
+    EXPECT_EQ(Dub(folder / "Caf\xE9.wav", captures.Path()), captures / "Caf\uFFFD-001.wav");
 }
 
 TEST(DubFile, SuchCharactersInTheSourcesNameAreReplaced)
