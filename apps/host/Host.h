@@ -5,6 +5,7 @@
 #import "apps/host/LineSource.h"
 #include "apps/host/Options.h"
 #include "apps/host/PlugIn.h"
+#import "apps/host/StallWatch.h"
 #include "apps/support/ResultFolder.h"
 
 #include <functional>
@@ -50,6 +51,8 @@ class CHost : private ILineListener
         CHost& m_host;
     };
 
+    void OpenView();
+    void CloseView();
     void OpenLog();
     void WatchWindow();
     void WatchWakePipe();
@@ -66,6 +69,7 @@ class CHost : private ILineListener
     void WaitForAck(const CCaptureReport& report);
     void Tell(const CCaptureReport& report);
     void WriteResults();
+    void WriteCaptures();
     void GoOn(const CCaptureEntry& entry);
 
     // Commands.
@@ -87,7 +91,9 @@ class CHost : private ILineListener
     std::shared_ptr<std::FILE> m_pLog;
     std::optional<CResultFolder> m_results;
 
-    CPlugIn m_plugIn; // outlives the view
+    CStalls m_stalls;
+    std::optional<CStallWatch> m_stallWatch; // only when stalls are to be told
+    CPlugIn m_plugIn;                        // outlives the view
     std::unique_ptr<CLinkView> m_pView;
     LineSource* m_commands = nullptr;
     LineSource* m_wakes = nullptr;

@@ -56,7 +56,7 @@ CHost::CHost(const HostOptions& options, const HostPlan& plan)
     // that this call runs, what the view shows is settled.
     m_plugIn->SetObserver([this](const CCaptureReport& report)
                           { CallOnMainThread(OnMain([=, this] { CaptureChanged(report); })); });
-    m_pView = std::make_unique<CLinkView>(m_plan.bundle, m_plugIn.Unit());
+    OpenView();
     OpenLog();
     if (!m_options.strResults.empty())
     {
@@ -89,11 +89,36 @@ CHost::~CHost()
         RunWhatWaits();
     }
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-    m_pView.reset();
+    CloseView();
     [m_commands release];
     [m_wakes release];
     [m_windowClosed release];
     [pool drain];
+}
+
+void CHost::OpenView()
+{
+    const CStalls::CStay stay(m_stalls, StallCause::Opening);
+    m_pView = std::make_unique<CLinkView>(m_plan.bundle, m_plugIn.Unit());
+    if (m_options.fStalls)
+    {
+        m_stallWatch.emplace(m_pView->ViewClass(), m_stalls);
+    }
+}
+
+void CHost::CloseView()
+{
+    {
+        const CStalls::CStay stay(m_stalls, StallCause::Closing);
+        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+        m_pView.reset();
+        [pool drain];
+    }
+    if (m_options.fStalls)
+    {
+        std::fputs(m_stalls.Tell().c_str(), m_pStory);
+        Guarded([this] { WriteCaptures(); });
+    }
 }
 
 void CHost::OpenLog()
@@ -320,6 +345,15 @@ void CHost::Tell(const CCaptureReport& report)
 
 void CHost::WriteResults()
 {
+    WriteCaptures();
+    if (m_results)
+    {
+        m_results->WriteText(kPictureName, m_pView->Picture());
+    }
+}
+
+void CHost::WriteCaptures()
+{
     if (!m_results)
     {
         return;
@@ -333,8 +367,12 @@ void CHost::WriteResults()
             m_results->Adopt(entry.report.dub);
         }
     }
-    m_results->WriteText(kResultsName, JsonText({{"captures", captures}}, 2) + "\n");
-    m_results->WriteText(kPictureName, m_pView->Picture());
+    nlohmann::json results = {{"captures", captures}};
+    if (m_options.fStalls)
+    {
+        results["stalls"] = m_stalls.Describe();
+    }
+    m_results->WriteText(kResultsName, JsonText(results, 2) + "\n");
 }
 
 void CHost::GoOn(const CCaptureEntry& entry)

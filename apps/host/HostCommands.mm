@@ -85,6 +85,11 @@ void CHost::ObeyWords(std::istream& words, const std::string& strCommand)
     {
         Answer(State());
     }
+    else if (strCommand == "stalls")
+    {
+        m_options.fStalls ? Answer({{"stalls", m_stalls.Describe()}})
+                          : Refuse("nothing is measured - start the host with --stalls.");
+    }
     else if (strCommand == "quit")
     {
         Answer(nlohmann::json::object());
@@ -93,7 +98,7 @@ void CHost::ObeyWords(std::istream& words, const std::string& strCommand)
     else
     {
         Refuse("no such command - use capture FILE [SAMPLES], track N, open-menu, "
-               "screenshot PATH, arm, disarm, state or quit.");
+               "screenshot PATH, arm, disarm, state, stalls or quit.");
     }
 }
 

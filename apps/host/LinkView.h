@@ -26,6 +26,7 @@ class CLinkView
     CLinkView(const CLinkView&) = delete;
     CLinkView& operator=(const CLinkView&) = delete;
 
+    Class ViewClass() const { return [m_view class]; }
     NSWindow* Window() const { return m_window; }
 
     ViewWords Words() const;

@@ -26,6 +26,7 @@ struct HostOptions
     SignalFaults faults;      // of the plug-in; none: it keeps to its side of the protocol
     bool fHeadless = false;
     bool fCommands = false;
+    bool fStalls = false;
 };
 
 void DeclareOptions(CLI::App& app, HostOptions& options);
