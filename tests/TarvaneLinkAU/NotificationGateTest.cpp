@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <latch>
+#include <thread>
+#include <vector>
 
 namespace
 {
@@ -44,5 +47,40 @@ TEST(NotificationGate, ClosingWaitsForWhoeverIsInside)
     gate.Close();
     EXPECT_EQ(nWrittenInside, 1000);
     visitor.join();
+}
+
+// Many gates, since the moment between a look at the gate and the step through it is short.
+TEST(NotificationGate, NobodyIsInsideOnceClosingHasReturned)
+{
+    struct Door
+    {
+        CNotificationGate gate;
+        std::atomic<bool> fEntered{false}, fGone{false};
+    };
+    std::vector<Door> doors(200);
+    std::atomic<int> nInsideOfNothing{0};
+    std::thread visitor(
+        [&]
+        {
+            for (Door& door : doors)
+            {
+                for (bool fOpen = true; fOpen;)
+                {
+                    CNotificationGate::CPass pass(door.gate);
+                    fOpen = bool(pass);
+                    door.fEntered = true;
+                    nInsideOfNothing += fOpen && door.fGone;
+                }
+            }
+        });
+    for (Door& door : doors)
+    {
+        while (!door.fEntered)
+            std::this_thread::yield();
+        door.gate.Close();
+        door.fGone = true;
+    }
+    visitor.join();
+    EXPECT_EQ(nInsideOfNothing, 0);
 }
 } // namespace
