@@ -18,3 +18,19 @@ CFRunLoopRef CFRunLoopGetMain(void)
     platform::Pool pool;
     return (CFRunLoopRef)[NSThread mainThread];
 }
+
+CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds,
+                                      Boolean returnAfterSourceHandled)
+{
+    platform::Pool pool;
+    NSDate* end = [NSDate dateWithTimeIntervalSinceNow:seconds];
+    do
+    {
+        platform::Pool passPool;
+        if (![[NSRunLoop currentRunLoop] runMode:(NSString*)mode beforeDate:end])
+            return kCFRunLoopRunFinished;
+        if ([end timeIntervalSinceNow] <= 0)
+            return kCFRunLoopRunTimedOut;
+    } while (!returnAfterSourceHandled);
+    return kCFRunLoopRunHandledSource;
+}

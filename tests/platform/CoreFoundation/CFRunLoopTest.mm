@@ -63,3 +63,30 @@ TEST(CFRunLoop, MainThreadIsAskedThroughItsRunLoop)
     EXPECT_EQ(target->m_nTimes, 1);
     [pool drain];
 }
+
+TEST(CFRunLoop, RunsUntilTheFirstSourceIfThatIsAskedFor)
+{
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    NSPipe* pipe = [NSPipe pipe];
+    [[pipe fileHandleForReading] waitForDataInBackgroundAndNotify];
+    [[pipe fileHandleForWriting] writeData:[NSData dataWithBytes:"x" length:1]];
+    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 100.0, true), kCFRunLoopRunHandledSource);
+    [pool drain];
+}
+
+TEST(CFRunLoop, RunsForItsTimeOtherwise)
+{
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    TestPerformed* target = [[[TestPerformed alloc] init] autorelease];
+    [target performSelectorOnMainThread:@selector(perform) withObject:nil waitUntilDone:NO];
+    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, false), kCFRunLoopRunTimedOut);
+    EXPECT_EQ(target->m_nTimes, 1);
+    [pool drain];
+}
+
+TEST(CFRunLoop, DoesNotWaitInAModeWithoutSources)
+{
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    EXPECT_EQ(CFRunLoopRunInMode((CFRunLoopMode) @"nobody's", 100.0, false), kCFRunLoopRunFinished);
+    [pool drain];
+}
