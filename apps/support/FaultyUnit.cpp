@@ -1,16 +1,9 @@
 #include "apps/support/FaultyUnit.h"
 
-#include "TarvaneLinkAU/TarvaneLinkProperties.h"
-#include "apps/support/PropertyLog.h"
 #include "apps/support/SignalSide.h"
 #include "apps/support/UnitComponent.h"
 
-#include <algorithm>
-#include <chrono>
-#include <cstddef>
-#include <cstring>
 #include <filesystem>
-#include <limits>
 #include <stdexcept>
 
 namespace Tarvane
@@ -23,44 +16,11 @@ constexpr AudioUnitPropertyID kHeard[] = {TNProperty_Elements, TNProperty_ArmCap
                                           TNProperty_CurrentSampleInTimeLine,
                                           kTNProperty_CurrentCaptureLength};
 
-constexpr UInt32 kShortRecord = offsetof(TNCaptureElement, tDub);
 constexpr int kManyThreads = 16;
 constexpr int kStormAMillisecond = 100;
-
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinite = std::numeric_limits<double>::infinity();
-
-template <size_t nSize> void FillUp(char (&szPath)[nSize])
-{
-    const size_t nLength = strnlen(szPath, nSize);
-    std::memset(szPath + nLength, 'x', nSize - nLength);
-}
-
-void Spoil(TNCaptureElement& record, const SignalFaults& faults)
-{
-    const auto has = [&](SignalFault fault) { return faults.count(fault) != 0; };
-    if (has(SignalFault::PathsUnterminated))
-    {
-        FillUp(record.szGuidePath);
-        FillUp(record.szDubPath);
-    }
-    if (has(SignalFault::NanPosition))
-    {
-        record.tDub.dPosition = kNan;
-    }
-    if (has(SignalFault::InfinitePosition))
-    {
-        record.tDub.dPosition = kInfinite;
-    }
-    if (has(SignalFault::NanRegion))
-    {
-        record.tDub.dStart = record.tDub.dEnd = kNan;
-    }
-    if (has(SignalFault::InfiniteRegion))
-    {
-        record.tDub.dEnd = kInfinite;
-    }
-}
+constexpr std::uintmax_t kHeaderAlone = 44; // bytes of the plainest sound file
+constexpr std::chrono::milliseconds kLate{50};
+constexpr int kNotificationsFromBeyond = 200; // a millisecond apart
 
 } // namespace
 
@@ -91,11 +51,32 @@ CFaultyUnit::~CFaultyUnit()
         thread.join();
     }
     AudioComponentInstanceDispose(m_pInner);
+    if (Has(SignalFault::NotifiesAfterDisposal))
+    {
+        NotifyFromBeyond();
+    }
+}
+
+void CFaultyUnit::NotifyFromBeyond() const
+{
+    // Nobody is left to wait for it.
+    std::thread(
+        [pListeners = m_pListeners, pUnit = m_pUnit]
+        {
+            for (int n = 0; n < kNotificationsFromBeyond; ++n)
+            {
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                pListeners->Notify(pUnit, kTNProperty_CurrentCaptureLength, kAudioUnitScope_Global,
+                                   0);
+            }
+        })
+        .detach();
 }
 
 void CFaultyUnit::Begin(const SignalFaults& faults)
 {
     m_faults = faults;
+    m_pListeners->Begin(faults);
     const int nThreads =
         Has(SignalFault::SixteenThreads) || Has(SignalFault::DisposedWhileNotifying) ? kManyThreads
                                                                                      : 0;
@@ -111,7 +92,7 @@ void CFaultyUnit::Begin(const SignalFaults& faults)
 
 void CFaultyUnit::Storm(int nTimesAMillisecond)
 {
-    auto next = std::chrono::steady_clock::now();
+    auto next = Clock::now();
     while (!m_fEnding)
     {
         for (int n = 0; n < nTimesAMillisecond; ++n)
@@ -141,104 +122,76 @@ void CFaultyUnit::PassOn(AudioUnitPropertyID nId)
     {
         return;
     }
-    if (nId == TNProperty_Elements && Has(SignalFault::FileDiscarded))
+    if (nId == TNProperty_Elements)
     {
-        DiscardFile();
+        PassOnElement();
+        return;
     }
     Notify(nId);
-    if (nId == TNProperty_Elements && Has(SignalFault::IndexNeverNegative))
+    if (nId == kTNProperty_CurrentCaptureLength && Has(SignalFault::PositionRaised))
     {
-        Notify(nId);
+        Notify(TNProperty_CurrentSampleInTimeLine);
     }
+}
+
+void CFaultyUnit::PassOnElement()
+{
+    const SInt32 nElement = m_nAnnounced++;
+    TNCaptureElement record;
+    if (RecordOfInner(nElement, record) == noErr)
+    {
+        std::error_code ignored;
+        if (Has(SignalFault::FileDiscarded))
+        {
+            std::filesystem::remove(record.szDubPath, ignored);
+        }
+        if (Has(SignalFault::FileUnfinished))
+        {
+            std::filesystem::resize_file(record.szDubPath, kHeaderAlone, ignored);
+        }
+    }
+    if (Has(SignalFault::ElementReplaced))
+    {
+        ForgetEarlier(nElement);
+    }
+    if (Has(SignalFault::LastFirst))
+    {
+        PutFirst(nElement);
+    }
+    if (Has(SignalFault::ElementLate))
+    {
+        m_hiddenUntil = Clock::now() + kLate;
+    }
+    Notify(TNProperty_Elements);
+    if (Has(SignalFault::IndexNeverNegative))
+    {
+        Notify(TNProperty_Elements);
+    }
+}
+
+void CFaultyUnit::ForgetEarlier(SInt32 nElement)
+{
+    for (SInt32 nNext; (nNext = NextOfInner()) >= 0 && nNext < nElement;)
+    {
+        const TNElementAck ack{nNext, 1, 1, 1};
+        AudioUnitSetProperty(m_pInner, TNProperty_ElementDone, kAudioUnitScope_Global, 0, &ack,
+                             sizeof ack);
+    }
+}
+
+void CFaultyUnit::PutFirst(SInt32 nElement)
+{
+    const SInt32 nNext = NextOfInner();
+    TNCaptureElement record;
+    RecordOfInner(nElement, record);
+    std::lock_guard lock(m_mutex);
+    m_records.push_back(record);
+    std::swap(m_records.back(), m_records.at(static_cast<size_t>(nNext)));
 }
 
 void CFaultyUnit::Notify(AudioUnitPropertyID nId)
 {
-    m_listeners.Notify(m_pUnit, nId, kAudioUnitScope_Global, 0);
-}
-
-void CFaultyUnit::DiscardFile() const
-{
-    SInt32 nElement = -1;
-    UInt32 nSize = sizeof nElement;
-    AudioUnitGetProperty(m_pInner, TNProperty_NextElement, kAudioUnitScope_Global, 0, &nElement,
-                         &nSize);
-    TNCaptureElement record;
-    nSize = sizeof record;
-    if (AudioUnitGetProperty(m_pInner, TNProperty_ElementInfo, kAudioUnitScope_Global,
-                             static_cast<AudioUnitElement>(nElement), &record, &nSize) == noErr)
-    {
-        std::error_code ignored;
-        std::filesystem::remove(record.szDubPath, ignored);
-    }
-}
-
-OSStatus CFaultyUnit::GetPropertyInfo(AudioUnitPropertyID nId, AudioUnitScope nScope,
-                                      AudioUnitElement nElement, UInt32* pnSize,
-                                      Boolean* pfWritable) const
-{
-    return AudioUnitGetPropertyInfo(m_pInner, nId, nScope, nElement, pnSize, pfWritable);
-}
-
-OSStatus CFaultyUnit::GetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope,
-                                  AudioUnitElement nElement, void* pData, UInt32* pnSize)
-{
-    if (nId == TNProperty_ElementInfo)
-    {
-        return GetRecord(nElement, pData, pnSize);
-    }
-    const OSStatus nStatus = AudioUnitGetProperty(m_pInner, nId, nScope, nElement, pData, pnSize);
-    if (nStatus == noErr && nId == TNProperty_NextElement && Has(SignalFault::IndexNeverNegative))
-    {
-        SInt32 nIndex = 0;
-        std::memcpy(&nIndex, pData, sizeof nIndex);
-        if (nIndex >= 0)
-        {
-            m_nLastElement = nIndex;
-        }
-        nIndex = m_nLastElement;
-        std::memcpy(pData, &nIndex, sizeof nIndex);
-    }
-    return nStatus;
-}
-
-OSStatus CFaultyUnit::GetRecord(AudioUnitElement nElement, void* pData, UInt32* pnSize)
-{
-    TNCaptureElement record;
-    UInt32 nSize = std::min<UInt32>(*pnSize, sizeof record);
-    const OSStatus nStatus = AudioUnitGetProperty(
-        m_pInner, TNProperty_ElementInfo, kAudioUnitScope_Global, nElement, &record, &nSize);
-    if (nStatus != noErr)
-    {
-        return nStatus;
-    }
-    Spoil(record, m_faults);
-    *pnSize = Has(SignalFault::RecordShort) ? kShortRecord : nSize;
-    std::memcpy(pData, &record, *pnSize);
-    return noErr;
-}
-
-bool CFaultyUnit::IsIgnored(AudioUnitPropertyID nId) const
-{
-    return (nId == TNProperty_ElementDone && Has(SignalFault::AckIgnored)) ||
-           (nId == TNProperty_SetArmCapture && Has(SignalFault::ArmIgnored)) ||
-           (nId == TNProperty_SelectedTrack && Has(SignalFault::TrackForgotten));
-}
-
-OSStatus CFaultyUnit::SetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope,
-                                  AudioUnitElement nElement, const void* pData, UInt32 nSize)
-{
-    if (nId == kFaultyUnitProperty_Faults)
-    {
-        Begin(*static_cast<const SignalFaults*>(pData));
-        return noErr;
-    }
-    if (IsIgnored(nId))
-    {
-        CSignalSide::Of(m_pInner)->Log(DescribeWrite(nId, pData, nSize) + " - ignored");
-        return noErr;
-    }
-    return AudioUnitSetProperty(m_pInner, nId, nScope, nElement, pData, nSize);
+    m_pListeners->Notify(m_pUnit, nId, kAudioUnitScope_Global, 0);
 }
 
 } // namespace Tarvane

@@ -2,12 +2,16 @@
 // way what it has been asked to break. The signal side behind it stays whole and knows nothing.
 #pragma once
 
-#include "apps/support/PropertyListeners.h"
+#include "TarvaneLinkAU/TarvaneLinkProperties.h"
+#include "apps/support/FaultyListeners.h"
 #include "apps/support/SignalFaults.h"
 
 #include <AudioUnit/AudioUnit.h>
 
 #include <atomic>
+#include <chrono>
+#include <memory>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -42,28 +46,49 @@ public:
                          const void* pData, UInt32 nSize);
     // Asks the threads of its own to end, and waits for nothing.
     void Stop() { m_fEnding = true; }
-    CPropertyListeners& Listeners() { return m_listeners; }
+    CFaultyListeners& Listeners() { return *m_pListeners; }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     static void Hear(void* pUserData, AudioUnit, AudioUnitPropertyID nId, AudioUnitScope,
                      AudioUnitElement);
 
     bool Has(SignalFault fault) const { return m_faults.count(fault) != 0; }
     void Begin(const SignalFaults& faults);
-    bool IsDropped(AudioUnitPropertyID nId) const;
-    bool IsIgnored(AudioUnitPropertyID nId) const;
-    void PassOn(AudioUnitPropertyID nId);
-    void Notify(AudioUnitPropertyID nId);
-    void DiscardFile() const;
-    OSStatus GetRecord(AudioUnitElement nElement, void* pData, UInt32* pnSize);
     void Storm(int nTimesAMillisecond);
+    void NotifyFromBeyond() const;
+
+    bool IsDropped(AudioUnitPropertyID nId) const;
+    void PassOn(AudioUnitPropertyID nId);
+    void PassOnElement();
+    void Notify(AudioUnitPropertyID nId);
+
+    bool IsRefused(AudioUnitPropertyID nId) const;
+    bool IsIgnored(AudioUnitPropertyID nId, const void* pData) const;
+    bool IsHidden() const { return Clock::now() < m_hiddenUntil.load(); }
+    OSStatus GetWhole(AudioUnitPropertyID nId, AudioUnitElement nElement, void* pData,
+                      UInt32* pnSize);
+    OSStatus GetRecord(AudioUnitElement nElement, void* pData, UInt32* pnSize) const;
+    OSStatus TakeAck(TNElementAck ack);
+    SInt32 SpoilIndex(SInt32 nIndex);
+
+    SInt32 NextOfInner() const;
+    OSStatus RecordOfInner(SInt32 nElement, TNCaptureElement& record) const;
+    void ForgetEarlier(SInt32 nElement);
+    void PutFirst(SInt32 nElement);
 
     AudioUnit m_pUnit = nullptr;
     AudioUnit m_pInner = nullptr;
-    CPropertyListeners m_listeners;
+    // Outlives the unit where that is the fault.
+    const std::shared_ptr<CFaultyListeners> m_pListeners = std::make_shared<CFaultyListeners>();
     SignalFaults m_faults; // does not change any more once somebody listens
+    std::atomic<SInt32> m_nAnnounced = 0;
     std::atomic<SInt32> m_nLastElement = 0;
+    std::atomic<Clock::time_point> m_hiddenUntil{};
     std::atomic<bool> m_fEnding = false;
+    mutable std::mutex m_mutex;
+    std::vector<TNCaptureElement> m_records; // in the order of delivery; guarded by the mutex
     std::vector<std::thread> m_threads;
 };
 

@@ -26,6 +26,22 @@ enum class SignalFault
     SixteenThreads,         // 64010 from 16 threads all the time
     Storm,                  // 64010 a hundred thousand times a second
     DisposedWhileNotifying, // the unit goes before the view, while 16 threads notify
+    ReadsRefused,           // 64004, 64007, 64009 and 64010 cannot be read
+    Overrun,                // values are written whole, however little room there is
+    UnknownAccepted,        // every property is taken for one of the unit's own
+    InfoMissing,            // neither sizes nor what may be written can be asked for
+    NanLength,              // 64010
+    PositionRaised,         // 64006 is raised beside 64010
+    ElementLate,            // 64000 is raised 50 ms before 64007 and 64002 have the element
+    ElementReplaced,        // an element takes the place of one that waits
+    LastFirst,              // of two elements that wait, the later one is delivered first
+    FileUnfinished,         // the dub is announced with its header alone
+    AckPadding,             // acknowledges whose last byte is not 0 are not taken in
+    AckUnmatched,           // any acknowledge is taken for the element to deliver
+    ListenersKept,          // removal is answered, and changes nothing
+    ListenersConfused,      // removal goes by the procedure, whatever the user data
+    NotifiesAfterDisposal,  // 64010 goes on for a while
+    StateShared,            // 64009 is one for all instances
 };
 
 using SignalFaults = std::set<SignalFault>;

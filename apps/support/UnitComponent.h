@@ -27,6 +27,17 @@ public:
         return pRegistered;
     }
 
+    // The component's factory function.
+    static AudioComponentPlugInInterface* MakeInstance(const AudioComponentDescription*)
+    {
+        auto* pInstance = new Instance;
+        pInstance->Open = &Open;
+        pInstance->Close = &Close;
+        pInstance->Lookup = &Lookup;
+        pInstance->reserved = nullptr;
+        return pInstance;
+    }
+
 private:
     // The interface comes first: its address is the "self" of every entry point.
     struct Instance : AudioComponentPlugInInterface
@@ -134,16 +145,6 @@ private:
         default:
             return nullptr;
         }
-    }
-
-    static AudioComponentPlugInInterface* MakeInstance(const AudioComponentDescription*)
-    {
-        auto* pInstance = new Instance;
-        pInstance->Open = &Open;
-        pInstance->Close = &Close;
-        pInstance->Lookup = &Lookup;
-        pInstance->reserved = nullptr;
-        return pInstance;
     }
 };
 
