@@ -33,6 +33,16 @@ function(tarvane_add_program target)
   target_link_libraries(${target} PRIVATE ${arg_LINK})
 endfunction()
 
+# tarvane_add_plugin(<target> SOURCES ... [LINK ...])
+# A library that is loaded while a program runs, called as its target is.
+function(tarvane_add_plugin target)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${target} MODULE ${arg_SOURCES})
+  tarvane_target_defaults(${target})
+  set_target_properties(${target} PROPERTIES PREFIX "")
+  target_link_libraries(${target} PRIVATE ${arg_LINK})
+endfunction()
+
 # tarvane_add_test(<target> SOURCES ... [LINK ...] [TIMEOUT seconds] [NO_MAIN] [DISPLAY])
 # A GoogleTest program; CTest discovers its cases. NO_MAIN: the sources bring their own main().
 # DISPLAY: the cases open windows on the one display, or use its mouse, and so run one after another

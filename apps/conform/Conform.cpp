@@ -1,5 +1,6 @@
 #include "apps/conform/Conform.h"
 
+#include "apps/conform/PlugInExamination.h"
 #include "apps/conform/Report.h"
 #include "apps/conform/ServerExamination.h"
 #include "apps/conform/ServerRules.h"
@@ -20,6 +21,8 @@ struct Options
     bool fJson = false;
     bool fList = false;
     ServerOptions server{};
+    PlugInOptions plugIn{};
+    std::string strAlone{}; // the rule that is this process's
 };
 
 int Tell(const char* szParty, const Findings& findings, bool fJson)
@@ -58,6 +61,43 @@ void DeclareServer(CLI::App& app, Options& options)
         ->check(CLI::Range(kShortestTimeout, kLongestTimeout));
 }
 
+int PlugIn(const Options& options)
+{
+    if (options.fList)
+    {
+        const std::vector<PlugInRule> rules = PlugInRules();
+        std::cout << RulesText("plug-in", {rules.begin(), rules.end()});
+        return kExitDone;
+    }
+    if (options.plugIn.strLibrary.empty())
+        throw CUsageError("name the LIBRARY with the plug-in's signal side.");
+    if (!options.strAlone.empty())
+        ExamineRuleAndEnd(options.plugIn, options.strAlone);
+    return Tell("plug-in", ExaminePlugIn(options.plugIn), options.fJson);
+}
+
+CLI::App* DeclarePlugIn(CLI::App& app, Options& options)
+{
+    CLI::App* pPlugIn = app.add_subcommand(
+        "plugin", "Examines the signal side of a plug-in, loaded from a shared library: each rule "
+                  "on an instance of its own, in a process of its own.");
+    pPlugIn->add_option("LIBRARY", options.plugIn.strLibrary,
+                        "Exports TarvaneLinkSignalSideFactory, and TarvaneConformPlay if it is to "
+                        "capture (apps/conform/PlugInEntry.h)");
+    pPlugIn->add_flag("--json", options.fJson, "Tell the findings as JSON.");
+    pPlugIn->add_flag("--list", options.fList, "Tell the rules, and examine nothing.");
+    pPlugIn->add_option("--rule", options.plugIn.rules,
+                        "Examine this rule; may be given more than once [all]");
+    pPlugIn
+        ->add_option("--timeout", options.plugIn.dTimeout,
+                     "Seconds to wait for what must come; a rule that takes four times as long "
+                     "is ended")
+        ->capture_default_str()
+        ->check(CLI::Range(kShortestTimeout, kLongestTimeout));
+    pPlugIn->add_option("--examine", options.strAlone)->group(""); // how it starts itself
+    return pPlugIn;
+}
+
 } // namespace
 
 int RunConform(int argc, char** argv)
@@ -69,7 +109,9 @@ int RunConform(int argc, char** argv)
     app.require_subcommand(1);
     Options options;
     DeclareServer(app, options);
-    return RunProgram(app, argc, argv, [&options] { return Server(options); });
+    const CLI::App* pPlugIn = DeclarePlugIn(app, options);
+    return RunProgram(app, argc, argv,
+                      [&] { return pPlugIn->parsed() ? PlugIn(options) : Server(options); });
 }
 
 } // namespace Tarvane::Conform

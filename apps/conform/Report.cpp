@@ -12,20 +12,6 @@ const char* NameOf(Level level)
     return level == Level::Must ? "MUST" : "SHOULD";
 }
 
-const char* NameOf(Outcome outcome)
-{
-    switch (outcome)
-    {
-    case Outcome::Kept:
-        return "kept";
-    case Outcome::Broken:
-        return "broken";
-    case Outcome::NotExamined:
-        break;
-    }
-    return "not examined";
-}
-
 std::string Sentence(const char* szParty, const Rule& rule)
 {
     return std::string("The ") + szParty + " " + NameOf(rule.level) + " " + rule.szText + ".";
@@ -47,6 +33,20 @@ std::string Summary(const Findings& findings, Level level)
 }
 
 } // namespace
+
+const char* NameOf(Outcome outcome)
+{
+    switch (outcome)
+    {
+    case Outcome::Kept:
+        return "kept";
+    case Outcome::Broken:
+        return "broken";
+    case Outcome::NotExamined:
+        break;
+    }
+    return "not examined";
+}
 
 std::string FindingsText(const char* szParty, const Findings& findings)
 {

@@ -7,6 +7,9 @@
 namespace Tarvane::Conform
 {
 
+/// "kept", "broken" or "not examined".
+const char* NameOf(Outcome outcome);
+
 /// szParty: "server" or "plug-in".
 
 /// A line a rule, below what is not kept what was seen, and why a broken one matters; a summary

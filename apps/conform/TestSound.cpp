@@ -3,12 +3,9 @@
 #include "apps/support/SoundFile.h"
 
 #include <array>
-#include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <random>
 #include <stdexcept>
-#include <stdlib.h>
 
 namespace Tarvane::Conform
 {
@@ -41,31 +38,15 @@ void Write(const std::string& strPath, const Samples& samples)
                                  "; free space, or set TMPDIR to a folder that can be written.");
 }
 
-std::filesystem::path NewFolder()
-{
-    std::string strPath =
-        (std::filesystem::temp_directory_path() / "tarvane-conform-XXXXXX").string();
-    if (mkdtemp(strPath.data()) == nullptr)
-        throw std::runtime_error("no folder can be made at " + strPath + ": " +
-                                 std::strerror(errno) + "; set TMPDIR to one that can be written.");
-    return strPath;
-}
-
 } // namespace
 
-CTestSound::CTestSound() : m_folder(NewFolder())
+CTestSound::CTestSound()
 {
     const Samples samples = Noise();
     Write(Take(), samples);
     Write(SameTake(), samples);
     Write(OtherTake(), Noise());
     std::ofstream(NoSound()) << "no sound\n";
-}
-
-CTestSound::~CTestSound()
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(m_folder, ignored);
 }
 
 } // namespace Tarvane::Conform

@@ -1,13 +1,14 @@
 /// Sound files that no track holds yet.
 #pragma once
 
-#include <filesystem>
+#include "apps/conform/WorkFolder.h"
+
 #include <string>
 
 namespace Tarvane::Conform
 {
 
-/// Noise in a folder of its own under the temporary folder; removed with the object.
+/// Noise in a work folder.
 class CTestSound
 {
 public:
@@ -16,21 +17,18 @@ public:
 
     /// Throws std::runtime_error, in words for the user, when they cannot be written.
     CTestSound();
-    ~CTestSound();
-    CTestSound(const CTestSound&) = delete;
-    CTestSound& operator=(const CTestSound&) = delete;
 
-    std::string Take() const { return (m_folder / "take.wav").string(); }
+    std::string Take() const { return (m_folder.Path() / "take.wav").string(); }
     /// The same samples under another name.
-    std::string SameTake() const { return (m_folder / "same.wav").string(); }
-    std::string OtherTake() const { return (m_folder / "other.wav").string(); }
+    std::string SameTake() const { return (m_folder.Path() / "same.wav").string(); }
+    std::string OtherTake() const { return (m_folder.Path() / "other.wav").string(); }
     /// There is no such file.
-    std::string Missing() const { return (m_folder / "missing.wav").string(); }
+    std::string Missing() const { return (m_folder.Path() / "missing.wav").string(); }
     /// A file without sound.
-    std::string NoSound() const { return (m_folder / "text.wav").string(); }
+    std::string NoSound() const { return (m_folder.Path() / "text.wav").string(); }
 
 private:
-    std::filesystem::path m_folder;
+    CWorkFolder m_folder;
 };
 
 } // namespace Tarvane::Conform

@@ -1,15 +1,14 @@
 // The program as it is run, on a bus of the test's own, with a server beside it.
 
 #include "apps/support/ChildProcess.h"
+#include "tests/apps/conform/ConformFixture.h"
 #include "tests/apps/link/ScriptedServer.h"
 #include "tests/apps/support/ManualPage.h"
 #include "tests/apps/support/TemporaryFolder.h"
 #include "tests/support/PrivateBus.h"
 
 #include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
 
-#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,41 +20,13 @@ using testing::HasSubstr;
 namespace
 {
 
-constexpr std::chrono::seconds kAnyTime{200};
-
 class ConformProgram : public testing::Test
 {
 protected:
-    struct Ended
-    {
-        int nExitCode;
-        std::string strOutput;
-        std::string strError;
-
-        // The rules with this outcome.
-        std::vector<std::string> Rules(const std::string& strOutcome) const
-        {
-            std::vector<std::string> names;
-            const nlohmann::json findings = nlohmann::json::parse(strOutput);
-            for (const auto& rule : findings["rules"])
-                if (rule["outcome"] == strOutcome)
-                    names.push_back(rule["rule"]);
-            return names;
-        }
-    };
-
-    static Ended Run(std::vector<std::string> arguments)
-    {
-        arguments.insert(arguments.begin(), CONFORM_PROGRAM);
-        Tarvane::CChildProcess conform(arguments);
-        const int nExitCode = conform.WaitForEnd(kAnyTime).value_or(-1);
-        return {nExitCode, conform.Output(), conform.ErrorOutput()};
-    }
-
-    static Ended Examine(std::vector<std::string> arguments = {})
+    static ConformEnded Examine(std::vector<std::string> arguments = {})
     {
         arguments.insert(arguments.begin(), {"server", "--json"});
-        return Run(arguments);
+        return RunConform(arguments);
     }
 
     void StartServer(std::vector<std::string> arguments = {})
@@ -97,7 +68,7 @@ protected:
 TEST_F(ConformProgram, ReferenceServerKeepsEveryRule)
 {
     StartServer();
-    const Ended ended = Examine();
+    const ConformEnded ended = Examine();
     EXPECT_EQ(ended.nExitCode, 0) << ended.strError;
     EXPECT_THAT(ended.Rules("broken"), testing::IsEmpty()) << ended.strOutput;
     EXPECT_THAT(ended.Rules("not examined"), testing::IsEmpty()) << ended.strOutput;
@@ -115,7 +86,7 @@ TEST_F(ConformProgram, LeavesATrackWithoutRegions)
 TEST_F(ConformProgram, TrackWithRegionsIsRefusedUnlessTheyMayGo)
 {
     StartScripted({"GetTrackCount=>2\n", "GetRegionCount=>3\n", "print=>1\n"});
-    const Ended refused = Examine();
+    const ConformEnded refused = Examine();
     EXPECT_EQ(refused.nExitCode, 2);
     EXPECT_THAT(refused.strError, HasSubstr("track 1 has regions"));
     EXPECT_EQ(Examine({"--clear"}).nExitCode, 1);
@@ -124,7 +95,7 @@ TEST_F(ConformProgram, TrackWithRegionsIsRefusedUnlessTheyMayGo)
 TEST_F(ConformProgram, TrackThatIsNotThereIsRefused)
 {
     StartServer();
-    const Ended ended = Examine({"--track", "2"});
+    const ConformEnded ended = Examine({"--track", "2"});
     EXPECT_EQ(ended.nExitCode, 2);
     EXPECT_THAT(ended.strError, HasSubstr("2 tracks"));
 }
@@ -133,7 +104,7 @@ TEST_F(ConformProgram, RegionsOfAServerThatDoesNotCountThemAreNotPutAtRisk)
 {
     StartScripted({"AddAudioRegion(=>die", "DeleteRegion(=>die", "GetTrackCount=>2\n",
                    "GetRegionCount=>error:what is that?", "print=>1\n"});
-    const Ended ended = Examine();
+    const ConformEnded ended = Examine();
     EXPECT_EQ(ended.nExitCode, 1);
     EXPECT_TRUE(m_server->IsRunning());
     EXPECT_THAT(ended.Rules("not examined"), Contains("S19"));
@@ -141,7 +112,7 @@ TEST_F(ConformProgram, RegionsOfAServerThatDoesNotCountThemAreNotPutAtRisk)
 
 TEST_F(ConformProgram, WithoutAServerNothingIsExamined)
 {
-    const Ended ended = Examine();
+    const ConformEnded ended = Examine();
     EXPECT_EQ(ended.nExitCode, 2);
     EXPECT_THAT(ended.strError, HasSubstr("no server"));
     EXPECT_EQ(ended.strOutput, "");
@@ -151,7 +122,7 @@ TEST_F(ConformProgram, OnceAServerIsGoneTheOtherRulesAreNotExamined)
 {
     StartScripted({"'a'=>die", "GetTrackCount=>1\n", "GetRegionCount=>0\n", "print(0)=>0\n",
                    "print(1)=>1\n", "print(2)=>2\n", "print(3)=>3\n", "print(4)=>4\n"});
-    const Ended ended = Examine();
+    const ConformEnded ended = Examine();
     EXPECT_EQ(ended.nExitCode, 1);
     EXPECT_THAT(ended.Rules("kept"), testing::ElementsAre("S1"));
     EXPECT_THAT(ended.Rules("broken"), testing::ElementsAre("S2"));
@@ -188,7 +159,7 @@ TEST_F(ConformProgram, EventsThatAServerSendsItselfBreakNoRule)
 
 TEST_F(ConformProgram, RulesAreListedWithTheirReasonsAndNothingIsExamined)
 {
-    const Ended ended = Run({"server", "--list"});
+    const ConformEnded ended = RunConform({"server", "--list"});
     EXPECT_EQ(ended.nExitCode, 0);
     EXPECT_THAT(ended.strOutput, HasSubstr("S1 The server MUST answer"));
     EXPECT_THAT(ended.strOutput, HasSubstr("\n    Why: "));
@@ -198,7 +169,7 @@ TEST_F(ConformProgram, RulesAreListedWithTheirReasonsAndNothingIsExamined)
 TEST_F(ConformProgram, TellsInWordsWhatIsBrokenAndWhy)
 {
     StartScripted({"GetTrackCount=>2\n", "GetRegionCount=>0\n", "print=>1\n"});
-    const Ended ended = Run({"server"});
+    const ConformEnded ended = RunConform({"server"});
     EXPECT_EQ(ended.nExitCode, 1);
     EXPECT_THAT(ended.strOutput, HasSubstr("S1 broken: The server MUST answer every event"));
     EXPECT_THAT(ended.strOutput, HasSubstr("was answered with \"1\\n\""));
@@ -212,7 +183,8 @@ TEST_F(ConformProgram, TellsInWordsWhatIsBrokenAndWhy)
 TEST_F(ConformProgram, ManualPageHasEveryOption)
 {
     const std::string strPage = ManualPage(MAN_PAGE);
-    std::set<std::string> options = OptionsIn(Run({"--help"}).strOutput);
-    options.merge(OptionsIn(Run({"server", "--help"}).strOutput));
+    std::set<std::string> options = OptionsIn(RunConform({"--help"}).strOutput);
+    options.merge(OptionsIn(RunConform({"server", "--help"}).strOutput));
+    options.merge(OptionsIn(RunConform({"plugin", "--help"}).strOutput));
     EXPECT_EQ(OptionsIn(strPage), options);
 }

@@ -1,0 +1,86 @@
+// The host's signal side as a library of its own: what a plug-in that keeps the contract looks
+// like, and, with names of faults in TARVANE_MISBEHAVE, what one looks like that does not.
+#include "apps/conform/PlugInEntry.h"
+#include "apps/support/FaultyUnit.h"
+#include "apps/support/SignalSide.h"
+#include "apps/support/SoundFile.h"
+#include "apps/support/UnitComponent.h"
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+
+constexpr int kRate = 48000;
+constexpr std::size_t kFrames = 4800;
+constexpr double kPosition = 480000;
+
+const char* AskedFor()
+{
+    const char* szNames = std::getenv("TARVANE_MISBEHAVE");
+    return szNames == nullptr ? "" : szNames;
+}
+
+/// Does from the first what has been asked for.
+class CAskedUnit : public Tarvane::CFaultyUnit
+{
+public:
+    void SetUnit(AudioUnit pUnit)
+    {
+        CFaultyUnit::SetUnit(pUnit);
+        const Tarvane::SignalFaults faults = Tarvane::ParseSignalFaults(AskedFor());
+        SetProperty(Tarvane::kFaultyUnitProperty_Faults, kAudioUnitScope_Global, 0, &faults,
+                    sizeof faults);
+    }
+};
+
+fs::path WrittenSound(const fs::path& folder)
+{
+    const fs::path path = folder / "played.wav";
+    SF_INFO info{};
+    info.samplerate = kRate;
+    info.channels = 1;
+    info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+    const Tarvane::SoundFileHandle pFile(sf_open(path.c_str(), SFM_WRITE, &info));
+    const std::array<short, kFrames> silence{};
+    if (pFile)
+        sf_writef_short(pFile.get(), silence.data(), kFrames);
+    return path;
+}
+
+SInt32 TrackOf(AudioUnit pUnit)
+{
+    SInt32 nTrack = 0;
+    UInt32 nSize = sizeof nTrack;
+    AudioUnitGetProperty(pUnit, TNProperty_SelectedTrack, kAudioUnitScope_Global, 0, &nTrack,
+                         &nSize);
+    return nTrack;
+}
+
+} // namespace
+
+AudioComponentPlugInInterface*
+TarvaneLinkSignalSideFactory(const AudioComponentDescription* pDescription)
+{
+    using namespace Tarvane;
+    return *AskedFor() == '\0' ? UnitComponent<CSignalSide>::MakeInstance(pDescription)
+                               : UnitComponent<CAskedUnit>::MakeInstance(pDescription);
+}
+
+OSStatus TarvaneConformPlay(AudioUnit pUnit)
+try
+{
+    const fs::path folder = fs::temp_directory_path();
+    Tarvane::CSignalSide& side = *Tarvane::CSignalSide::Of(pUnit);
+    side.Configure({folder, 0.0, TrackOf(pUnit)});
+    side.SetSource({WrittenSound(folder), kPosition});
+    return noErr;
+}
+catch (const std::exception&)
+{
+    return kAudioUnitErr_FailedInitialization;
+}

@@ -1,0 +1,42 @@
+// Runs tarvane-conform, and reads what it found.
+#pragma once
+
+#include "apps/support/ChildProcess.h"
+
+#include <chrono>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace TarvaneTest
+{
+
+constexpr std::chrono::seconds kAnyTime{200};
+
+struct ConformEnded
+{
+    int nExitCode;
+    std::string strOutput;
+    std::string strError;
+
+    // The rules with this outcome.
+    std::vector<std::string> Rules(const std::string& strOutcome) const
+    {
+        std::vector<std::string> names;
+        const nlohmann::json findings = nlohmann::json::parse(strOutput);
+        for (const auto& rule : findings["rules"])
+            if (rule["outcome"] == strOutcome)
+                names.push_back(rule["rule"]);
+        return names;
+    }
+};
+
+inline ConformEnded RunConform(std::vector<std::string> arguments)
+{
+    arguments.insert(arguments.begin(), CONFORM_PROGRAM);
+    Tarvane::CChildProcess conform(arguments);
+    const int nExitCode = conform.WaitForEnd(kAnyTime).value_or(-1);
+    return {nExitCode, conform.Output(), conform.ErrorOutput()};
+}
+
+} // namespace TarvaneTest

@@ -1,0 +1,127 @@
+// Which fault of a plug-in breaks which rules: the host's signal side with each fault that it can
+// be asked for, examined in this process, since none of them ends one.
+#include "apps/conform/PlugInExamination.h"
+#include "apps/support/SignalFaults.h"
+#include "tests/apps/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <map>
+#include <set>
+#include <string>
+
+using namespace Tarvane;
+using namespace Tarvane::Conform;
+using namespace TarvaneTest;
+
+namespace
+{
+
+using Ids = std::set<std::string>;
+
+constexpr double kTimeout = 1.0; // seconds
+constexpr double kMoment = 0.02;
+
+class PlugInFaults : public testing::Test
+{
+protected:
+    PlugInFaults() { setenv("TMPDIR", m_folder.Path().c_str(), 1); }
+    ~PlugInFaults() override
+    {
+        unsetenv("TMPDIR");
+        unsetenv("TARVANE_MISBEHAVE");
+    }
+
+    static Findings Examine(const std::string& strFaults)
+    {
+        static const CPlugInLibrary library(SIGNAL_SIDE_LIBRARY);
+        setenv("TARVANE_MISBEHAVE", strFaults.c_str(), 1);
+        return ExamineInOrder(PlugInRules(),
+                              [](const PlugInRule& rule) {
+                                  return ExamineRule(rule, {library, kTimeout, kMoment});
+                              });
+    }
+
+    static Ids With(Outcome outcome, const Findings& findings)
+    {
+        Ids ids;
+        for (const Finding& finding : findings)
+            if (finding.outcome == outcome)
+                ids.insert(finding.rule.szId);
+        return ids;
+    }
+
+    CTemporaryFolder m_folder;
+};
+
+const std::map<SignalFault, Ids> kBroken{
+    {SignalFault::IndexNeverNegative, {"P3", "P19", "P21"}},
+    {SignalFault::ElementsUnannounced, {"P12"}},
+    // What is left out is nothing in our buffer: no rate, and no region.
+    {SignalFault::RecordShort, {"P14", "P16", "P18"}},
+    {SignalFault::PathsUnterminated, {"P15"}},
+    {SignalFault::NanPosition, {"P16"}},
+    {SignalFault::InfinitePosition, {"P16"}},
+    {SignalFault::NanRegion, {"P16"}},
+    {SignalFault::InfiniteRegion, {"P16"}},
+    // The next capture gets the name that has become free.
+    {SignalFault::FileDiscarded, {"P17", "P21"}},
+    {SignalFault::AckIgnored, {"P19", "P21"}},
+    {SignalFault::ArmUnreported, {"P8", "P20"}},
+    {SignalFault::ArmIgnored, {"P5"}},
+    {SignalFault::TrackForgotten, {"P4"}},
+    {SignalFault::SixteenThreads, {"P27", "P28", "P29"}},
+    {SignalFault::Storm, {"P27", "P28", "P29"}},
+    // That it goes before the view is the host's doing; what is left of it is the sixteen threads.
+    {SignalFault::DisposedWhileNotifying, {"P27", "P28", "P29"}},
+    {SignalFault::ReadsRefused, {"P2", "P3", "P4", "P5"}},
+    {SignalFault::Overrun, {"P6", "P31"}},
+    {SignalFault::UnknownAccepted, {"P32"}},
+    {SignalFault::InfoMissing, {"P30"}},
+    {SignalFault::NanLength, {"P25"}},
+    {SignalFault::PositionRaised, {"P26"}},
+    {SignalFault::ElementLate, {"P13"}},
+    {SignalFault::ElementReplaced, {"P21"}},
+    {SignalFault::LastFirst, {"P23"}},
+    {SignalFault::FileUnfinished, {"P18"}},
+    {SignalFault::AckPadding, {"P22"}},
+    {SignalFault::AckUnmatched, {"P24"}},
+    {SignalFault::ListenersKept, {"P9"}},
+    {SignalFault::ListenersConfused, {"P10"}},
+    {SignalFault::NotifiesAfterDisposal, {"P11"}},
+    {SignalFault::StateShared, {"P7"}},
+};
+
+} // namespace
+
+TEST_F(PlugInFaults, EachBreaksItsRules)
+{
+    for (const SignalFaultKind& kind : SignalFaultKinds())
+        EXPECT_EQ(With(Outcome::Broken, Examine(kind.szName)), kBroken.at(kind.fault))
+            << kind.szName;
+}
+
+TEST_F(PlugInFaults, EveryRuleIsBrokenBySomeFault)
+{
+    Ids broken{"P1"}; // by libraries that do not open
+    for (const auto& [fault, ids] : kBroken)
+        broken.insert(ids.begin(), ids.end());
+    Ids all;
+    for (const PlugInRule& rule : PlugInRules())
+        all.insert(rule.szId);
+    EXPECT_EQ(broken, all);
+}
+
+TEST_F(PlugInFaults, RulesAboutCapturesWaitForOneThatIsAnnounced)
+{
+    const Findings findings = Examine("elements-unannounced");
+    for (const Finding& finding : findings)
+    {
+        if (finding.outcome == Outcome::NotExamined)
+        {
+            EXPECT_EQ(finding.strSeen, "no capture is announced") << finding.rule.szId;
+        }
+    }
+    EXPECT_THAT(With(Outcome::NotExamined, findings), testing::IsSupersetOf({"P13", "P24", "P25"}));
+}
