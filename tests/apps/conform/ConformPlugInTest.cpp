@@ -55,6 +55,15 @@ TEST_F(ConformPlugIn, SignalSideOfTheHostKeepsEveryRule)
     EXPECT_TRUE(std::filesystem::is_empty(m_folder.Path())) << "what was captured is removed";
 }
 
+TEST_F(ConformPlugIn, SmallestSignalSideKeepsEveryMust)
+{
+    const ConformEnded ended = Examine(SMALLEST_SIGNAL_SIDE, {"--json"});
+    EXPECT_EQ(ended.nExitCode, 0) << ended.strOutput;
+    // As its page says.
+    EXPECT_THAT(ended.Rules("broken"), ElementsAre("P30")) << ended.strOutput;
+    EXPECT_THAT(ended.Rules("not examined"), ElementsAre("P25")) << ended.strOutput;
+}
+
 TEST_F(ConformPlugIn, TellsInWordsWhatIsBrokenAndWhy)
 {
     setenv("TARVANE_MISBEHAVE", "nan-position", 1);

@@ -9,7 +9,10 @@
 
 #include <gmock/gmock.h>
 
+#include <map>
 #include <memory>
+#include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -19,6 +22,31 @@ using testing::HasSubstr;
 
 namespace
 {
+
+struct Misbehaviour
+{
+    const char* szRule;      // the first that it breaks
+    const char* szFrom = ""; // the event from which on
+};
+
+// The 56th command comes between two looks at the list of tracks.
+const std::map<std::string, Misbehaviour> kMisbehaviours{
+    {"no-reply", {"S1"}},
+    {"late-reply", {"S1"}},
+    {"exit-before-effect", {"S1"}},
+    {"exit-after-effect", {"S1"}},
+    {"hang", {"S1"}},
+    {"no-result", {"S1"}},
+    {"wrong-type", {"S1"}},
+    {"empty-result", {"S1"}},
+    {"lone-surrogates", {"S1"}},
+    {"huge-reply", {"S1"}},
+    {"error-beside-result", {"S7"}},
+    {"document-vanishes", {"S14", "@56"}},
+    {"track-vanishes", {"S14", "@56"}},
+    {"tracks-move", {"S14", "@56"}},
+    {"frozen-counter", {"S24"}},
+};
 
 class ConformProgram : public testing::Test
 {
@@ -134,20 +162,8 @@ TEST_F(ConformProgram, OnceAServerIsGoneTheOtherRulesAreNotExamined)
 
 TEST_F(ConformProgram, EachMisbehaviourBreaksItsRule)
 {
-    struct Case
-    {
-        const char* szFault;
-        const char* szRule;
-    };
-    // The 56th command comes between two looks at the list of tracks.
-    for (const auto& [szFault, szRule] :
-         {Case{"no-reply", "S1"}, Case{"late-reply", "S1"}, Case{"exit-before-effect", "S1"},
-          Case{"exit-after-effect", "S1"}, Case{"hang", "S1"}, Case{"no-result", "S1"},
-          Case{"wrong-type", "S1"}, Case{"empty-result", "S1"}, Case{"lone-surrogates", "S1"},
-          Case{"huge-reply", "S1"}, Case{"error-beside-result", "S7"},
-          Case{"document-vanishes@56", "S14"}, Case{"track-vanishes@56", "S14"},
-          Case{"tracks-move@56", "S14"}, Case{"frozen-counter", "S24"}})
-        EXPECT_EQ(FirstBroken(szFault), szRule) << szFault;
+    for (const auto& [strFault, misbehaviour] : kMisbehaviours)
+        EXPECT_EQ(FirstBroken(strFault + misbehaviour.szFrom), misbehaviour.szRule) << strFault;
 }
 
 // Everything is answered all the same.
@@ -155,6 +171,39 @@ TEST_F(ConformProgram, EventsThatAServerSendsItselfBreakNoRule)
 {
     StartServer({"--misbehave", "event-flood"});
     EXPECT_EQ(Examine().nExitCode, 0);
+}
+
+TEST_F(ConformProgram, ServerThatHasNotStartedYetIsNone)
+{
+    m_server = std::make_unique<Tarvane::CChildProcess>(
+        std::vector<std::string>{SERVER_PROGRAM, "--misbehave", "slow-start", "--delay", "60"});
+    EXPECT_EQ(Examine().nExitCode, 2);
+}
+
+TEST_F(ConformProgram, NoMisbehaviourIsForgotten)
+{
+    std::set<std::string> held{"event-flood", "slow-start"};
+    for (const auto& [strFault, misbehaviour] : kMisbehaviours)
+        held.insert(strFault);
+    Tarvane::CChildProcess server({SERVER_PROGRAM, "--misbehave", "nothing-like-it"});
+    server.WaitForEnd(kAnyTime);
+    const std::string strError = server.ErrorOutput();
+    const std::string strBefore = "the names are ";
+    std::istringstream names(strError.substr(strError.find(strBefore) + strBefore.size()));
+    std::set<std::string> known;
+    for (std::string strName; names >> strName && known.size() < held.size();)
+        known.insert(strName.substr(0, strName.find_first_not_of("abcdefghijklmnopqrstuvwxyz-")));
+    EXPECT_EQ(known, held) << strError;
+}
+
+TEST_F(ConformProgram, SmallestServerKeepsEveryMust)
+{
+    Start({SMALLEST_SERVER});
+    const ConformEnded ended = Examine();
+    EXPECT_EQ(ended.nExitCode, 0) << ended.strOutput;
+    // As its page says.
+    EXPECT_THAT(ended.Rules("broken"), testing::ElementsAre("S12", "S24", "S25", "S26", "S27"));
+    EXPECT_THAT(ended.Rules("not examined"), testing::ElementsAre("S28", "S29"));
 }
 
 TEST_F(ConformProgram, RulesAreListedWithTheirReasonsAndNothingIsExamined)
