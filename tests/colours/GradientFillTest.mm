@@ -345,6 +345,18 @@ TEST_F(GradientFill, AssignmentCopiesStopsAndLeavesNoGradient)
     EXPECT_EQ(target.m_refGradient, nullptr);
 }
 
+TEST_F(GradientFill, AssignedToItselfEndsWithoutStops)
+{
+    CGradientFill fill(CComponentCode(7, 8), "Dusk", false);
+    AddGrey(fill, 0.25);
+    fill.Create(m_space);
+    CGradientFill& same = fill;
+    fill = same;
+    EXPECT_TRUE(fill.m_Stops.empty());
+    EXPECT_EQ(fill.m_refGradient, nullptr);
+    EXPECT_EQ(fill.m_strName, "Dusk");
+}
+
 TEST_F(GradientFill, AssignedThroughTheBaseClassCopiesNoStops)
 {
     CGradientFill source(CComponentCode(7, 8), "Dusk", false);
