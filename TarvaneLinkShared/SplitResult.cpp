@@ -42,11 +42,10 @@ void CTarvaneScript::SplitResult(const char* szResult, std::vector<std::string>*
     for (const char* pLine = SkipLineEnds(szResult); *pLine != '\0';)
     {
         const char* pEnd = EndOfLine(pLine);
-        const std::string line(pLine, pEnd);
         if (fFirst)
-            nItems = LongFromText(line.c_str());
+            nItems = LongFromText(std::string(pLine, pEnd).c_str());
         else
-            pstrItems->push_back(line);
+            pstrItems->emplace_back(pLine, pEnd);
         fFirst = false;
         pLine = SkipLineEnds(pEnd);
     }

@@ -1,7 +1,7 @@
 // bench-sessions: loading, saving, freeing and walking sessions, beside other formats and beside
 // the least that such work can cost. With --benchmark_repetitions=9 and
 // --benchmark_enable_random_interleaving=true the figures are steady.
-#include "bench/sessions/Measure.h"
+#include "bench/support/Measure.h"
 #include "bench/sessions/Peers.h"
 #include "bench/sessions/PlainTree.h"
 #include "bench/sessions/Trees.h"

@@ -1,4 +1,4 @@
-#include "bench/sessions/Measure.h"
+#include "bench/support/Measure.h"
 
 #include <benchmark/benchmark.h>
 
@@ -25,9 +25,18 @@ struct Expectation
     double dLimit;
 };
 
-std::vector<Expectation> expectations;
+struct Count
+{
+    std::string strWhat;
+    std::size_t nCounted;
+    std::size_t nMost;
+};
 
-void RunOnce(benchmark::State& state, const Steps& steps)
+std::vector<Expectation> expectations;
+std::vector<std::pair<std::string, double>> bounds; // nanoseconds
+std::vector<Count> counts;
+
+void RunOnce(benchmark::State& state, const Steps& steps, int nThings)
 {
     for (auto _ : state)
     {
@@ -38,7 +47,7 @@ void RunOnce(benchmark::State& state, const Steps& steps)
         const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
         if (steps.cleanUp)
             steps.cleanUp();
-        state.SetIterationTime(taken.count());
+        state.SetIterationTime(taken.count() / nThings);
     }
 }
 
@@ -52,12 +61,14 @@ public:
         for (const Run& run : runs)
         {
             if (run.run_type == Run::RT_Iteration)
-                times[run.run_name.function_name].push_back(run.real_accumulated_time * 1e3);
+                times[run.run_name.function_name].push_back(run.real_accumulated_time * 1e9);
         }
     }
 
-    std::map<std::string, std::vector<double>> times; // milliseconds
+    std::map<std::string, std::vector<double>> times; // nanoseconds
 };
+
+CTimes all;
 
 double MedianOf(std::vector<double> times)
 {
@@ -83,19 +94,111 @@ std::size_t KilobytesOf(const char* pField)
     return 0;
 }
 
+std::string TimeText(double dNanoseconds)
+{
+    const bool fMilli = dNanoseconds >= 1e5, fMicro = dNanoseconds >= 1e3;
+    char sz[32];
+    std::snprintf(sz, sizeof sz, "%10.2f %s",
+                  dNanoseconds / (fMilli   ? 1e6
+                                  : fMicro ? 1e3
+                                           : 1),
+                  fMilli   ? "ms"
+                  : fMicro ? "us"
+                           : "ns");
+    return sz;
+}
+
+void PrintTimes()
+{
+    std::printf("%-44s %13s %13s\n", "", "median", "lowest");
+    for (const auto& [strName, times] : all.times)
+        std::printf("%-44s %s %s\n", strName.c_str(), TimeText(MedianOf(times)).c_str(),
+                    TimeText(LowestOf(times)).c_str());
+}
+
+/// Null for what was not run.
+const std::vector<double>* TimesOf(const std::string& strName)
+{
+    const auto found = all.times.find(strName);
+    return found == all.times.end() ? nullptr : &found->second;
+}
+
+const char* Verdict(bool fMissed)
+{
+    return fMissed ? "  MISSED" : "  reached";
+}
+
+int MissedRatios()
+{
+    int nMissed = 0;
+    for (const Expectation& expected : expectations)
+    {
+        const auto* pTimes = TimesOf(expected.strName);
+        const auto* pBase = TimesOf(expected.strBase);
+        if (pTimes == nullptr || pBase == nullptr)
+            continue;
+        const double dRatio = MedianOf(*pTimes) / MedianOf(*pBase);
+        nMissed += dRatio > expected.dLimit;
+        std::printf("%-37s / %-30s %6.2f %6.2f  (at most %.2f)%s\n", expected.strName.c_str(),
+                    expected.strBase.c_str(), dRatio, LowestOf(*pTimes) / LowestOf(*pBase),
+                    expected.dLimit, Verdict(dRatio > expected.dLimit));
+    }
+    return nMissed;
+}
+
+int MissedBounds()
+{
+    int nMissed = 0;
+    for (const auto& [strName, dMost] : bounds)
+    {
+        const auto* pTimes = TimesOf(strName);
+        if (pTimes == nullptr)
+            continue;
+        const double dMedian = MedianOf(*pTimes);
+        nMissed += dMedian > dMost;
+        std::printf("%-70s %6.2f %6.2f  (at most %.0f ns)%s\n", strName.c_str(), dMedian,
+                    LowestOf(*pTimes), dMost, Verdict(dMedian > dMost));
+    }
+    return nMissed;
+}
+
+int MissedCounts()
+{
+    int nMissed = 0;
+    for (const Count& count : counts)
+    {
+        nMissed += count.nCounted > count.nMost;
+        std::printf("%-70s %6zu         (at most %zu)%s\n", count.strWhat.c_str(), count.nCounted,
+                    count.nMost, Verdict(count.nCounted > count.nMost));
+    }
+    return nMissed;
+}
+
 } // namespace
 
-void Register(const std::string& strName, const Steps& steps)
+void Register(const std::string& strName, const Steps& steps, int nThings, int nRepetitions)
 {
-    benchmark::RegisterBenchmark(strName.c_str(),
-                                 [steps](benchmark::State& state) { RunOnce(state, steps); })
-        ->UseManualTime()
-        ->Iterations(1);
+    auto* pBenchmark =
+        benchmark::RegisterBenchmark(strName.c_str(), [steps, nThings](benchmark::State& state)
+                                     { RunOnce(state, steps, nThings); });
+    pBenchmark->UseManualTime()->Iterations(1);
+    if (nRepetitions > 0)
+        pBenchmark->Repetitions(nRepetitions);
 }
 
 void Expect(const std::string& strName, const std::string& strBase, double dLimit)
 {
     expectations.push_back({strName, strBase, dLimit});
+}
+
+void ExpectWithin(const std::string& strName, double dNanoseconds)
+{
+    bounds.emplace_back(strName, dNanoseconds);
+}
+
+void ExpectCount(const std::string& strWhat, std::size_t nCounted, std::size_t nMost)
+{
+    counts.push_back({strWhat, nCounted, nMost});
 }
 
 std::size_t PeakOf(const std::function<void()>& body)
@@ -122,31 +225,24 @@ std::size_t PeakOf(const std::function<void()>& body)
     return nRead == sizeof nPeak ? nPeak * 1024 : 0;
 }
 
+void Run()
+{
+    benchmark::RunSpecifiedBenchmarks(&all);
+    benchmark::ClearRegisteredBenchmarks();
+}
+
+int Report()
+{
+    PrintTimes();
+    std::printf("\n%-70s %6s %7s\n", "", "median", "lowest");
+    return MissedRatios() + MissedBounds() + MissedCounts();
+}
+
 int RunAll(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
-    CTimes all;
-    benchmark::RunSpecifiedBenchmarks(&all);
-    std::printf("%-40s %13s %13s\n", "", "median", "lowest");
-    for (const auto& [strName, times] : all.times)
-        std::printf("%-40s %10.2f ms %10.2f ms\n", strName.c_str(), MedianOf(times),
-                    LowestOf(times));
-    std::printf("\n%-64s %6s %7s\n", "", "median", "lowest");
-    int nMissed = 0;
-    for (const Expectation& expected : expectations)
-    {
-        const auto times = all.times.find(expected.strName);
-        const auto base = all.times.find(expected.strBase);
-        if (times == all.times.end() || base == all.times.end())
-            continue;
-        const double dRatio = MedianOf(times->second) / MedianOf(base->second);
-        nMissed += dRatio > expected.dLimit;
-        std::printf("%-34s / %-28s %6.2f %6.2f  (at most %.2f)%s\n", expected.strName.c_str(),
-                    expected.strBase.c_str(), dRatio,
-                    LowestOf(times->second) / LowestOf(base->second), expected.dLimit,
-                    dRatio > expected.dLimit ? "  MISSED" : "");
-    }
-    return nMissed;
+    Run();
+    return Report();
 }
 
 } // namespace Bench
