@@ -43,12 +43,12 @@ function(tarvane_add_plugin target)
   target_link_libraries(${target} PRIVATE ${arg_LINK})
 endfunction()
 
-# tarvane_add_test(<target> SOURCES ... [LINK ...] [TIMEOUT seconds] [NO_MAIN] [DISPLAY])
+# tarvane_add_test(<target> SOURCES ... [LINK ...] [TIMEOUT seconds] [NO_MAIN] [DISPLAY] [LONG])
 # A GoogleTest program; CTest discovers its cases. NO_MAIN: the sources bring their own main().
 # DISPLAY: the cases open windows on the one display, or use its mouse, and so run one after another
-# and apart from the rest.
+# and apart from the rest. LONG: the cases are started before the others, which run beside them.
 function(tarvane_add_test target)
-  cmake_parse_arguments(arg "NO_MAIN;DISPLAY" "TIMEOUT" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(arg "NO_MAIN;DISPLAY;LONG" "TIMEOUT" "SOURCES;LINK" ${ARGN})
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()
@@ -65,6 +65,9 @@ function(tarvane_add_test target)
   set(properties TIMEOUT ${arg_TIMEOUT})
   if(arg_DISPLAY)
     list(APPEND properties RESOURCE_LOCK display LABELS display)
+  endif()
+  if(arg_LONG)
+    list(APPEND properties COST 1000)
   endif()
   gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
 endfunction()

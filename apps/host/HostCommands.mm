@@ -57,6 +57,12 @@ void CHost::Obey(const std::string& strLine)
         m_fCapturingOnCommand = false;
         Refuse(error.what());
     }
+    // An exception of the object system must not leave whoever gave the command without an answer.
+    catch (...)
+    {
+        m_fCapturingOnCommand = false;
+        Refuse("the view or its platform failed - see the standard error stream.");
+    }
 }
 
 void CHost::ObeyWords(std::istream& words, const std::string& strCommand)

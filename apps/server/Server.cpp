@@ -91,10 +91,9 @@ int PrintListing(const Options& options)
 }
 
 // Failures of writing are to come back as errors, not to end the process.
-void IgnoreWriteSignals()
+void IgnoreBrokenPipes()
 {
     std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 } // namespace
@@ -132,7 +131,7 @@ int RunServer(const Options& options)
     if (!options.strListedFile.empty())
         return PrintListing(options);
 
-    IgnoreWriteSignals();
+    IgnoreBrokenPipes();
     CEndSignals signals;
     CServerLoop loop;
     std::unique_ptr<CSessionStore> pStore;

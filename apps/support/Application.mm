@@ -2,6 +2,7 @@
 
 #include "apps/support/ApplicationArguments.h"
 #include "apps/support/CommandLine.h"
+#include "apps/support/ServiceProvider.h"
 
 #import <AppKit/AppKit.h>
 
@@ -13,6 +14,7 @@ namespace Tarvane
 void OpenApplication(char** argv)
 {
     HideArguments(argv);
+    OfferNoServices();
     bool fOpen = false;
     try
     {

@@ -1,6 +1,7 @@
 #include "apps/support/CommandLine.h"
 
 #include <algorithm>
+#include <csignal>
 #include <iostream>
 
 namespace Tarvane
@@ -34,6 +35,7 @@ void AddCommonOptions(CLI::App& app, const std::string& strFailed)
 
 int RunProgram(CLI::App& app, int argc, char** argv, const std::function<int()>& body)
 {
+    std::signal(SIGXFSZ, SIG_IGN);
     try
     {
         app.parse(argc, argv);

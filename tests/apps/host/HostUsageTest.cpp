@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <unistd.h>
 
 using namespace TarvaneTest;
 using testing::ElementsAre;
@@ -171,4 +172,24 @@ TEST_F(HostUsage, HelpAndVersionNeedNothing)
     const ProcessOutcome version = RunToEnd(Host({"--version"}));
     EXPECT_EQ(version.nCode, 0);
     EXPECT_THAT(version.strOutput, StartsWith("tarvane-host "));
+}
+
+TEST_F(HostUsage, ACommandThatRaisesIsRefusedAndTheNextIsObeyed)
+{
+    Tarvane::CHostClient host(
+        Host({"--bundle", RAISING_VIEW_BUNDLE, "--capture-folder", folder / "captures"}));
+    EXPECT_THROW(host.Ask("arm", kLong), Tarvane::CHostRefusal);
+    EXPECT_EQ(host.Ask("state", kLong)["armed"], false);
+}
+
+// Further hosts would call it under that name, and it could wait for such a call for ever.
+TEST_F(HostUsage, NoNameIsRegisteredWithOtherApplications)
+{
+    Tarvane::CHostClient host(
+        Host({"--bundle", MUTE_VIEW_BUNDLE, "--capture-folder", folder / "captures"}));
+    // "tarvane-host", as the file of whoever has the name is called; its lines are a port and a
+    // process.
+    const std::string strOwner = FileText("/tmp/GNUstepSecure" + std::to_string(::getuid()) +
+                                          "/NSMessagePort/names/dGFydmFuZS1ob3N0");
+    EXPECT_THAT(strOwner, testing::Not(HasSubstr("\n" + std::to_string(host.Process().Pid()))));
 }

@@ -2,7 +2,12 @@
 
 #include <gmock/gmock.h>
 
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
 #include <initializer_list>
+#include <sys/resource.h>
+#include <unistd.h>
 #include <vector>
 
 using namespace Tarvane;
@@ -96,4 +101,25 @@ TEST(CommandLine, AnyOtherFailureIsItsLineAndCodeOne)
     const Outcome outcome = RunIt({}, []() -> int { throw std::runtime_error("first\nsecond\n"); });
     EXPECT_EQ(outcome.nCode, kExitFailed);
     EXPECT_EQ(outcome.strError, "tarvane-try: first second\n");
+}
+
+TEST(CommandLine, AFileThatMayGrowNoFurtherIsAnErrorOfTheWriteAndEndsNothing)
+{
+    std::signal(SIGXFSZ, SIG_DFL);
+    RunIt({},
+          []
+          {
+              std::FILE* const pFile = std::tmpfile();
+              rlimit old{};
+              ::getrlimit(RLIMIT_FSIZE, &old);
+              const rlimit none{0, old.rlim_max};
+              ::setrlimit(RLIMIT_FSIZE, &none);
+              const ssize_t nWritten = ::write(::fileno(pFile), "x", 1);
+              const int nError = errno;
+              ::setrlimit(RLIMIT_FSIZE, &old);
+              std::fclose(pFile);
+              EXPECT_EQ(nWritten, -1);
+              EXPECT_EQ(nError, EFBIG);
+              return 0;
+          });
 }

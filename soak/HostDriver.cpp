@@ -1,0 +1,276 @@
+#include "soak/HostDriver.h"
+
+#include "apps/support/AtomicFile.h"
+#include "soak/Logs.h"
+#include "soak/ProcessSample.h"
+
+#include <iomanip>
+#include <set>
+#include <sstream>
+#include <system_error>
+#include <thread>
+
+namespace fs = std::filesystem;
+
+namespace Tarvane::Soak
+{
+
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::minutes kPatience{3};
+constexpr std::chrono::minutes kEndPatience{1};
+// A user who tries again; long enough for a server to come back within a few tries.
+constexpr std::chrono::milliseconds kRest{20};
+constexpr std::chrono::milliseconds kGlance{10};
+constexpr std::int64_t kPlaceDistance = 1000; // samples
+constexpr int kPlacesOnATrack = 7;
+constexpr std::size_t kLargestSound = 1 << 20;
+
+std::string CaptureCommand(const Sound& sound, std::int64_t nPosition)
+{
+    std::ostringstream command;
+    command << "capture " << std::quoted(sound.path.string()) << " " << nPosition;
+    return command.str();
+}
+
+FileState StateOf(const std::string& strPath, const Sound& sound)
+{
+    try
+    {
+        return ReadFile(strPath, kLargestSound) == sound.strBytes ? FileState::Intact
+                                                                  : FileState::Changed;
+    }
+    catch (const std::system_error&)
+    {
+        return FileState::Missing;
+    }
+}
+
+} // namespace
+
+CHostDriver::CHostDriver(int nView, fs::path captureFolder, std::vector<Sound> sounds,
+                         Shared& shared)
+    : m_nView(nView), m_captureFolder(std::move(captureFolder)), m_sounds(std::move(sounds)),
+      m_shared(shared), m_nTrack(nView % kTracks)
+{
+    fs::create_directories(m_captureFolder);
+}
+
+void CHostDriver::Break(const std::string& strInvariant, const std::string& strWhat)
+{
+    m_findings.push_back({strInvariant, "view " + std::to_string(m_nView) + ": " + strWhat});
+    m_shared.fBroken = true;
+}
+
+const Sound& CHostDriver::SoundFor(std::int64_t nPlace) const
+{
+    return m_sounds[static_cast<size_t>(nPlace) % m_sounds.size()];
+}
+
+void CHostDriver::Start()
+{
+    m_life = Life();
+    m_life.nLife = m_shared.nLives++;
+    m_nElements = 0;
+    m_samples.clear();
+    auto pClient = std::make_unique<CHostClient>(std::vector<std::string>{
+        ProgramFolder() / "tarvane-host", "--speed", "max", "--capture-folder", m_captureFolder,
+        "--track", std::to_string(m_nTrack), "--log", "-"});
+    const std::lock_guard lock(m_mutex);
+    m_pClient = std::move(pClient);
+}
+
+void CHostDriver::RunRound(const PlannedRound& round, std::int64_t nFirst)
+{
+    try
+    {
+        if (!m_pClient)
+            Start();
+        for (int n = 0; n < round.nPlaces && !m_shared.fBroken; ++n)
+        {
+            const std::int64_t nPlace = nFirst + n;
+            ChooseTrack(static_cast<int>(n / kPlacesOnATrack + m_nView) % kTracks);
+            for (const PlannedHostKill& kill : round.hostKills)
+            {
+                if (kill.nView == m_nView && kill.nBefore == n)
+                    Try(nPlace, &kill);
+            }
+            const auto deadline = Clock::now() + kPatience;
+            while (!Try(nPlace, nullptr) && !m_shared.fBroken)
+            {
+                if (Clock::now() > deadline)
+                    throw std::runtime_error("nothing is delivered any more");
+                std::this_thread::sleep_for(kRest);
+            }
+            ++m_shared.nDelivered;
+        }
+        m_pClient->Ask("state", kPatience);
+        AwaitAcknowledges();
+        InspectFiles();
+        m_samples.push_back(SampleProcess(m_pClient->Process().Pid()));
+    }
+    catch (const std::exception& error)
+    {
+        Break("host-goes-on", error.what());
+    }
+}
+
+// Where the menu is empty, because the server is away, the track stays what it was.
+void CHostDriver::ChooseTrack(int nTrack)
+{
+    if (nTrack == m_nTrack)
+        return;
+    try
+    {
+        m_pClient->Ask("track " + std::to_string(nTrack), kPatience);
+        m_nTrack = nTrack;
+    }
+    catch (const CHostRefusal&)
+    {
+    }
+}
+
+bool CHostDriver::Try(std::int64_t nPlace, const PlannedHostKill* pKill)
+{
+    const Sound& sound = SoundFor(nPlace);
+    Attempt attempt;
+    attempt.nLife = m_life.nLife;
+    attempt.nTrack = m_nTrack;
+    attempt.nPosition = nPlace * kPlaceDistance;
+    attempt.nOffset = sound.nOffset;
+    attempt.nFrames = sound.nFrames;
+    const unsigned nAbsence = m_shared.nAbsence;
+    const std::string strCommand = CaptureCommand(sound, attempt.nPosition);
+    if (pKill != nullptr)
+        Kill(strCommand, pKill->delay);
+    else
+        TakeAnswer(m_pClient->Ask(strCommand, kPatience), attempt);
+    attempt.fServerAway = nAbsence % 2 != 0 || nAbsence != m_shared.nAbsence;
+    m_attempts.push_back(attempt);
+    m_captured.push_back(&sound);
+    if (pKill != nullptr)
+        Start();
+    return attempt.outcome == Outcome::Delivered || attempt.outcome == Outcome::Duplicate;
+}
+
+void CHostDriver::Kill(const std::string& strCommand, std::chrono::microseconds delay)
+{
+    CChildProcess& process = m_pClient->Process();
+    process.WriteLine(strCommand);
+    std::this_thread::sleep_for(delay);
+    const std::lock_guard lock(m_mutex);
+    process.Kill();
+    process.WaitForEnd(kPatience);
+    m_strEnded = process.ErrorOutput();
+    m_life.fKilled = true;
+    m_life.acknowledges = ReadAcknowledges(m_strEnded);
+    m_killed.push_back(m_life);
+    m_pClient.reset();
+    ++m_nKills;
+}
+
+void CHostDriver::TakeAnswer(const nlohmann::json& answer, Attempt& attempt)
+{
+    const std::string strOutcome = answer["outcome"];
+    if (strOutcome == "delivered")
+        attempt.outcome = Outcome::Delivered;
+    else if (strOutcome == "duplicate")
+        attempt.outcome = Outcome::Duplicate;
+    else if (strOutcome == "not delivered")
+        attempt.outcome = Outcome::Undelivered;
+    else if (strOutcome == "failed")
+        attempt.outcome = Outcome::NotPublished;
+    else
+        throw std::runtime_error("the host says " + answer.dump());
+    if (attempt.outcome == Outcome::NotPublished)
+        return;
+    attempt.nElement = answer["element"];
+    attempt.strPath = answer["dub"];
+    m_nElements = attempt.nElement + 1;
+}
+
+// What a process has written may reach us a little after its answer on another stream.
+void CHostDriver::AwaitAcknowledges()
+{
+    const auto deadline = Clock::now() + std::chrono::seconds(2);
+    do
+    {
+        m_life.acknowledges = ReadAcknowledges(m_pClient->Process().ErrorOutput());
+        if (m_life.acknowledges.size() >= static_cast<size_t>(m_nElements))
+            return;
+        std::this_thread::sleep_for(kGlance);
+    } while (Clock::now() < deadline);
+}
+
+void CHostDriver::InspectFiles()
+{
+    for (size_t n = 0; n < m_attempts.size(); ++n)
+    {
+        if (!m_attempts[n].strPath.empty())
+            m_attempts[n].file = StateOf(m_attempts[n].strPath, *m_captured[n]);
+    }
+}
+
+std::vector<Life> CHostDriver::Lives() const
+{
+    std::vector<Life> lives = m_killed;
+    lives.push_back(m_life);
+    return lives;
+}
+
+std::vector<std::string> CHostDriver::StrayFiles() const
+{
+    std::set<std::string> known;
+    for (const Attempt& attempt : m_attempts)
+        known.insert(attempt.strPath);
+    std::vector<std::string> strays;
+    for (const auto& entry : fs::directory_iterator(m_captureFolder))
+    {
+        if (known.count(entry.path()) == 0)
+            strays.push_back(entry.path());
+    }
+    return strays;
+}
+
+void CHostDriver::ClearRound()
+{
+    m_attempts.clear();
+    m_captured.clear();
+    m_killed.clear();
+    m_life.nElementsBefore = m_nElements;
+    for (const auto& entry : fs::directory_iterator(m_captureFolder))
+        fs::remove(entry);
+}
+
+void CHostDriver::Close()
+{
+    if (!m_pClient)
+        return;
+    CChildProcess& process = m_pClient->Process();
+    process.CloseInput();
+    const auto nCode = process.WaitForEnd(kEndPatience);
+    m_strEnded = process.ErrorOutput();
+    // 1 says that some capture was not delivered.
+    if (!nCode || (*nCode != 0 && *nCode != 1))
+        Break("host-ends", "the host did not end as it was asked to, code " +
+                               std::to_string(nCode.value_or(-1)));
+}
+
+void CHostDriver::Limit(std::uint64_t nBytes)
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_pClient)
+        LimitFiles(m_pClient->Process().Pid(), nBytes);
+}
+
+void CHostDriver::Unlimit()
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_pClient)
+        UnlimitFiles(m_pClient->Process().Pid());
+}
+
+} // namespace Tarvane::Soak

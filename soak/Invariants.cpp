@@ -1,0 +1,314 @@
+#include "soak/Invariants.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+namespace Tarvane::Soak
+{
+
+namespace
+{
+
+constexpr const char* kSaveRefused = "nothing was changed, for the session could not be saved";
+
+using Place = std::tuple<int, std::int64_t>; // track, position on the server's timeline
+
+const char* WordFor(Outcome outcome)
+{
+    switch (outcome)
+    {
+    case Outcome::Delivered:
+        return "delivered";
+    case Outcome::Duplicate:
+        return "a duplicate";
+    case Outcome::Undelivered:
+        return "not delivered";
+    case Outcome::NotPublished:
+        return "failed";
+    case Outcome::Unanswered:
+        break;
+    }
+    return "unanswered";
+}
+
+std::string Describe(const Attempt& attempt)
+{
+    return "host " + std::to_string(attempt.nLife) + ", element " +
+           std::to_string(attempt.nElement) + ", track " + std::to_string(attempt.nTrack) +
+           ", sample " + std::to_string(attempt.nPosition) + ", " + WordFor(attempt.outcome) +
+           ", file " + (attempt.strPath.empty() ? "unknown" : attempt.strPath);
+}
+
+std::string Describe(const SeenRegion& region)
+{
+    return "region on track " + std::to_string(region.nTrack) + " at " +
+           std::to_string(region.nPosition) + ", " + std::to_string(region.nStart) + " to " +
+           std::to_string(region.nEnd) + " of " + region.strPath;
+}
+
+Place PlaceOf(const Attempt& attempt)
+{
+    return {attempt.nTrack, attempt.nPosition + attempt.nOffset};
+}
+
+// One round's evidence under the check.
+class CRoundCheck
+{
+public:
+    explicit CRoundCheck(const RoundEvidence& evidence);
+
+    std::vector<Finding> Run();
+
+private:
+    void Break(const char* szInvariant, const std::string& strWhat)
+    {
+        m_findings.push_back({szInvariant, strWhat});
+    }
+    void CheckAcknowledges(const Life& life);
+    void CheckAcknowledge(const Attempt& attempt, const Acknowledge& acknowledge);
+    void CheckAttempt(const Attempt& attempt);
+    void CheckDelivered(const Attempt& attempt, size_t nRegions);
+    void CheckUndelivered(const Attempt& attempt, size_t nRegions);
+    void CheckDuplicate(const Attempt& attempt, size_t nRegions);
+    void CheckRegion(const Attempt& attempt, const SeenRegion& region);
+    void CheckDoubles();
+    void CheckStrangers();
+    bool TakeUnanswered(const SeenRegion& region);
+
+    const RoundEvidence& m_evidence;
+    std::multimap<std::string, const SeenRegion*> m_regions; // by path
+    std::map<std::string, const ServerAnswer*> m_answers;    // by path
+    std::map<int, std::vector<const Attempt*>> m_attempts;   // by life
+    std::map<std::string, const Attempt*> m_known;           // by path
+    std::vector<const Attempt*> m_unanswered;                // that no region has been found for
+    std::vector<Finding> m_findings;
+};
+
+CRoundCheck::CRoundCheck(const RoundEvidence& evidence) : m_evidence(evidence)
+{
+    for (const SeenRegion& region : evidence.regions)
+        m_regions.emplace(region.strPath, &region);
+    for (const ServerAnswer& answer : evidence.answers)
+        m_answers.emplace(answer.strPath, &answer);
+    for (const Attempt& attempt : evidence.attempts)
+    {
+        m_attempts[attempt.nLife].push_back(&attempt);
+        if (!attempt.strPath.empty())
+            m_known.emplace(attempt.strPath, &attempt);
+        if (attempt.outcome == Outcome::Unanswered)
+            m_unanswered.push_back(&attempt);
+    }
+}
+
+std::vector<Finding> CRoundCheck::Run()
+{
+    for (const Life& life : m_evidence.lives)
+        CheckAcknowledges(life);
+    for (const Attempt& attempt : m_evidence.attempts)
+        CheckAttempt(attempt);
+    CheckDoubles();
+    CheckStrangers();
+    return std::move(m_findings);
+}
+
+void CRoundCheck::CheckAcknowledges(const Life& life)
+{
+    std::map<int, std::vector<const Acknowledge*>> acknowledges;
+    for (const Acknowledge& acknowledge : life.acknowledges)
+        acknowledges[acknowledge.nElement].push_back(&acknowledge);
+
+    int nElements = life.nElementsBefore;
+    bool fOneUnknown = false;
+    for (const Attempt* pAttempt : m_attempts[life.nLife])
+    {
+        fOneUnknown = fOneUnknown || pAttempt->outcome == Outcome::Unanswered;
+        if (pAttempt->nElement < 0)
+            continue;
+        nElements = std::max(nElements, pAttempt->nElement + 1);
+        for (const Acknowledge* pAcknowledge : acknowledges[pAttempt->nElement])
+            CheckAcknowledge(*pAttempt, *pAcknowledge);
+    }
+    const std::string strHost = "host " + std::to_string(life.nLife) + ", element ";
+    for (int nElement = 0; nElement < nElements; ++nElement)
+    {
+        if (const size_t nCount = acknowledges[nElement].size(); nCount != 1)
+            Break("acknowledged-once", strHost + std::to_string(nElement) + " was acknowledged " +
+                                           std::to_string(nCount) + " times");
+    }
+    // The one that was under way when the host was killed.
+    if (life.fKilled && fOneUnknown)
+    {
+        if (acknowledges[nElements].size() > 1)
+            Break("acknowledged-once", strHost + std::to_string(nElements) +
+                                           " was acknowledged again before the host was killed");
+        ++nElements;
+    }
+    for (const auto& [nElement, list] : acknowledges)
+    {
+        if (nElement < 0 || (nElement >= nElements && !list.empty()))
+            Break("acknowledged-once",
+                  strHost + std::to_string(nElement) + " was acknowledged and never captured");
+    }
+}
+
+void CRoundCheck::CheckAcknowledge(const Attempt& attempt, const Acknowledge& acknowledge)
+{
+    const int nExpected = attempt.outcome == Outcome::Delivered ? 0 : 1;
+    if (acknowledge.nHandled != 1 || acknowledge.nFinal != 1 ||
+        acknowledge.nNotDelivered != nExpected)
+        Break("acknowledged-once", Describe(attempt) + " has an acknowledge of fHandled " +
+                                       std::to_string(acknowledge.nHandled) + ", fNotDelivered " +
+                                       std::to_string(acknowledge.nNotDelivered) + ", fFinal " +
+                                       std::to_string(acknowledge.nFinal));
+}
+
+void CRoundCheck::CheckAttempt(const Attempt& attempt)
+{
+    if (attempt.outcome == Outcome::NotPublished || attempt.strPath.empty())
+        return;
+    if (attempt.file != FileState::Intact)
+        Break("file-kept", Describe(attempt) + (attempt.file == FileState::Missing
+                                                    ? " has lost its file"
+                                                    : " has another file than it captured"));
+    const auto [first, last] = m_regions.equal_range(attempt.strPath);
+    for (auto at = first; at != last; ++at)
+        CheckRegion(attempt, *at->second);
+    const auto nRegions = static_cast<size_t>(std::distance(first, last));
+    if (nRegions > 1)
+        Break("in-session-once",
+              Describe(attempt) + " stands in the session " + std::to_string(nRegions) + " times");
+    if (attempt.outcome == Outcome::Delivered)
+        CheckDelivered(attempt, nRegions);
+    else if (attempt.outcome == Outcome::Duplicate)
+        CheckDuplicate(attempt, nRegions);
+    else
+        CheckUndelivered(attempt, nRegions);
+}
+
+void CRoundCheck::CheckDelivered(const Attempt& attempt, size_t nRegions)
+{
+    const auto answer = m_answers.find(attempt.strPath);
+    if (answer == m_answers.end())
+    {
+        Break("in-session-once", Describe(attempt) + " was never answered by the server");
+        return;
+    }
+    // Required: an error of the server's own is no failure of the command, so the capture counts as
+    // delivered. It must then have changed nothing.
+    const std::string& strError = answer->second->strError;
+    const bool fRefused = !strError.empty();
+    if (fRefused && strError.rfind(kSaveRefused, 0) != 0)
+        Break("refused-for-cause", Describe(attempt) + " was refused: " + strError);
+    if (fRefused && nRegions != 0)
+        Break("in-session-once", Describe(attempt) + " was refused and is in the session");
+    if (!fRefused && nRegions == 0)
+        Break("in-session-once", Describe(attempt) + " is not in the session");
+}
+
+void CRoundCheck::CheckUndelivered(const Attempt& attempt, size_t nRegions)
+{
+    if (!attempt.fServerAway)
+        Break("undelivered-for-cause", Describe(attempt) + ", while the server was there" +
+                                           (nRegions > 0 ? ", and is in the session" : ""));
+}
+
+void CRoundCheck::CheckDuplicate(const Attempt& attempt, size_t nRegions)
+{
+    const bool fThere =
+        std::any_of(m_evidence.regions.begin(), m_evidence.regions.end(),
+                    [&](const SeenRegion& region)
+                    { return Place(region.nTrack, region.nPosition) == PlaceOf(attempt); });
+    if (!fThere)
+        Break("duplicate-is-there", Describe(attempt) + " has nothing at its place");
+    if (nRegions != 0)
+        Break("duplicate-is-there", Describe(attempt) + " was added all the same");
+}
+
+void CRoundCheck::CheckRegion(const Attempt& attempt, const SeenRegion& region)
+{
+    if (region.nTrack != attempt.nTrack)
+        Break("on-its-track", Describe(attempt) + " stands as " + Describe(region));
+    // Required: where the question for the offset fails and the next command does not, the offset
+    // counts as 0.
+    const bool fWithoutOffset = attempt.fServerAway && region.nPosition == attempt.nPosition;
+    if (region.nPosition != attempt.nPosition + attempt.nOffset && !fWithoutOffset)
+        Break("at-its-sample", Describe(attempt) + " stands as " + Describe(region));
+    if (region.nStart != 0 || region.nEnd != attempt.nFrames)
+        Break("with-its-length", Describe(attempt) + " of " + std::to_string(attempt.nFrames) +
+                                     " frames stands as " + Describe(region));
+}
+
+void CRoundCheck::CheckDoubles()
+{
+    std::map<Place, const Attempt*> first;
+    for (const Attempt& attempt : m_evidence.attempts)
+    {
+        if (m_regions.count(attempt.strPath) == 0)
+            continue;
+        const auto [at, fFirst] = first.emplace(PlaceOf(attempt), &attempt);
+        // Required: a question for duplicates that fails reads as none.
+        if (!fFirst && !attempt.fServerAway)
+            Break("not-doubled", Describe(attempt) + " was added beside " + Describe(*at->second));
+    }
+}
+
+// A region that no answer names is of a capture whose host was killed.
+bool CRoundCheck::TakeUnanswered(const SeenRegion& region)
+{
+    const auto fits = [&](const Attempt* pAttempt)
+    {
+        const bool fPlace = region.nPosition == pAttempt->nPosition + pAttempt->nOffset ||
+                            (pAttempt->fServerAway && region.nPosition == pAttempt->nPosition);
+        return fPlace && region.nTrack == pAttempt->nTrack && region.nStart == 0 &&
+               region.nEnd == pAttempt->nFrames;
+    };
+    const auto at = std::find_if(m_unanswered.begin(), m_unanswered.end(), fits);
+    if (at == m_unanswered.end())
+        return false;
+    m_unanswered.erase(at);
+    return true;
+}
+
+void CRoundCheck::CheckStrangers()
+{
+    const size_t nUnanswered = m_unanswered.size();
+    for (const SeenRegion& region : m_evidence.regions)
+    {
+        if (!region.fFileThere)
+            Break("file-kept", Describe(region) + " has lost its file");
+        if (m_known.count(region.strPath) == 0 && !TakeUnanswered(region))
+            Break("captured-by-somebody", Describe(region) + " was captured by nobody");
+    }
+    // Its unfinished file, and the name that it was about to get.
+    if (m_evidence.strayFiles.size() > 2 * nUnanswered)
+        Break("captured-by-somebody",
+              std::to_string(m_evidence.strayFiles.size()) + " files are of no capture, the last " +
+                  m_evidence.strayFiles.back() + "; " + std::to_string(nUnanswered) +
+                  " hosts were killed while they captured");
+}
+
+} // namespace
+
+std::vector<Finding> CheckRound(const RoundEvidence& evidence)
+{
+    return CRoundCheck(evidence).Run();
+}
+
+std::vector<Finding> CheckGrowth(const std::string& strProcess, const ProcessSample& first,
+                                 const ProcessSample& last, long nAllowance)
+{
+    std::vector<Finding> findings;
+    const auto compare = [&](const char* szWhat, long nFirst, long nLast, long nMore)
+    {
+        if (nLast > nFirst + nMore)
+            findings.push_back({"no-growth", strProcess + " went from " + std::to_string(nFirst) +
+                                                 " to " + std::to_string(nLast) + " " + szWhat});
+    };
+    compare("KiB", first.nMemory, last.nMemory, nAllowance);
+    compare("descriptors", first.nDescriptors, last.nDescriptors, 0);
+    compare("threads", first.nThreads, last.nThreads, 0);
+    return findings;
+}
+
+} // namespace Tarvane::Soak

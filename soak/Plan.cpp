@@ -1,0 +1,131 @@
+#include "soak/Plan.h"
+
+#include <algorithm>
+#include <random>
+#include <sstream>
+
+namespace Tarvane::Soak
+{
+
+namespace
+{
+
+constexpr int kCalmEvery = 8;
+// Long enough for every step of a delivery to be the one that is hit.
+constexpr int kMostDelay = 30000;     // microseconds
+constexpr int kMostHostDelay = 40000; // from the command; arming and capturing come first
+constexpr int kMostAway = 150;        // milliseconds
+constexpr int kMostFull = 400;        // milliseconds
+// Nothing fits; a sound fits in part; a sound fits and a session does not.
+constexpr std::uint64_t kFileLimits[] = {0, 500, 4000};
+
+class CDraw
+{
+public:
+    explicit CDraw(std::uint64_t nSeed) : m_engine(nSeed) {}
+
+    // From 0 up to, and without, nEnd. Not a standard distribution: those differ between libraries.
+    int Below(int nEnd) { return static_cast<int>(m_engine() % static_cast<unsigned>(nEnd)); }
+
+private:
+    std::mt19937_64 m_engine;
+};
+
+PlannedFault DrawFault(CDraw& draw, FaultKind kind, int nDeliveries)
+{
+    PlannedFault fault;
+    fault.kind = kind;
+    fault.nAfter = draw.Below(nDeliveries);
+    fault.delay = std::chrono::microseconds(draw.Below(kMostDelay));
+    const int nMost = kind == FaultKind::DiskFill ? kMostFull : kMostAway;
+    fault.away = std::chrono::milliseconds(draw.Below(nMost));
+    fault.nFileLimit = kFileLimits[draw.Below(std::size(kFileLimits))];
+    return fault;
+}
+
+// Where the n-th of nCount goes that are spread evenly over so many rounds.
+size_t Nth(int n, int nCount, size_t nRounds)
+{
+    return static_cast<size_t>(n) * nRounds / static_cast<size_t>(nCount);
+}
+
+bool IsCalm(size_t nRound)
+{
+    return nRound % kCalmEvery == kCalmEvery - 1;
+}
+
+const char* NameOf(FaultKind kind)
+{
+    switch (kind)
+    {
+    case FaultKind::ServerKill:
+        return "kill the server";
+    case FaultKind::BusRestart:
+        return "restart the bus";
+    case FaultKind::DiskFill:
+        break;
+    }
+    return "fill the disk";
+}
+
+} // namespace
+
+SoakPlan MakePlan(const SoakSettings& settings)
+{
+    CDraw draw(settings.nSeed);
+    const int nRounds = std::max(1, (settings.nDeliveries + settings.nRoundDeliveries - 1) /
+                                        settings.nRoundDeliveries);
+    const int nPlaces =
+        (settings.nDeliveries + nRounds * settings.nViews - 1) / (nRounds * settings.nViews);
+    SoakPlan plan;
+    plan.rounds.resize(static_cast<size_t>(nRounds));
+    std::vector<size_t> rough;
+    for (size_t nRound = 0; nRound < plan.rounds.size(); ++nRound)
+    {
+        plan.rounds[nRound].nPlaces = nPlaces;
+        if (!IsCalm(nRound))
+            rough.push_back(nRound);
+    }
+    const auto spread = [&](FaultKind kind, int nCount)
+    {
+        for (int n = 0; n < nCount; ++n)
+            plan.rounds[rough[Nth(n, nCount, rough.size())]].faults.push_back(
+                DrawFault(draw, kind, nPlaces * settings.nViews));
+    };
+    spread(FaultKind::ServerKill, settings.nServerKills);
+    spread(FaultKind::BusRestart, settings.nBusRestarts);
+    spread(FaultKind::DiskFill, settings.nDiskFills);
+    for (int n = 0; n < settings.nHostKills; ++n)
+    {
+        PlannedHostKill kill;
+        kill.nView = settings.nViews > 1 ? 1 + draw.Below(settings.nViews - 1) : 0;
+        kill.nBefore = draw.Below(nPlaces);
+        kill.delay = std::chrono::microseconds(draw.Below(kMostHostDelay));
+        plan.rounds[Nth(n, settings.nHostKills, plan.rounds.size())].hostKills.push_back(kill);
+    }
+    for (PlannedRound& round : plan.rounds)
+        std::stable_sort(round.faults.begin(), round.faults.end(),
+                         [](const auto& one, const auto& other)
+                         { return one.nAfter < other.nAfter; });
+    return plan;
+}
+
+std::string DescribePlan(const SoakPlan& plan)
+{
+    std::ostringstream text;
+    for (size_t nRound = 0; nRound < plan.rounds.size(); ++nRound)
+    {
+        const PlannedRound& round = plan.rounds[nRound];
+        text << "round " << nRound << ": " << round.nPlaces << " captures for each view\n";
+        for (const PlannedFault& fault : round.faults)
+            text << "  after delivery " << fault.nAfter << " and " << fault.delay.count()
+                 << " us: " << NameOf(fault.kind) << " for " << fault.away.count()
+                 << " ms, file limit " << fault.nFileLimit << "\n";
+        for (const PlannedHostKill& kill : round.hostKills)
+            text << "  view " << kill.nView << ", capture " << kill.nBefore
+                 << ": kill the host after " << kill.delay.count() << " us\n";
+    }
+    return text.str();
+}
+
+} // namespace Tarvane::Soak

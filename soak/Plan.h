@@ -1,0 +1,67 @@
+// What happens in a soak, and when, drawn from its seed before it begins.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Tarvane::Soak
+{
+
+struct SoakSettings
+{
+    int nViews = 3;
+    int nDeliveries = 1000;
+    int nRoundDeliveries = 500; // a fresh session after so many
+    int nServerKills = 10;
+    int nHostKills = 5;
+    int nBusRestarts = 3;
+    int nDiskFills = 3;
+    std::uint64_t nSeed = 1;
+};
+
+enum class FaultKind
+{
+    ServerKill,
+    BusRestart,
+    DiskFill,
+};
+
+struct PlannedFault
+{
+    FaultKind kind = FaultKind::ServerKill;
+    int nAfter = 0;                     // deliveries of the round
+    std::chrono::microseconds delay{0}; // from then on
+    std::chrono::milliseconds away{0};  // until it is put right
+    std::uint64_t nFileLimit = 0;       // bytes that a file may still hold; full disks
+};
+
+struct PlannedHostKill
+{
+    int nView = 0;
+    int nBefore = 0;                    // places of that view in the round
+    std::chrono::microseconds delay{0}; // from the command to the kill
+};
+
+struct PlannedRound
+{
+    int nPlaces = 0; // for each view
+    std::vector<PlannedFault> faults;
+    std::vector<PlannedHostKill> hostKills;
+};
+
+struct SoakPlan
+{
+    std::vector<PlannedRound> rounds;
+};
+
+// The same settings give the same plan. Every eighth round is without server kills and bus restarts
+// where there are others to take them, so that one server lives through it; view 0 is never killed
+// where there are others.
+SoakPlan MakePlan(const SoakSettings& settings);
+
+// The plan as lines for people.
+std::string DescribePlan(const SoakPlan& plan);
+
+} // namespace Tarvane::Soak

@@ -1,0 +1,61 @@
+#include "soak/ProcessSample.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <sys/resource.h>
+
+namespace fs = std::filesystem;
+
+namespace Tarvane::Soak
+{
+
+namespace
+{
+
+long Entries(const fs::path& folder)
+{
+    return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
+}
+
+void SetFileLimit(pid_t nProcess, rlim_t nBytes)
+{
+    rlimit limit{};
+    if (::prlimit(nProcess, RLIMIT_FSIZE, nullptr, &limit) != 0)
+        return;
+    limit.rlim_cur = nBytes;
+    (void)::prlimit(nProcess, RLIMIT_FSIZE, &limit, nullptr);
+}
+
+} // namespace
+
+ProcessSample SampleProcess(pid_t nProcess)
+{
+    const fs::path folder = "/proc/" + std::to_string(nProcess);
+    ProcessSample sample;
+    std::ifstream status(folder / "status");
+    for (std::string strLine; std::getline(status, strLine);)
+    {
+        if (strLine.rfind("RssAnon:", 0) == 0)
+            sample.nMemory = std::stol(strLine.substr(8));
+    }
+    if (sample.nMemory == 0)
+        throw std::runtime_error("process " + std::to_string(nProcess) + " has ended");
+    sample.nDescriptors = Entries(folder / "fd");
+    sample.nThreads = Entries(folder / "task");
+    return sample;
+}
+
+void LimitFiles(pid_t nProcess, std::uint64_t nBytes)
+{
+    SetFileLimit(nProcess, nBytes);
+}
+
+void UnlimitFiles(pid_t nProcess)
+{
+    SetFileLimit(nProcess, RLIM_INFINITY);
+}
+
+} // namespace Tarvane::Soak

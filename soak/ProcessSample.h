@@ -1,0 +1,20 @@
+// What the system tells of another process, and lets us do to it.
+#pragma once
+
+#include "soak/Evidence.h"
+
+#include <cstdint>
+#include <sys/types.h>
+
+namespace Tarvane::Soak
+{
+
+// Throws std::runtime_error when there is no such process.
+ProcessSample SampleProcess(pid_t nProcess);
+
+// From now on no file that the process writes may grow beyond so many bytes: the kernel refuses the
+// rest as it does on a full disk. Nothing happens when the process has ended.
+void LimitFiles(pid_t nProcess, std::uint64_t nBytes);
+void UnlimitFiles(pid_t nProcess);
+
+} // namespace Tarvane::Soak
