@@ -1,9 +1,9 @@
 #include <AE/AppleEvents.h>
 
+#include "platform/gnustep/AppleEvents/Observation.h"
 #include "platform/gnustep/AppleEvents/Sender.h"
 #include "platform/gnustep/AppleEvents/Storage.h"
 #include "platform/gnustep/AppleEvents/Timeout.h"
-#include "platform/gnustep/AppleEvents/Trace.h"
 #include "platform/gnustep/AppleEvents/Wire.h"
 
 #include <cstring>
@@ -70,9 +70,9 @@ OSErr AESend(const AppleEvent* theAppleEvent, AppleEvent* reply, AESendMode send
     return WithoutExceptions(
         [&]
         {
-            const SendTrace trace(*event);
+            const Observation observation(*event);
             const OSErr status = Send(*event, reply, sendMode, timeOutInTicks);
-            trace.Ended(status, EventOf(reply));
+            observation.Ended(status, EventOf(reply));
             return status;
         });
 }

@@ -1,8 +1,5 @@
 #include "platform/gnustep/AppleEvents/Trace.h"
 
-#include "platform/gnustep/AppleEvents/Deadline.h"
-
-#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -14,12 +11,6 @@ namespace AppleEvents
 {
 namespace
 {
-
-bool IsOn()
-{
-    const char* const setting = std::getenv("TARVANE_AE_TRACE");
-    return setting && std::string_view(setting) == "1";
-}
 
 std::string Now()
 {
@@ -100,75 +91,65 @@ std::string Indented(std::u16string_view units)
     return text + "\n";
 }
 
-std::u16string UnitsOf(const Bytes& bytes)
+std::u16string UnitsOf(const TarvaneSeenParameter& parameter)
 {
-    std::u16string units(bytes.size() / sizeof(char16_t), u'\0');
+    std::u16string units(std::size_t(parameter.size) / sizeof(char16_t), u'\0');
     if (!units.empty())
-        std::memcpy(units.data(), bytes.data(), units.size() * sizeof(char16_t));
+        std::memcpy(units.data(), parameter.data, units.size() * sizeof(char16_t));
     return units;
 }
 
-std::size_t BytesIn(const Parameters& parameters)
+std::size_t BytesIn(const TarvaneSeenEvent& event)
 {
     std::size_t total = 0;
-    for (const auto& [keyword, parameter] : parameters)
-        total += parameter.bytes.size();
+    for (UInt32 i = 0; i < event.parameterCount; i++)
+        total += std::size_t(event.parameters[i].size);
     return total;
 }
 
-std::string Listing(const Parameters& parameters)
+std::string Listing(const TarvaneSeenEvent& event)
 {
     std::string text;
-    for (const auto& [keyword, parameter] : parameters)
+    for (UInt32 i = 0; i < event.parameterCount; i++)
     {
-        text += "  " + Quoted(keyword) + " " + Quoted(parameter.type) + " " +
-                std::to_string(parameter.bytes.size()) + " bytes\n";
-        if (parameter.type == typeUnicodeText && !parameter.bytes.empty())
-            text += Indented(UnitsOf(parameter.bytes));
+        const TarvaneSeenParameter& parameter = event.parameters[i];
+        text += "  " + Quoted(parameter.keyword) + " " + Quoted(parameter.type) + " " +
+                std::to_string(parameter.size) + " bytes\n";
+        if (parameter.type == typeUnicodeText && parameter.size > 0)
+            text += Indented(UnitsOf(parameter));
     }
     return text;
 }
 
-std::string TargetOf(const EventStorage& event)
+std::string Beginning(const TarvaneSeenEvent& event)
 {
-    UInt32 signature = 0;
-    if (event.target.bytes.size() == sizeof signature)
-        std::memcpy(&signature, event.target.bytes.data(), sizeof signature);
-    return Quoted(signature);
+    return " out to " + Quoted(event.target) + ", " + Quoted(event.eventClass) + " " +
+           Quoted(event.eventID) + ", " + std::to_string(BytesIn(event)) + " bytes";
 }
 
-void Write(const std::string& record)
+std::string End(const TarvaneSeenEvent& event)
 {
-    std::fwrite(record.data(), 1, record.size(), stderr);
-    std::fflush(stderr);
+    char elapsed[64];
+    std::snprintf(elapsed, sizeof elapsed, "%.3f", double(event.microseconds) / 1000.0);
+    return " in status " + std::to_string(event.status) + ", " + std::to_string(BytesIn(event)) +
+           " bytes, after " + elapsed + " ms";
 }
 
 } // namespace
 
-SendTrace::SendTrace(const EventStorage& event) : m_fOn(IsOn())
+bool IsTraceOn()
 {
-    static std::atomic<unsigned> nEvents{0};
-    if (!m_fOn)
-        return;
-    m_nEvent = ++nEvents;
-    Write(Now() + " event " + std::to_string(m_nEvent) + " out to " + TargetOf(event) + ", " +
-          Quoted(event.eventClass) + " " + Quoted(event.eventID) + ", " +
-          std::to_string(BytesIn(event.parameters)) + " bytes\n" + Listing(event.parameters));
-    m_nStart = MonotonicMicroseconds();
+    const char* const setting = std::getenv("TARVANE_AE_TRACE");
+    return setting && std::string_view(setting) == "1";
 }
 
-void SendTrace::Ended(OSErr status, const EventStorage* reply) const
+void TraceEvent(const TarvaneSeenEvent* event, void*)
 {
-    if (!m_fOn)
-        return;
-    char elapsed[64];
-    std::snprintf(elapsed, sizeof elapsed, "%.3f",
-                  double(MonotonicMicroseconds() - m_nStart) / 1000.0);
-    const Parameters none;
-    const Parameters& parameters = reply ? reply->parameters : none;
-    Write(Now() + " event " + std::to_string(m_nEvent) + " in status " + std::to_string(status) +
-          ", " + std::to_string(BytesIn(parameters)) + " bytes, after " + elapsed + " ms\n" +
-          Listing(parameters));
+    const std::string record = Now() + " event " + std::to_string(event->number) +
+                               (event->ended ? End(*event) : Beginning(*event)) + "\n" +
+                               Listing(*event);
+    std::fwrite(record.data(), 1, record.size(), stderr);
+    std::fflush(stderr);
 }
 
 } // namespace AppleEvents

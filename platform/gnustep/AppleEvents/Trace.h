@@ -11,27 +11,15 @@
 // Text is indented, so that none can pass for a line of the record itself.
 #pragma once
 
-#include "platform/gnustep/AppleEvents/Storage.h"
-
-#include <cstdint>
+#include <TarvanePlatform/EventObserver.h>
 
 namespace AppleEvents
 {
 
-// One event under way. Any thread; a record is written whole.
-class SendTrace
-{
-public:
-    // Records the event, if anything is recorded.
-    explicit SendTrace(const EventStorage& event);
+// Whether the variable asks for a trace now.
+bool IsTraceOn();
 
-    // Records what became of it. The reply is null when there is none.
-    void Ended(OSErr status, const EventStorage* reply) const;
-
-private:
-    bool m_fOn;
-    unsigned m_nEvent = 0;
-    std::uint64_t m_nStart = 0; // microseconds
-};
+// An observer that writes down what it is shown. Any thread; a record is written whole.
+void TraceEvent(const TarvaneSeenEvent* event, void* refcon);
 
 } // namespace AppleEvents
