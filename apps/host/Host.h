@@ -7,6 +7,7 @@
 #include "apps/host/PlugIn.h"
 #import "apps/host/StallWatch.h"
 #include "apps/support/ResultFolder.h"
+#include "apps/support/recording/Recorder.h"
 
 #include <functional>
 #include <memory>
@@ -53,6 +54,7 @@ class CHost : private ILineListener
 
     void OpenView();
     void CloseView();
+    void BeginRecording();
     void OpenLog();
     void WatchWindow();
     void WatchWakePipe();
@@ -93,6 +95,7 @@ class CHost : private ILineListener
 
     CStalls m_stalls;
     std::optional<CStallWatch> m_stallWatch; // only when stalls are to be told
+    std::unique_ptr<CRecorder> m_pRecorder;  // outlives the plug-in; null when nothing is recorded
     CPlugIn m_plugIn;                        // outlives the view
     std::unique_ptr<CLinkView> m_pView;
     LineSource* m_commands = nullptr;

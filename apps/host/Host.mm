@@ -4,6 +4,7 @@
 #import "apps/host/MainThread.h"
 
 #include "apps/support/Pipe.h"
+#include "apps/support/recording/EventWatch.h"
 
 #import <AppKit/AppKit.h>
 
@@ -33,6 +34,11 @@ CPipe& WakePipe()
 
 void NoteSignal(int) { (void)!::write(WakePipe().WriteEnd(), "signal\n", 7); }
 
+std::unique_ptr<CRecorder> MakeRecorder(const std::string& strFile)
+{
+    return strFile.empty() ? nullptr : std::make_unique<CRecorder>(strFile, "tarvane-host");
+}
+
 // What has been handed to the main thread already, and what that hands over in turn.
 void RunWhatWaits()
 {
@@ -49,8 +55,9 @@ void RunWhatWaits()
 
 CHost::CHost(const HostOptions& options, const HostPlan& plan)
     : m_options(options), m_plan(plan), m_pStory(options.fCommands ? stderr : stdout),
-      m_plugIn(options.faults)
+      m_pRecorder(MakeRecorder(options.strRecord)), m_plugIn(options.faults, m_pRecorder.get())
 {
+    BeginRecording();
     m_plugIn->Configure(m_plan.settings);
     // The view hands what it is told to the main thread as well, and is told first: by the time
     // that this call runs, what the view shows is settled.
@@ -90,6 +97,7 @@ CHost::~CHost()
     }
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     CloseView();
+    RecordEvents(nullptr);
     [m_commands release];
     [m_wakes release];
     [m_windowClosed release];
@@ -118,6 +126,16 @@ void CHost::CloseView()
     {
         std::fputs(m_stalls.Tell().c_str(), m_pStory);
         Guarded([this] { WriteCaptures(); });
+    }
+}
+
+void CHost::BeginRecording()
+{
+    if (m_pRecorder && !RecordEvents(m_pRecorder.get()))
+    {
+        std::cerr << "tarvane-host: on this system events are not recorded, properties and "
+                     "notifications are."
+                  << std::endl;
     }
 }
 

@@ -154,6 +154,10 @@ void DeclareOptions(CLI::App& app, HostOptions& options)
                    "Record every property that the view writes in this file; - is the standard "
                    "output, or the standard error stream with --commands")
         ->type_name("FILE");
+    app.add_option("--record", options.strRecord,
+                   "Record every event, reply, property and notification in this new file, which "
+                   "tarvane-replay plays and draws")
+        ->type_name("FILE");
     app.add_option("--ack-timeout", options.dAckTimeout,
                    "How long to wait for the acknowledge of a capture before it counts as not "
                    "delivered (default 200, as a delivery may take three minutes)")

@@ -19,6 +19,7 @@ struct HostOptions
     std::string strBundle;         // empty: beside the program
     std::string strCaptureFolder;  // empty: "captures" in the results folder, or here
     std::string strResults;        // empty: nothing is written
+    std::string strRecord;         // empty: nothing is recorded
     std::string strLog;            // "-": the standard output, or error with --commands
     std::string strSpeed = "1";
     int nTrack = 0;

@@ -3,6 +3,7 @@
 
 #include "apps/support/FaultyUnit.h"
 #include "apps/support/SignalSide.h"
+#include "apps/support/recording/RecordedUnit.h"
 
 #include <stdexcept>
 
@@ -12,17 +13,22 @@ namespace Tarvane
 class CPlugIn
 {
 public:
-    // With faults, one that has them. Throws std::runtime_error when the component cannot be
+    // With faults, one that has them. With a recorder, which must outlive the plug-in, one whose
+    // talk with its view is recorded. Throws std::runtime_error when the component cannot be
     // opened.
-    explicit CPlugIn(const SignalFaults& faults = {})
+    explicit CPlugIn(const SignalFaults& faults = {}, CRecorder* pRecorder = nullptr)
     {
-        const AudioComponent pComponent =
-            faults.empty() ? CSignalSide::Register() : CFaultyUnit::Register();
-        if (AudioComponentInstanceNew(pComponent, &m_pUnit) != noErr)
+        if (AudioComponentInstanceNew(Component(!faults.empty(), pRecorder != nullptr), &m_pUnit) !=
+            noErr)
         {
             throw std::runtime_error("the plug-in cannot be opened.");
         }
         m_pSide = CSignalSide::Of(m_pUnit);
+        if (pRecorder != nullptr)
+        {
+            AudioUnitSetProperty(m_pUnit, kRecordedUnitProperty_Recorder, kAudioUnitScope_Global, 0,
+                                 &pRecorder, sizeof pRecorder);
+        }
         if (!faults.empty())
         {
             AudioUnitSetProperty(m_pUnit, kFaultyUnitProperty_Faults, kAudioUnitScope_Global, 0,
@@ -44,6 +50,15 @@ public:
     CSignalSide* operator->() const { return m_pSide; }
 
 private:
+    static AudioComponent Component(bool fFaulty, bool fRecorded)
+    {
+        if (fRecorded)
+        {
+            return CRecordedUnit::Register(fFaulty);
+        }
+        return fFaulty ? CFaultyUnit::Register() : CSignalSide::Register();
+    }
+
     AudioUnit m_pUnit = nullptr;
     CSignalSide* m_pSide = nullptr;
 };

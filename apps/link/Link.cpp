@@ -5,6 +5,8 @@
 #include "apps/link/Doctor.h"
 #include "apps/link/Watch.h"
 #include "apps/support/CommandLine.h"
+#include "apps/support/recording/EventWatch.h"
+#include "apps/support/recording/Recorder.h"
 
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
 
@@ -28,6 +30,26 @@ void SetUpPlatform(const Options& options)
         setenv("TARVANE_AE_TRACE", "1", 1);
 }
 
+// The events of this process, recorded while an object lives, if anything is.
+class CEventRecording
+{
+public:
+    explicit CEventRecording(const std::string& strFile)
+    {
+        if (strFile.empty())
+            return;
+        m_recorder.emplace(strFile, "tarvane-link");
+        if (!RecordEvents(&*m_recorder))
+            throw CUsageError("events cannot be recorded on this system; leave --record out.");
+    }
+    ~CEventRecording() { RecordEvents(nullptr); }
+    CEventRecording(const CEventRecording&) = delete;
+    CEventRecording& operator=(const CEventRecording&) = delete;
+
+private:
+    std::optional<CRecorder> m_recorder;
+};
+
 std::string LastOutput(const Options& options)
 {
     if (!options.fJson)
@@ -47,6 +69,7 @@ int RunCommand(Command command, const Options& options)
 int Dispatch(const Options& options)
 {
     SetUpPlatform(options);
+    const CEventRecording recording(options.strRecord);
     const CAnswerGuard guard(LastOutput(options));
     if (options.strCommand == "watch")
         return Watch(options);

@@ -218,7 +218,11 @@ void DeclareOptions(CLI::App& app, Options& options)
                                   "a number of seconds above 0, at most 60"));
     app.add_flag("--json", options.fJson, "Print JSON, one object (watch: one a line)");
     app.add_flag("--trace", options.fTrace,
-                 "Record every event out and in on the standard error stream");
+                 "Show every event out and in on the standard error stream");
+    app.add_option("--record", options.strRecord,
+                   "Record every event and reply in this new file, which tarvane-replay plays and "
+                   "draws")
+        ->type_name("FILE");
 
     DeclareQuestions(app, options);
     DeclareFileCommands(app, options);

@@ -39,6 +39,7 @@ struct Options
     bool fAudioSuite = false;
     bool fJson = false;
     bool fTrace = false;
+    std::string strRecord;         // empty: nothing is recorded
     std::optional<double> timeout; // seconds, above 0 and up to 60
 
     std::string strCommand;

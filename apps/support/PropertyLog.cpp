@@ -34,27 +34,84 @@ std::string Bytes(const void* pData, UInt32 nSize)
     return strText + (nSize > kMaxBytesShown ? " ..." : "");
 }
 
-std::string Fields(AudioUnitPropertyID nId, const void* pData, UInt32 nSize)
+void AddTimes(std::vector<PropertyField>& fields, const std::string& strOf,
+              const TNRegionTimes& times)
 {
-    char sz[160];
-    if (pData != nullptr && nId == TNProperty_SetArmCapture && nSize == sizeof(TNArmRequest))
+    fields.push_back({strOf + ".dPosition", times.dPosition});
+    fields.push_back({strOf + ".dAux", times.dAux});
+    fields.push_back({strOf + ".dReservedA", times.dReservedA});
+    fields.push_back({strOf + ".dStart", times.dStart});
+    fields.push_back({strOf + ".dEnd", times.dEnd});
+    fields.push_back({strOf + ".dReservedB", times.dReservedB});
+}
+
+std::string PathIn(const char (&szPath)[kTNPathSize])
+{
+    return {szPath, strnlen(szPath, kTNPathSize)};
+}
+
+std::vector<PropertyField> FieldsOf(const TNCaptureElement& record)
+{
+    std::vector<PropertyField> fields{{"nHeader", record.nHeader},
+                                      {"szGuidePath", PathIn(record.szGuidePath)}};
+    AddTimes(fields, "tGuide", record.tGuide);
+    fields.push_back({"szDubPath", PathIn(record.szDubPath)});
+    AddTimes(fields, "tDub", record.tDub);
+    AddTimes(fields, "tThird", record.tThird);
+    fields.push_back({"fIdentical", record.fIdentical});
+    fields.push_back({"dSampleRate", record.dSampleRate});
+    return fields;
+}
+
+std::vector<PropertyField> FieldsOf(const TNArmRequest& request)
+{
+    return {{"fArm", request.fArm}, {"fShift", request.fShift}};
+}
+
+std::vector<PropertyField> FieldsOf(const TNElementAck& ack)
+{
+    return {{"nElement", ack.nElement},
+            {"fHandled", ack.fHandled},
+            {"fNotDelivered", ack.fNotDelivered},
+            {"fFinal", ack.fFinal}};
+}
+
+// Of a record when it is one.
+template <typename Record> std::vector<PropertyField> RecordAt(const void* pData, UInt32 nSize)
+{
+    if (pData == nullptr || nSize != sizeof(Record))
     {
-        const auto request = ValueAt<TNArmRequest>(pData);
-        std::snprintf(sz, sizeof sz, "fArm %d, fShift %d", request.fArm, request.fShift);
-        return sz;
+        return {};
     }
-    if (pData != nullptr && nId == TNProperty_ElementDone && nSize == sizeof(TNElementAck))
+    return FieldsOf(ValueAt<Record>(pData));
+}
+
+// Likewise, of a single number.
+template <typename Number>
+std::vector<PropertyField> NumberAt(const char* szName, const void* pData, UInt32 nSize)
+{
+    if (pData == nullptr || nSize != sizeof(Number))
     {
-        const auto ack = ValueAt<TNElementAck>(pData);
-        std::snprintf(sz, sizeof sz, "nElement %d, fHandled %d, fNotDelivered %d, fFinal %d",
-                      static_cast<int>(ack.nElement), ack.fHandled, ack.fNotDelivered, ack.fFinal);
-        return sz;
+        return {};
     }
-    if (pData != nullptr && nId == TNProperty_SelectedTrack && nSize == sizeof(SInt32))
+    return {{szName, ValueAt<Number>(pData)}};
+}
+
+bool IsWritten(AudioUnitPropertyID nId)
+{
+    return nId == TNProperty_SetArmCapture || nId == TNProperty_ElementDone ||
+           nId == TNProperty_SelectedTrack;
+}
+
+std::string InWords(const std::vector<PropertyField>& fields)
+{
+    std::string strText;
+    for (const PropertyField& field : fields)
     {
-        return "track " + std::to_string(ValueAt<SInt32>(pData));
+        strText += (strText.empty() ? "" : ", ") + field.strName + " " +
+                   std::to_string(std::get<std::int64_t>(field.value));
     }
-    return Bytes(pData, nSize);
+    return strText;
 }
 
 } // namespace
@@ -86,9 +143,36 @@ const char* PropertyName(AudioUnitPropertyID nId)
     }
 }
 
+std::vector<PropertyField> PropertyFields(AudioUnitPropertyID nId, const void* pData, UInt32 nSize)
+{
+    switch (nId)
+    {
+    case TNProperty_ElementInfo:
+        return RecordAt<TNCaptureElement>(pData, nSize);
+    case TNProperty_ArmCapture:
+        return NumberAt<UInt8>("fArmed", pData, nSize);
+    case TNProperty_SetArmCapture:
+        return RecordAt<TNArmRequest>(pData, nSize);
+    case TNProperty_NextElement:
+        return NumberAt<SInt32>("nElement", pData, nSize);
+    case TNProperty_ElementDone:
+        return RecordAt<TNElementAck>(pData, nSize);
+    case TNProperty_SelectedTrack:
+        return NumberAt<SInt32>("track", pData, nSize);
+    case TNProperty_CurrentSampleInTimeLine:
+    case kTNProperty_CurrentCaptureLength:
+        return NumberAt<Float64>("seconds", pData, nSize);
+    default:
+        return {};
+    }
+}
+
 std::string DescribeWrite(AudioUnitPropertyID nId, const void* pData, UInt32 nSize)
 {
-    return std::to_string(nId) + " " + PropertyName(nId) + ": " + Fields(nId, pData, nSize);
+    const std::vector<PropertyField> fields =
+        IsWritten(nId) ? PropertyFields(nId, pData, nSize) : std::vector<PropertyField>();
+    return std::to_string(nId) + " " + PropertyName(nId) + ": " +
+           (fields.empty() ? Bytes(pData, nSize) : InWords(fields));
 }
 
 } // namespace Tarvane

@@ -1,6 +1,7 @@
 #include "tests/apps/link/LinkFixture.h"
 
 #include "apps/link/Link.h"
+#include "apps/support/recording/EventWatch.h"
 
 #include <cstdlib>
 
@@ -21,6 +22,12 @@ Tarvane::Link::BusState busState = kWorkingBus;
 Tarvane::Link::BusState Tarvane::Link::LookAtEventBus(SInt32)
 {
     return TarvaneTest::busState;
+}
+
+// As on a system that shows its events to nobody.
+bool Tarvane::RecordEvents(CRecorder*)
+{
+    return false;
 }
 
 namespace TarvaneTest

@@ -2,6 +2,7 @@
 
 #include "tests/apps/link/LinkFixture.h"
 #include "tests/apps/support/ManualPage.h"
+#include "tests/apps/support/TemporaryFolder.h"
 
 using namespace TarvaneTest;
 using testing::HasSubstr;
@@ -42,14 +43,15 @@ TEST_F(UsageTest, HelpHasEveryCommandOptionAndExitCode)
         EXPECT_EQ(ran.nExitCode, 0);
         for (const std::string& strCommand : kCommands)
             EXPECT_THAT(ran.strOutput, HasSubstr("\n" + strCommand + "\n"));
-        EXPECT_EQ(
-            OptionsIn(ran.strOutput),
-            (std::set<std::string>{
-                "--help",       "--version",   "--audio-suite", "--timeout",       "--json",
-                "--trace",      "--track",     "--position",    "--start",         "--end",
-                "--index-mask", "--rate",      "--guide-track", "--guide-start",   "--guide-end",
-                "--dub-track",  "--dub-start", "--dub-end",     "--aligned-track", "--output-track",
-                "--file",       "--interval",  "--count",       "--capture-folder"}));
+        EXPECT_EQ(OptionsIn(ran.strOutput),
+                  (std::set<std::string>{
+                      "--help",        "--version",     "--audio-suite",   "--timeout",
+                      "--json",        "--trace",       "--track",         "--position",
+                      "--start",       "--end",         "--index-mask",    "--rate",
+                      "--guide-track", "--guide-start", "--guide-end",     "--dub-track",
+                      "--dub-start",   "--dub-end",     "--aligned-track", "--output-track",
+                      "--file",        "--interval",    "--count",         "--capture-folder",
+                      "--record"}));
         for (const char* szCode : {"0 done", "1 the server reported", "2 wrong use",
                                    "3 the server is not running", "4 no answer", "5 no usable"})
             EXPECT_THAT(ran.strOutput, HasSubstr(szCode));
@@ -122,4 +124,11 @@ TEST_F(UsageTest, WhatIsMissingIsNamed)
     ExpectWrongUse({"align"}, "--guide-track");
     ExpectWrongUse({"spread", "--track", "0", "--start", "0", "--end", "1"}, "--output-track");
     ExpectWrongUse({"run", "x", "--file", "/y"}, "--file");
+}
+
+TEST_F(UsageTest, RecordingIsRefusedWhereNoEventsCanBeSeen)
+{
+    const CTemporaryFolder folder;
+    ExpectWrongUse({"tracks", "--record", folder / "recording"}, "cannot be recorded");
+    EXPECT_TRUE(m_events.Commands().empty());
 }
