@@ -35,11 +35,13 @@ long long Whole(const RecordedJson& json, const char* szName, long long nLowest 
                 long long nHighest = std::numeric_limits<long long>::max())
 {
     const RecordedJson& member = Member(json, szName);
+    // What is greater than any number of the other kind would come out negative.
+    const bool fNumber =
+        member.is_number_integer() &&
+        (!member.is_number_unsigned() ||
+         member.get<unsigned long long>() <= static_cast<unsigned long long>(nHighest));
     const bool fFits =
-        member.is_number_unsigned()
-            ? member.get<unsigned long long>() <= static_cast<unsigned long long>(nHighest)
-            : member.is_number_integer() && member.get<long long>() >= nLowest &&
-                  member.get<long long>() <= nHighest;
+        fNumber && member.get<long long>() >= nLowest && member.get<long long>() <= nHighest;
     if (!fFits)
         Flaw(std::string("its \"") + szName + "\" is no such number");
     return member.get<long long>();
