@@ -120,7 +120,7 @@ TEST_F(RecordedCapture, ViewThatSaysSomethingElseIsToldSoAndStillServed)
     EXPECT_EQ(PlayersEnd(), 1);
     EXPECT_THAT(player->Output(),
                 AllOf(HasSubstr(": another one came\n  '----', line 3, character "),
-                      HasSubstr("AddAudioRegion"), HasSubstr("^\n"),
+                      HasSubstr("96480,0,4800)"), HasSubstr("^\n"),
                       HasSubstr("They part 2 times")));
     EXPECT_EQ(OnlyCapture()["outcome"], "delivered");
 }
