@@ -8,7 +8,7 @@ function(tarvane_target_defaults target)
   # CMake gives programs that it links as Objective-C++ no path to the shared libraries.
   set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
   if(TARVANE_SANITIZE)
-    target_compile_options(${target} PRIVATE -fsanitize=${TARVANE_SANITIZE}
+    target_compile_options(${target} PRIVATE -fsanitize=${TARVANE_SANITIZE} ${TARVANE_UNCHECKED}
       -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PUBLIC -fsanitize=${TARVANE_SANITIZE})
   endif()

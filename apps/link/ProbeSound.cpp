@@ -17,7 +17,7 @@ namespace
 {
 
 constexpr char szSuffix[] = ".wav";
-constexpr int kRate = 48000;
+constexpr int kProbeRate = 48000;
 
 std::array<short, CProbeSound::kFrames> Noise()
 {
@@ -39,7 +39,7 @@ CProbeSound::CProbeSound(const std::filesystem::path& folder)
         throw std::runtime_error("no file can be made in " + folder.string() + ": " +
                                  std::strerror(errno));
     SF_INFO info{};
-    info.samplerate = kRate;
+    info.samplerate = kProbeRate;
     info.channels = 1;
     info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
     const SoundFileHandle pFile(sf_open_fd(nFile, SFM_WRITE, &info, SF_TRUE));

@@ -1,4 +1,4 @@
-#include "platform/gnustep/CoreFoundation/Pool.h"
+#import <Foundation/Foundation.h>
 
 // GNUstep takes the thread that uses it first for the main one; a program may start threads
 // before it comes to its first object. And -performSelectorOnMainThread:... without waiting,
@@ -10,9 +10,12 @@
 
 + (void)load
 {
-    platform::Pool pool;
+    // Not platform::Pool: unoptimised, its code may be the copy of another library, whose classes
+    // the runtime does not know yet.
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     [NSThread mainThread];
     [NSRunLoop currentRunLoop];
+    [pool drain];
 }
 
 @end
