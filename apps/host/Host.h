@@ -40,6 +40,13 @@ class CHost : private ILineListener
     int Run();
 
   private:
+    // Events are recorded until it goes.
+    struct EndRecording
+    {
+        void operator()(CRecorder* pRecorder) const;
+    };
+    using CRecording = std::unique_ptr<CRecorder, EndRecording>;
+
     // Hears of signals, and of the end.
     class CWakeListener : public ILineListener
     {
@@ -95,7 +102,7 @@ class CHost : private ILineListener
 
     CStalls m_stalls;
     std::optional<CStallWatch> m_stallWatch; // only when stalls are to be told
-    std::unique_ptr<CRecorder> m_pRecorder;  // outlives the plug-in; null when nothing is recorded
+    CRecording m_pRecorder;                  // outlives the plug-in; null when nothing is recorded
     CPlugIn m_plugIn;                        // outlives the view
     std::unique_ptr<CLinkView> m_pView;
     LineSource* m_commands = nullptr;

@@ -34,9 +34,9 @@ CPipe& WakePipe()
 
 void NoteSignal(int) { (void)!::write(WakePipe().WriteEnd(), "signal\n", 7); }
 
-std::unique_ptr<CRecorder> MakeRecorder(const std::string& strFile)
+CRecorder* MakeRecorder(const std::string& strFile)
 {
-    return strFile.empty() ? nullptr : std::make_unique<CRecorder>(strFile, "tarvane-host");
+    return strFile.empty() ? nullptr : new CRecorder(strFile, "tarvane-host");
 }
 
 // What has been handed to the main thread already, and what that hands over in turn.
@@ -97,7 +97,6 @@ CHost::~CHost()
     }
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     CloseView();
-    RecordEvents(nullptr);
     [m_commands release];
     [m_wakes release];
     [m_windowClosed release];
@@ -127,6 +126,12 @@ void CHost::CloseView()
         std::fputs(m_stalls.Tell().c_str(), m_pStory);
         Guarded([this] { WriteCaptures(); });
     }
+}
+
+void CHost::EndRecording::operator()(CRecorder* pRecorder) const
+{
+    RecordEvents(nullptr);
+    delete pRecorder;
 }
 
 void CHost::BeginRecording()

@@ -106,6 +106,18 @@ fs::path CaptureFolder(const HostOptions& options)
     return fs::absolute(fs::path(options.strResults) / "captures").lexically_normal();
 }
 
+// The recording stands between the view and the plug-in, and goes with the plug-in.
+void CheckRecording(const HostOptions& options)
+{
+    const auto has = [&options](SignalFault fault) { return options.faults.count(fault) != 0; };
+    if (!options.strRecord.empty() &&
+        (has(SignalFault::ListenersKept) || has(SignalFault::NotifiesAfterDisposal)))
+    {
+        throw CUsageError("a plug-in that notifies whoever has left cannot be recorded - leave "
+                          "--record away, or listeners-kept and notifies-after-disposal.");
+    }
+}
+
 } // namespace
 
 void DeclareOptions(CLI::App& app, HostOptions& options)
@@ -177,6 +189,7 @@ HostPlan MakePlan(const HostOptions& options)
         throw CUsageError("there is nothing to capture - name a sound file, or leave --headless "
                           "away.");
     }
+    CheckRecording(options);
     HostPlan plan;
     plan.settings.dSpeed = SpeedOf(options.strSpeed);
     plan.settings.nTrack = options.nTrack;

@@ -86,6 +86,23 @@ TEST_F(HostOptionsTest, MorePositionsThanFilesAreRefused)
     EXPECT_THAT(Refusal(), HasSubstr("more positions than sound files"));
 }
 
+TEST_F(HostOptionsTest, WhoNotifiesThoseThatHaveLeftIsNotRecorded)
+{
+    options.files = {Sound("a.wav", 10, 48000)};
+    for (const SignalFault fault :
+         {SignalFault::ListenersKept, SignalFault::NotifiesAfterDisposal})
+    {
+        options.faults = {fault, SignalFault::Storm};
+        options.strRecord = "new.jsonl";
+        EXPECT_THAT(Refusal(), HasSubstr("cannot be recorded"));
+        options.strRecord.clear();
+        EXPECT_THAT(Refusal(), testing::Not(HasSubstr("cannot be recorded")));
+    }
+    options.faults = {SignalFault::Storm};
+    options.strRecord = "new.jsonl";
+    EXPECT_THAT(Refusal(), testing::Not(HasSubstr("cannot be recorded")));
+}
+
 TEST_F(HostOptionsTest, SpeedIsANumberAboveZeroOrMax)
 {
     for (const auto& [strSpeed, dSpeed] :
