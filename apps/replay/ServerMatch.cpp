@@ -75,7 +75,7 @@ bool CServerMatch::End()
     if (m_nPartings == 0)
         m_story << "All " << m_exchanges.size() << " events came as recorded." << std::endl;
     else
-        m_story << "They part " << m_nPartings << " times in " << m_exchanges.size() << " events."
+        m_story << "Differences: " << m_nPartings << ", in " << m_exchanges.size() << " events."
                 << std::endl;
     return m_nPartings == 0;
 }

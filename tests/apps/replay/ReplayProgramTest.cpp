@@ -121,7 +121,7 @@ TEST_F(RecordedCapture, ViewThatSaysSomethingElseIsToldSoAndStillServed)
     EXPECT_THAT(player->Output(),
                 AllOf(HasSubstr(": another one came\n  '----', line 3, character "),
                       HasSubstr("96480,0,4800)"), HasSubstr("^\n"),
-                      HasSubstr("They part 2 times")));
+                      HasSubstr("Differences: 2,")));
     EXPECT_EQ(OnlyCapture()["outcome"], "delivered");
 }
 

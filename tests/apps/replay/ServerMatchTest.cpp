@@ -78,7 +78,7 @@ TEST_F(ServerMatchTest, OtherWordsForTheSameCallsAreToldAndAnswered)
                        "    got:      add(\"/b\",1)\n"
                        "                    ^\n");
     EXPECT_FALSE(m_match.End());
-    EXPECT_EQ(Story(), "They part 1 times in 4 events.\n");
+    EXPECT_EQ(Story(), "Differences: 1, in 4 events.\n");
 }
 
 TEST_F(ServerMatchTest, EventThatComesOnceMoreGetsTheAnswerItGotBefore)
