@@ -21,6 +21,7 @@ h1 { font-size: 20px; }
 .heads { position: sticky; top: 0; background: #fff; }
 svg { display: block; font: 12px sans-serif; }
 summary { display: block; cursor: pointer; }
+summary::-webkit-details-marker { display: none; }
 summary:hover, details[open] > summary { background: #eef4f9; }
 details > pre { margin: 0 0 8px 104px; padding: 8px; background: #f4f4f4; border-left: 3px solid #999;
   white-space: pre-wrap; overflow-wrap: anywhere; max-width: 930px; }
