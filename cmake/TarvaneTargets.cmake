@@ -43,12 +43,15 @@ function(tarvane_add_plugin target)
   target_link_libraries(${target} PRIVATE ${arg_LINK})
 endfunction()
 
-# tarvane_add_test(<target> SOURCES ... [LINK ...] [TIMEOUT seconds] [NO_MAIN] [DISPLAY] [LONG])
+# tarvane_add_test(<target> SOURCES ... [LINK ...] [TIMEOUT seconds] [NO_MAIN] [DISPLAY] [LONG]
+#                  [JOINT])
 # A GoogleTest program; CTest discovers its cases. NO_MAIN: the sources bring their own main().
 # DISPLAY: the cases open windows on the one display, or use its mouse, and so run one after another
 # and apart from the rest. LONG: the cases are started before the others, which run beside them.
+# JOINT: several sources are compiled at a time where TARVANE_JOINT_FILES says so; their names must
+# not clash.
 function(tarvane_add_test target)
-  cmake_parse_arguments(arg "NO_MAIN;DISPLAY;LONG" "TIMEOUT" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(arg "NO_MAIN;DISPLAY;LONG;JOINT" "TIMEOUT" "SOURCES;LINK" ${ARGN})
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()
@@ -61,6 +64,9 @@ function(tarvane_add_test target)
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     target_precompile_headers(${target} REUSE_FROM tarvane_test_headers)
     target_compile_options(${target} PRIVATE -fpch-preprocess) # for ccache
+  endif()
+  if(arg_JOINT)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD "${TARVANE_JOINT_FILES}")
   endif()
   set(properties TIMEOUT ${arg_TIMEOUT})
   if(arg_DISPLAY)

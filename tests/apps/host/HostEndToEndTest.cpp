@@ -1,4 +1,4 @@
-#include "tests/apps/host/EndToEndFixture.h"
+#include "tests/apps/host/DeliveryFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -14,9 +14,6 @@ using testing::StartsWith;
 
 namespace
 {
-
-constexpr const char* kNotRunning = "Error - Tarvane not running.";
-constexpr const char* kLaunch = "Locate and launch Tarvane.";
 
 json Ack(int nElement, int nNotDelivered)
 {

@@ -24,7 +24,7 @@ Options Parse(std::vector<std::string> arguments)
     return options;
 }
 
-std::string ErrorOf(const std::vector<std::string>& arguments)
+std::string RefusalOf(const std::vector<std::string>& arguments)
 {
     try
     {
@@ -91,38 +91,38 @@ TEST(Options, AListingCanBeJson)
     const Options options = Parse({"--list-session", "a.session", "--json"});
     EXPECT_EQ(options.strListedFile, "a.session");
     EXPECT_TRUE(options.fJson);
-    EXPECT_THAT(ErrorOf({"--json"}), HasSubstr("--list-session"));
+    EXPECT_THAT(RefusalOf({"--json"}), HasSubstr("--list-session"));
 }
 
 TEST(Options, TrackNamesThatBreakTheListAreRefused)
 {
-    EXPECT_THAT(ErrorOf({"--track", "a\nb"}),
+    EXPECT_THAT(RefusalOf({"--track", "a\nb"}),
                 HasSubstr("a track's name contains a line end or another control character"));
-    EXPECT_THAT(ErrorOf({"--track", ""}), HasSubstr("a track's name is empty"));
-    EXPECT_THAT(ErrorOf({"--track", std::string(1000, 'x')}), HasSubstr("longer than 999 bytes"));
-    EXPECT_THAT(ErrorOf({"--track", "\xff"}), HasSubstr("not UTF-8"));
+    EXPECT_THAT(RefusalOf({"--track", ""}), HasSubstr("a track's name is empty"));
+    EXPECT_THAT(RefusalOf({"--track", std::string(1000, 'x')}), HasSubstr("longer than 999 bytes"));
+    EXPECT_THAT(RefusalOf({"--track", "\xff"}), HasSubstr("not UTF-8"));
 }
 
 TEST(Options, OneNameFollowsEachTrack)
 {
-    EXPECT_NE(ErrorOf({"--track", "Vox", "Guitar"}), "read");
+    EXPECT_NE(RefusalOf({"--track", "Vox", "Guitar"}), "read");
 }
 
 TEST(Options, OffsetsAreNumbersInReach)
 {
-    EXPECT_THAT(ErrorOf({"--link-offset", "soon"}), HasSubstr("--link-offset"));
-    EXPECT_THAT(ErrorOf({"--link-offset", "nan"}), HasSubstr("within a million seconds"));
-    EXPECT_THAT(ErrorOf({"--link-offset", "1e9"}), HasSubstr("within a million seconds"));
+    EXPECT_THAT(RefusalOf({"--link-offset", "soon"}), HasSubstr("--link-offset"));
+    EXPECT_THAT(RefusalOf({"--link-offset", "nan"}), HasSubstr("within a million seconds"));
+    EXPECT_THAT(RefusalOf({"--link-offset", "1e9"}), HasSubstr("within a million seconds"));
 }
 
 TEST(Options, UnknownFaultsAndOptionsAreRefused)
 {
-    EXPECT_THAT(ErrorOf({"--misbehave", "dance@1"}), HasSubstr("there is no fault \"dance\""));
-    EXPECT_THAT(ErrorOf({"--seed", "often"}), HasSubstr("--seed"));
-    EXPECT_THAT(ErrorOf({"--delay", "-1"}), HasSubstr("--delay"));
-    EXPECT_NE(ErrorOf({"--nonsense"}), "read");
-    EXPECT_NE(ErrorOf({"extra"}), "read");
-    EXPECT_NE(ErrorOf({"--session"}), "read");
+    EXPECT_THAT(RefusalOf({"--misbehave", "dance@1"}), HasSubstr("there is no fault \"dance\""));
+    EXPECT_THAT(RefusalOf({"--seed", "often"}), HasSubstr("--seed"));
+    EXPECT_THAT(RefusalOf({"--delay", "-1"}), HasSubstr("--delay"));
+    EXPECT_NE(RefusalOf({"--nonsense"}), "read");
+    EXPECT_NE(RefusalOf({"extra"}), "read");
+    EXPECT_NE(RefusalOf({"--session"}), "read");
 }
 
 TEST(Options, ManualPageHasEveryOptionAndFault)
