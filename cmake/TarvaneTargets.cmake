@@ -46,8 +46,9 @@ endfunction()
 # tarvane_add_test(<target> SOURCES ... [LINK ...] [TIMEOUT seconds] [NO_MAIN] [DISPLAY] [LONG]
 #                  [JOINT])
 # A GoogleTest program; CTest discovers its cases. NO_MAIN: the sources bring their own main().
-# DISPLAY: the cases open windows on the one display, or use its mouse, and so run one after another
-# and apart from the rest. LONG: the cases are started before the others, which run beside them.
+# DISPLAY: the cases use the one mouse, or look at pixels of the one display, and so run one after
+# another and apart from the rest; a case that only opens windows needs none of that. LONG: the
+# cases are started before the others, which run beside them.
 # JOINT: several sources are compiled at a time where TARVANE_JOINT_FILES says so; their names must
 # not clash.
 function(tarvane_add_test target)
