@@ -24,7 +24,7 @@ TEST(RecordedText, HexGoesThereAndBack)
     EXPECT_EQ(HexOf(strBytes), "007f80ff");
     EXPECT_EQ(BytesOfHex("007f80ff"), strBytes);
     EXPECT_EQ(BytesOfHex(""), "");
-    for (const std::string strWrong : {"0", "0g", "FF", " 1", std::string("0\0", 2).c_str()})
+    for (const std::string strWrong : {"0", "0g", "FF", " 1"})
         EXPECT_THROW(BytesOfHex(strWrong), std::invalid_argument) << strWrong;
     EXPECT_THROW(BytesOfHex(std::string_view("0\0", 2)), std::invalid_argument);
 }
