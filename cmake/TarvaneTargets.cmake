@@ -44,15 +44,15 @@ function(tarvane_add_plugin target)
 endfunction()
 
 # tarvane_add_test(<target> SOURCES ... [LINK ...] [TIMEOUT seconds] [NO_MAIN] [DISPLAY] [LONG]
-#                  [JOINT])
+#                  [JOINT] [SUITES])
 # A GoogleTest program; CTest discovers its cases. NO_MAIN: the sources bring their own main().
 # DISPLAY: the cases use the one mouse, or look at pixels of the one display, and so run one after
 # another and apart from the rest; a case that only opens windows needs none of that. LONG: the
 # cases are started before the others, which run beside them.
 # JOINT: several sources are compiled at a time where TARVANE_JOINT_FILES says so; their names must
-# not clash.
+# not clash. SUITES: the cases of a suite, many and short, are run by one process.
 function(tarvane_add_test target)
-  cmake_parse_arguments(arg "NO_MAIN;DISPLAY;LONG;JOINT" "TIMEOUT" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(arg "NO_MAIN;DISPLAY;LONG;JOINT;SUITES" "TIMEOUT" "SOURCES;LINK" ${ARGN})
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()
@@ -76,5 +76,12 @@ function(tarvane_add_test target)
   if(arg_LONG)
     list(APPEND properties COST 1000)
   endif()
-  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
+  if(arg_SUITES)
+    set(discovery "${CMAKE_CURRENT_BINARY_DIR}/${target}_suites.cmake")
+    file(GENERATE OUTPUT "${discovery}" CONTENT
+      "set(program \"$<TARGET_FILE:${target}>\")\nset(properties ${properties})\ninclude(\"${PROJECT_SOURCE_DIR}/cmake/DiscoverSuites.cmake\")\n")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${discovery}")
+  else()
+    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
+  endif()
 endfunction()
