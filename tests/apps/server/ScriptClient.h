@@ -17,8 +17,8 @@ struct CScriptAnswer
     std::optional<std::string> error;  // what 'Errr' held, likewise
 };
 
-// Half a minute: no answer comes as late as that, unless it never comes.
-constexpr SInt32 kAnyTicks = 30 * 60;
+// No answer comes as late as that, unless it never comes.
+constexpr SInt32 kAnyTicks = 100 * 60;
 
 CScriptAnswer SendScript(std::string_view strScript, SInt32 nTicks = kAnyTicks);
 
