@@ -1,7 +1,9 @@
 #pragma once
 
-#include <sstream>
+#include <concepts>
+#include <cstdint>
 #include <string>
+#include <string_view>
 
 /// The text of a script under way. Numbers come out without grouping and with a decimal point in
 /// every locale.
@@ -11,14 +13,16 @@ public:
     /// Starts with the line that selects the document, which the last line, "end\n", closes.
     explicit CScriptComposer(bool fAudioSuite);
 
-    template <typename Piece> CScriptComposer& operator<<(const Piece& piece)
-    {
-        m_stream << piece;
-        return *this;
-    }
+    CScriptComposer& operator<<(std::string_view text);
+    CScriptComposer& operator<<(std::integral auto nNumber) { return AppendInteger(nNumber); }
 
-    std::string Text() const { return m_stream.str(); }
+    /// With six significant digits, as streams write it.
+    CScriptComposer& operator<<(double dNumber);
+
+    const std::string& Text() const { return m_strText; }
 
 private:
-    std::ostringstream m_stream;
+    CScriptComposer& AppendInteger(std::int64_t nNumber);
+
+    std::string m_strText;
 };

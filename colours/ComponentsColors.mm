@@ -4,7 +4,6 @@
 #include "utils/ParameterBlock.h"
 
 #include <memory>
-#include <typeinfo>
 
 CComponentsColors gAppColours;
 int gnAppStyle = 1;
@@ -35,13 +34,6 @@ CComponentColour* CComponentsColors::Find(CComponentCode code)
 }
 
 bool CComponentsColors::IsGradient(CComponentCode code) { return IsGradient(Find(code)); }
-
-bool CComponentsColors::IsGradient(const CComponentColour* pEntry)
-{
-    // By the class itself: this is asked for each fill, and a cast would take as long as the
-    // search.
-    return pEntry && typeid(*pEntry) == typeid(CGradientFill);
-}
 
 CGColorRef CComponentsColors::FindCGColorRef(CComponentCode code)
 {

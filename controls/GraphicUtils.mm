@@ -62,13 +62,13 @@ Axis RoundAxis(CGRect rect, FillDirection direction, bool fFlipped)
     }
 }
 
-void FillFlat(CGContextRef context, const CComponentColour* pEntry, CGRect rect)
+void FillFlat(CGContextRef context, const CComponentColour* pEntry, const CGRect& rect)
 {
     CGContextSetFillColorWithColor(context, pEntry ? pEntry->m_refColor : nullptr);
     CGContextFillRect(context, rect);
 }
 
-void FillBackground(CGContextRef context, CComponentCode background, CGRect rect)
+void FillBackground(CGContextRef context, CComponentCode background, const CGRect& rect)
 {
     if (!background.Empty())
         FillFlat(context, gAppColours.Find(background), rect);

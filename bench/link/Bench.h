@@ -22,10 +22,15 @@ Scripts RecordScripts();
 // The text of a script as its bytes.
 std::string BytesOf(const std::string& script);
 
-// One command and one delivery, by the link to whoever is the server and by the raw caller to
-// szRawDestination. strWhere ends the names. The scripts and the caller must live until they ran.
+// One command and one delivery to whoever is the server, by the link and by the raw caller.
+// strWhere ends the names. The scripts and the caller must live until they ran. A repetition has
+// nDeliveries: 1 for a server that knows a capture again.
 void RegisterExchanges(const std::string& strWhere, const Scripts& scripts, CRawCaller& caller,
-                       const char* szRawDestination);
+                       int nDeliveries);
+
+// The raw caller's part of these alone, to a destination of its own.
+void RegisterRawTrips(const std::string& strWhere, const Scripts& scripts, CRawCaller& caller,
+                      const char* szDestination, int nDeliveries);
 
 void RegisterSplitting();
 

@@ -109,23 +109,29 @@ Scripts RecordScripts()
     return {sent[0], {sent[1], sent[2], sent[3]}};
 }
 
-void RegisterExchanges(const std::string& strWhere, const Scripts& scripts, CRawCaller& caller,
-                       const char* szRawDestination)
+void RegisterRawTrips(const std::string& strWhere, const Scripts& scripts, CRawCaller& caller,
+                      const char* szDestination, int nDeliveries)
 {
-    const auto fnRawDelivery = [&, szRawDestination]
+    const auto fnRawDelivery = [&, szDestination]
     {
         for (const std::string& script : scripts.delivery)
-            caller.Trip(szRawDestination, script);
+            caller.Trip(szDestination, script);
     };
-    Register("command" + strWhere, {{}, Times(kCommands, Command), {}}, kCommands);
     Register("raw trip" + strWhere,
              {{},
-              Times(kCommands,
-                    [&, szRawDestination] { caller.Trip(szRawDestination, scripts.command); }),
+              Times(kCommands, [&, szDestination] { caller.Trip(szDestination, scripts.command); }),
               {}},
              kCommands);
-    Register("delivery" + strWhere, {{}, Deliver, ClearTrack});
-    Register("three raw trips" + strWhere, {{}, fnRawDelivery, ClearTrack});
+    Register("three raw trips" + strWhere, {{}, Times(nDeliveries, fnRawDelivery), ClearTrack},
+             nDeliveries);
+}
+
+void RegisterExchanges(const std::string& strWhere, const Scripts& scripts, CRawCaller& caller,
+                       int nDeliveries)
+{
+    Register("command" + strWhere, {{}, Times(kCommands, Command), {}}, kCommands);
+    Register("delivery" + strWhere, {{}, Times(nDeliveries, Deliver), ClearTrack}, nDeliveries);
+    RegisterRawTrips(strWhere, scripts, caller, kServerName, nDeliveries);
     Expect("command" + strWhere, "raw trip" + strWhere, 1.15);
     Expect("delivery" + strWhere, "three raw trips" + strWhere, 1.2);
 }

@@ -128,13 +128,22 @@ void CountSwallowed()
     ExpectCount("locks of 10000 swallowed notifications", after.nLocks - before.nLocks, 0);
 }
 
+std::string MenuOf(int nTracks)
+{
+    return "menu of " + std::to_string(nTracks);
+}
+
+std::string TrackInMenuOf(int nTracks)
+{
+    return "track in a menu of " + std::to_string(nTracks);
+}
+
 void RegisterMenu(int nTracks)
 {
     // As many tracks a repetition as of the middle menu at least: the first fill after others finds
     // cold caches, which is not what is asked.
-    const int nFills = std::max(1, 1000 / nTracks);
-    const std::string strName = "track in a menu of " + std::to_string(nTracks);
-    Register(strName,
+    const int nFills = std::max(1, 1000 / std::max(nTracks, 10));
+    Register(MenuOf(nTracks),
              {[nTracks] { ListTracks(nTracks); },
               [nFills]
               {
@@ -142,15 +151,16 @@ void RegisterMenu(int nTracks)
                       InPool([] { [OneView() FillTrackMenu]; });
               },
               [] { ListTracks(3); }},
-             nTracks * nFills, nTracks <= 1000 ? 0 : kHeavyRepetitions);
+             nFills, nTracks <= 1000 ? 0 : kHeavyRepetitions);
 }
 
 void RegisterViewsOf(int nViews)
 {
     static Views views;
+    const int nRepetitions = kHeavyRepetitions + 64 / nViews;
     const std::string strViews = std::to_string(nViews) + (nViews == 1 ? " view" : " views");
     Register("open " + strViews, {{}, [nViews] { Open(views, nViews); }, [] { Close(views); }}, 1,
-             kHeavyRepetitions);
+             nRepetitions);
     Register("arm " + strViews,
              {[nViews] { Open(views, nViews); },
               []
@@ -159,7 +169,7 @@ void RegisterViewsOf(int nViews)
                       InPool([view] { [view TNProperty_ArmCapture]; });
               },
               [] { Close(views); }},
-             1, kHeavyRepetitions);
+             1, nRepetitions);
     if (nViews == 64)
     {
         Expect("open 64 views", "open 1 view", 70);
@@ -203,12 +213,16 @@ void RegisterNotifications()
 
 void RegisterMenus()
 {
+    RegisterMenu(1);
     for (const int nTracks : {10, 100, 1000, 10000})
-        RegisterMenu(nTracks);
-    for (const char* szMany : {"track in a menu of 1000", "track in a menu of 10000"})
     {
-        Expect(szMany, "track in a menu of 100", 1.2);
-        Expect("track in a menu of 100", szMany, 1.2);
+        RegisterMenu(nTracks);
+        Derive(TrackInMenuOf(nTracks), MenuOf(nTracks), MenuOf(1), nTracks - 1);
+    }
+    for (const int nMany : {1000, 10000})
+    {
+        Expect(TrackInMenuOf(nMany), TrackInMenuOf(100), 1.2);
+        Expect(TrackInMenuOf(100), TrackInMenuOf(nMany), 1.2);
     }
 }
 

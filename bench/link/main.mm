@@ -3,19 +3,21 @@
 //     scripts/with-desktop --private build/bench/bin/bench-link
 //
 // Commands and deliveries go over the real bus, and beside each goes a raw trip: the bus library's
-// blocking call with the same bytes, whose reply has the same bytes. Two pairs of them:
+// blocking call with the same bytes to the same receiver. What is left is the link's cost in its
+// host. There are two receivers:
 //
-//   server    The link and the raw caller both speak to one tarvane-server, which runs each script,
-//             so that the server's own work is in both. What is left is the link's cost in its
-//             host.
-//   receiver  The link speaks to a receiver that is built on the platform layer and runs nothing,
-//             the raw caller to one that is built on the bus library alone. Nothing but the link is
-//             in the difference, on both sides of the bus.
+//   server    tarvane-server, which runs each script.
+//   receiver  bench-link-receiver, which is built on the platform layer and runs nothing, so that
+//             nobody's work hides what the link costs.
+//
+// For the eye, the raw caller speaks to a receiver built on the bus library alone too, "bus alone":
+// what the platform layer's receiving side costs shows beside it.
 //
 // A delivery is the whole of what the view does for a captured element: its properties, its three
 // commands, its acknowledge. Every repetition is short, and they come in random order; what is
 // compared are medians. Menus and views are filled by the receiver, whose lists cost the same for
-// each track.
+// each track. A track's cost is what it adds to filling a menu of one, so that the command and the
+// choice of a track, which are the same for all, are not shared out among few or many.
 #include "apps/support/ChildProcess.h"
 #include "bench/link/Bench.h"
 #include "bench/link/BenchUnit.h"
@@ -37,6 +39,8 @@ using Tarvane::CChildProcess;
 
 namespace
 {
+
+constexpr int kDeliveries = 8; // a repetition, to those who do not know a capture again
 
 // A folder with the captured file in it, which goes with the object.
 struct Capture
@@ -92,7 +96,10 @@ void RunBench()
     const Bench::Scripts scripts = Bench::RecordScripts();
     TeachRawReceiver(caller, scripts);
 
-    Bench::RegisterExchanges(", receiver", scripts, caller, Bench::kRawName);
+    Bench::RegisterExchanges(", receiver", scripts, caller, kDeliveries);
+    Bench::RegisterRawTrips(", bus alone", scripts, caller, Bench::kRawName, kDeliveries);
+    Bench::Compare("command, receiver", "raw trip, bus alone");
+    Bench::Compare("delivery, receiver", "three raw trips, bus alone");
     Bench::RegisterSplitting();
     Bench::RegisterNotifications();
     Bench::RegisterMenus();
@@ -102,7 +109,7 @@ void RunBench()
     receiver.reset();
     Start(server, {"tarvane-server", "--track", "Dialogue", "--track", "ADR", "--track", "Foley",
                    "--link-offset", "2"});
-    Bench::RegisterExchanges(", server", scripts, caller, Bench::kServerName);
+    Bench::RegisterExchanges(", server", scripts, caller, 1);
     Bench::Run();
 }
 

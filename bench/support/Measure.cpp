@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <fstream>
+#include <limits>
 #include <malloc.h>
 #include <map>
 #include <sys/wait.h>
@@ -22,7 +24,22 @@ struct Expectation
 {
     std::string strName;
     std::string strBase;
-    double dLimit;
+    double dLimit; // none: infinite
+};
+
+struct Derivation
+{
+    std::string strName;
+    std::string strOf;
+    std::string strWithout;
+    int nThings;
+};
+
+// Nanoseconds.
+struct Figure
+{
+    double dMedian;
+    double dLowest;
 };
 
 struct Count
@@ -33,6 +50,7 @@ struct Count
 };
 
 std::vector<Expectation> expectations;
+std::vector<Derivation> derivations;
 std::vector<std::pair<std::string, double>> bounds; // nanoseconds
 std::vector<Count> counts;
 
@@ -108,56 +126,77 @@ std::string TimeText(double dNanoseconds)
     return sz;
 }
 
-void PrintTimes()
+using Figures = std::map<std::string, Figure>;
+
+/// Without what was not run.
+Figures AllFigures()
+{
+    Figures figures;
+    for (const auto& [strName, times] : all.times)
+        figures[strName] = {MedianOf(times), LowestOf(times)};
+    for (const Derivation& derived : derivations)
+    {
+        const auto of = figures.find(derived.strOf), without = figures.find(derived.strWithout);
+        if (of == figures.end() || without == figures.end())
+            continue;
+        figures[derived.strName] = {
+            (of->second.dMedian - without->second.dMedian) / derived.nThings,
+            (of->second.dLowest - without->second.dLowest) / derived.nThings};
+    }
+    return figures;
+}
+
+void PrintTimes(const Figures& figures)
 {
     std::printf("%-44s %13s %13s\n", "", "median", "lowest");
-    for (const auto& [strName, times] : all.times)
-        std::printf("%-44s %s %s\n", strName.c_str(), TimeText(MedianOf(times)).c_str(),
-                    TimeText(LowestOf(times)).c_str());
+    for (const auto& [strName, figure] : figures)
+        std::printf("%-44s %s %s\n", strName.c_str(), TimeText(figure.dMedian).c_str(),
+                    TimeText(figure.dLowest).c_str());
 }
 
-/// Null for what was not run.
-const std::vector<double>* TimesOf(const std::string& strName)
-{
-    const auto found = all.times.find(strName);
-    return found == all.times.end() ? nullptr : &found->second;
-}
-
-const char* Verdict(bool fMissed)
+std::string Verdict(bool fMissed)
 {
     return fMissed ? "  MISSED" : "  reached";
 }
 
-int MissedRatios()
+std::string Verdict(double dRatio, double dLimit)
+{
+    if (std::isinf(dLimit))
+        return {};
+    char sz[32];
+    std::snprintf(sz, sizeof sz, "  (at most %.2f)", dLimit);
+    return sz + Verdict(dRatio > dLimit);
+}
+
+int MissedRatios(const Figures& figures)
 {
     int nMissed = 0;
     for (const Expectation& expected : expectations)
     {
-        const auto* pTimes = TimesOf(expected.strName);
-        const auto* pBase = TimesOf(expected.strBase);
-        if (pTimes == nullptr || pBase == nullptr)
+        const auto of = figures.find(expected.strName), base = figures.find(expected.strBase);
+        if (of == figures.end() || base == figures.end())
             continue;
-        const double dRatio = MedianOf(*pTimes) / MedianOf(*pBase);
+        const double dRatio = of->second.dMedian / base->second.dMedian;
         nMissed += dRatio > expected.dLimit;
-        std::printf("%-37s / %-30s %6.2f %6.2f  (at most %.2f)%s\n", expected.strName.c_str(),
-                    expected.strBase.c_str(), dRatio, LowestOf(*pTimes) / LowestOf(*pBase),
-                    expected.dLimit, Verdict(dRatio > expected.dLimit));
+        std::printf("%-37s / %-30s %6.2f %6.2f%s\n", expected.strName.c_str(),
+                    expected.strBase.c_str(), dRatio, of->second.dLowest / base->second.dLowest,
+                    Verdict(dRatio, expected.dLimit).c_str());
     }
     return nMissed;
 }
 
-int MissedBounds()
+int MissedBounds(const Figures& figures)
 {
     int nMissed = 0;
     for (const auto& [strName, dMost] : bounds)
     {
-        const auto* pTimes = TimesOf(strName);
-        if (pTimes == nullptr)
+        const auto of = figures.find(strName);
+        if (of == figures.end())
             continue;
-        const double dMedian = MedianOf(*pTimes);
+        const auto [dMedian, dLowest] = of->second;
         nMissed += dMedian > dMost;
-        std::printf("%-70s %6.2f %6.2f  (at most %.0f ns)%s\n", strName.c_str(), dMedian,
-                    LowestOf(*pTimes), dMost, Verdict(dMedian > dMost));
+        std::printf("%-70s %6.2f %6.2f  (at most %.0f ns)%s\n", strName.c_str(), dMedian, dLowest,
+                    dMost, Verdict(dMedian > dMost).c_str());
     }
     return nMissed;
 }
@@ -169,7 +208,7 @@ int MissedCounts()
     {
         nMissed += count.nCounted > count.nMost;
         std::printf("%-70s %6zu         (at most %zu)%s\n", count.strWhat.c_str(), count.nCounted,
-                    count.nMost, Verdict(count.nCounted > count.nMost));
+                    count.nMost, Verdict(count.nCounted > count.nMost).c_str());
     }
     return nMissed;
 }
@@ -189,6 +228,17 @@ void Register(const std::string& strName, const Steps& steps, int nThings, int n
 void Expect(const std::string& strName, const std::string& strBase, double dLimit)
 {
     expectations.push_back({strName, strBase, dLimit});
+}
+
+void Compare(const std::string& strName, const std::string& strBase)
+{
+    Expect(strName, strBase, std::numeric_limits<double>::infinity());
+}
+
+void Derive(const std::string& strName, const std::string& strOf, const std::string& strWithout,
+            int nThings)
+{
+    derivations.push_back({strName, strOf, strWithout, nThings});
 }
 
 void ExpectWithin(const std::string& strName, double dNanoseconds)
@@ -233,9 +283,10 @@ void Run()
 
 int Report()
 {
-    PrintTimes();
+    const Figures figures = AllFigures();
+    PrintTimes(figures);
     std::printf("\n%-70s %6s %7s\n", "", "median", "lowest");
-    return MissedRatios() + MissedBounds() + MissedCounts();
+    return MissedRatios(figures) + MissedBounds(figures) + MissedCounts();
 }
 
 int RunAll(int argc, char** argv)

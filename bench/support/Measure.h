@@ -24,6 +24,13 @@ void Register(const std::string& strName, const Steps& steps, int nThings = 1,
 // strName takes at most dLimit times what strBase takes.
 void Expect(const std::string& strName, const std::string& strBase, double dLimit);
 
+// What strName takes beside strBase is told, and nothing asked of it.
+void Compare(const std::string& strName, const std::string& strBase);
+
+// A figure of its own, strName: what each of nThings adds to strOf beyond strWithout.
+void Derive(const std::string& strName, const std::string& strOf, const std::string& strWithout,
+            int nThings);
+
 // strName takes at most so many nanoseconds.
 void ExpectWithin(const std::string& strName, double dNanoseconds);
 
