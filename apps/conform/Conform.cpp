@@ -15,6 +15,7 @@ namespace
 
 constexpr double kShortestTimeout = 0.1; // seconds
 constexpr double kLongestTimeout = 60.0;
+constexpr double kLongestWait = 3600.0;
 
 struct Options
 {
@@ -56,6 +57,9 @@ void DeclareServer(CLI::App& app, Options& options)
     pServer->add_option("--track", options.server.nTrack, "The track to work on, from 0 [the last]")
         ->check(CLI::NonNegativeNumber);
     pServer->add_flag("--clear", options.server.fClear, "Regions that the track holds may go.");
+    pServer->add_option("--wait", options.server.dWait, "Seconds to wait for a server to start")
+        ->capture_default_str()
+        ->check(CLI::Range(0.0, kLongestWait));
     pServer->add_option("--timeout", options.server.dTimeout, "Seconds a command may take")
         ->capture_default_str()
         ->check(CLI::Range(kShortestTimeout, kLongestTimeout));

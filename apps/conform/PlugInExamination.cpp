@@ -127,7 +127,7 @@ void ExamineRuleAndEnd(const PlugInOptions& options, const std::string& strRule)
     {
         const CPlugInLibrary library(options.strLibrary);
         const Finding finding =
-            ExamineRule(RuleOf(PlugInRules(), strRule), {library, options.dTimeout});
+            ExamineRule(RuleOf(PlugInRules(), strRule), PlugInBench{library, options.dTimeout});
         told = {{"outcome", NameOf(finding.outcome)}, {"seen", finding.strSeen}};
     }
     catch (const CUsageError& error)
@@ -139,23 +139,6 @@ void ExamineRuleAndEnd(const PlugInOptions& options, const std::string& strRule)
     (void)!write(nOutput, strTold.data(), strTold.size());
     // What a library does when its process ends is no part of the contract.
     std::_Exit(kExitDone);
-}
-
-Finding ExamineRule(const PlugInRule& rule, const PlugInBench& bench)
-{
-    try
-    {
-        rule.examine(bench);
-        return {rule, Outcome::Kept, ""};
-    }
-    catch (const CBroken& error)
-    {
-        return {rule, Outcome::Broken, error.what()};
-    }
-    catch (const CNotExaminable& error)
-    {
-        return {rule, Outcome::NotExamined, error.what()};
-    }
 }
 
 Findings ExamineInOrder(const std::vector<PlugInRule>& rules,

@@ -25,8 +25,6 @@ Findings ExaminePlugIn(const PlugInOptions& options);
 /// the process. What the plug-in writes there goes to the standard error stream.
 [[noreturn]] void ExamineRuleAndEnd(const PlugInOptions& options, const std::string& strRule);
 
-/// The two that it is made of. One rule, in this process:
-Finding ExamineRule(const PlugInRule& rule, const PlugInBench& bench);
 /// Rules in their order, each by the function, but for those that one before it makes pointless.
 Findings ExamineInOrder(const std::vector<PlugInRule>& rules,
                         const std::function<Finding(const PlugInRule&)>& examine);

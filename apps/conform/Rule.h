@@ -52,4 +52,22 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// What came of an examination of the rule with what it needs.
+template <typename ARule, typename Bench> Finding ExamineRule(const ARule& rule, const Bench& bench)
+{
+    try
+    {
+        rule.examine(bench);
+        return {rule, Outcome::Kept, ""};
+    }
+    catch (const CBroken& error)
+    {
+        return {rule, Outcome::Broken, error.what()};
+    }
+    catch (const CNotExaminable& error)
+    {
+        return {rule, Outcome::NotExamined, error.what()};
+    }
+}
+
 } // namespace Tarvane::Conform

@@ -1,11 +1,14 @@
 #include "apps/conform/ServerExamination.h"
 
+#include "apps/conform/ServerProcess.h"
 #include "apps/conform/ServerRules.h"
 #include "apps/support/CommandLine.h"
 
 #include <Carbon/Carbon.h>
 
+#include <chrono>
 #include <cstdlib>
+#include <thread>
 
 namespace Tarvane::Conform
 {
@@ -13,6 +16,7 @@ namespace
 {
 
 constexpr double kTicksPerSecond = 60.0;
+constexpr std::chrono::milliseconds kGlance{20};
 
 // Throws CBroken where it cannot be found out.
 int TrackToWorkOn(const CServerPeer& peer, const ServerOptions& options)
@@ -52,21 +56,23 @@ bool StillAnswers(const CServerPeer& peer)
     return peer.Send("print(1)\n").nStatus == noErr;
 }
 
-Finding Examine(const ServerRule& rule, const ServerBench& bench)
+// Returns once there is a server: how long it took from its start, or nothing where it was there
+// already.
+std::optional<double> AwaitServer(const CServerPeer& peer, double dSeconds)
 {
-    try
+    using Clock = std::chrono::steady_clock;
+    const auto isThere = [&] { return peer.Send("print(1)\n").nStatus != procNotFound; };
+    if (isThere())
+        return std::nullopt;
+    const auto end = Clock::now() + std::chrono::duration<double>(dSeconds);
+    while (Clock::now() < end)
     {
-        rule.examine(bench);
-        return {rule, Outcome::Kept, ""};
+        std::this_thread::sleep_for(kGlance);
+        if (isThere())
+            return SecondsSinceStart(ServerProcess());
     }
-    catch (const CBroken& error)
-    {
-        return {rule, Outcome::Broken, error.what()};
-    }
-    catch (const CNotExaminable& error)
-    {
-        return {rule, Outcome::NotExamined, error.what()};
-    }
+    throw CUsageError("no server receives events on this session bus; start it first, or give it "
+                      "time to start with --wait.");
 }
 
 } // namespace
@@ -77,13 +83,11 @@ Findings ExamineServer(const ServerOptions& options)
     // The link's own commands take the platform's default.
     setenv("TARVANE_AE_DEFAULT_TIMEOUT_TICKS", std::to_string(nTicks).c_str(), 1);
     const CServerPeer peer(nTicks);
-    const Reply first = peer.Send("print(1)\n");
-    if (first.nStatus == procNotFound)
-        throw CUsageError("no server receives events on this session bus; start it first.");
+    const std::optional<double> secondsToStart = AwaitServer(peer, options.dWait);
 
     const CTestSound sound;
     const std::optional<int> track = FindTrack(peer, options);
-    const ServerBench bench{peer, sound, track.value_or(0)};
+    const ServerBench bench{peer, sound, track.value_or(0), secondsToStart};
     Findings findings;
     std::string strInTheWay;
     for (const ServerRule& rule : ServerRules())
@@ -94,7 +98,7 @@ Findings ExamineServer(const ServerOptions& options)
             findings.push_back({rule, Outcome::NotExamined,
                                 "the server does not say which track may be worked on"});
         else
-            findings.push_back(Examine(rule, bench));
+            findings.push_back(ExamineRule(rule, bench));
         if (findings.back().outcome != Outcome::Broken)
             continue;
         if (findings.size() == 1)
@@ -108,7 +112,7 @@ Findings ExamineServer(const ServerOptions& options)
 std::vector<ServerRule> ServerRules()
 {
     std::vector<ServerRule> rules;
-    for (const auto& list : {TransportRules(), DocumentRules(), CaptureRules(), WorkRules()})
+    for (const auto& list : {TransportRules(), DocumentRules(), CaptureRules(), WorkRules(), ProcessRules()})
         rules.insert(rules.end(), list.begin(), list.end());
     return rules;
 }

@@ -12,6 +12,7 @@ struct ServerOptions
     double dTimeout = 10.0;      ///< seconds a command may take
     std::optional<int> nTrack{}; ///< the one to work on; the last without
     bool fClear = false;         ///< the track's regions may go
+    double dWait = 0.0;          ///< seconds to wait for a server to come
 };
 
 /// Examines every rule on the server that answers on the session bus. Once it no longer answers, or

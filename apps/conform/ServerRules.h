@@ -5,6 +5,8 @@
 #include "apps/conform/ServerPeer.h"
 #include "apps/conform/TestSound.h"
 
+#include <optional>
+
 namespace Tarvane::Conform
 {
 
@@ -14,6 +16,7 @@ struct ServerBench
     const CServerPeer& peer;
     const CTestSound& sound;
     int nTrack; ///< whose regions may come and go
+    std::optional<double> secondsToStart; ///< from its start to its first answer; when seen
 };
 
 struct ServerRule : Rule
@@ -31,5 +34,6 @@ std::vector<ServerRule> TransportRules();
 std::vector<ServerRule> DocumentRules();
 std::vector<ServerRule> CaptureRules();
 std::vector<ServerRule> WorkRules();
+std::vector<ServerRule> ProcessRules();
 
 } // namespace Tarvane::Conform

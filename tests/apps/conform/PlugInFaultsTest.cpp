@@ -39,7 +39,7 @@ protected:
         setenv("TARVANE_MISBEHAVE", strFaults.c_str(), 1);
         return ExamineInOrder(PlugInRules(),
                               [](const PlugInRule& rule) {
-                                  return ExamineRule(rule, {library, kTimeout, kMoment});
+                                  return ExamineRule(rule, PlugInBench{library, kTimeout, kMoment});
                               });
     }
 
