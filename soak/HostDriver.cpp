@@ -91,6 +91,7 @@ void CHostDriver::RunRound(const PlannedRound& round, std::int64_t nFirst)
             Start();
         for (int n = 0; n < round.nPlaces && !m_shared.fBroken; ++n)
         {
+            std::this_thread::sleep_until(m_shared.begin + round.beginning + n * round.interval);
             const std::int64_t nPlace = nFirst + n;
             ChooseTrack(static_cast<int>(n / kPlacesOnATrack + m_nView) % kTracks);
             for (const PlannedHostKill& kill : round.hostKills)

@@ -6,6 +6,7 @@
 #include "soak/Plan.h"
 
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <mutex>
@@ -25,6 +26,7 @@ struct Shared
     // Odd while server or bus are away; changes with each time.
     std::atomic<unsigned> nAbsence{0};
     std::atomic<bool> fBroken{false};
+    const std::chrono::steady_clock::time_point begin = std::chrono::steady_clock::now();
 };
 
 // A sound to capture.

@@ -80,9 +80,14 @@ SoakPlan MakePlan(const SoakSettings& settings)
     SoakPlan plan;
     plan.rounds.resize(static_cast<size_t>(nRounds));
     std::vector<size_t> rough;
+    const auto whole = std::chrono::duration_cast<std::chrono::microseconds>(
+        std::chrono::duration<double, std::ratio<60>>(settings.dMinutes));
     for (size_t nRound = 0; nRound < plan.rounds.size(); ++nRound)
     {
-        plan.rounds[nRound].nPlaces = nPlaces;
+        PlannedRound& round = plan.rounds[nRound];
+        round.nPlaces = nPlaces;
+        round.beginning = whole * nRound / nRounds;
+        round.interval = whole / (nRounds * nPlaces);
         if (!IsCalm(nRound))
             rough.push_back(nRound);
     }
@@ -116,7 +121,11 @@ std::string DescribePlan(const SoakPlan& plan)
     for (size_t nRound = 0; nRound < plan.rounds.size(); ++nRound)
     {
         const PlannedRound& round = plan.rounds[nRound];
-        text << "round " << nRound << ": " << round.nPlaces << " captures for each view\n";
+        text << "round " << nRound << ": " << round.nPlaces << " captures for each view";
+        if (round.interval.count() > 0)
+            text << ", one in " << round.interval.count() << " us, from "
+                 << round.beginning.count() << " us on";
+        text << "\n";
         for (const PlannedFault& fault : round.faults)
             text << "  after delivery " << fault.nAfter << " and " << fault.delay.count()
                  << " us: " << NameOf(fault.kind) << " for " << fault.away.count()

@@ -19,6 +19,7 @@ struct SoakSettings
     int nBusRestarts = 3;
     int nDiskFills = 3;
     std::uint64_t nSeed = 1;
+    double dMinutes = 0; // over which the captures are spread; 0: as fast as they go
 };
 
 enum class FaultKind
@@ -47,6 +48,10 @@ struct PlannedHostKill
 struct PlannedRound
 {
     int nPlaces = 0; // for each view
+    // A view's n-th capture begins no earlier than n intervals after the beginning, which is counted
+    // from that of the soak.
+    std::chrono::microseconds beginning{0};
+    std::chrono::microseconds interval{0};
     std::vector<PlannedFault> faults;
     std::vector<PlannedHostKill> hostKills;
 };

@@ -337,7 +337,7 @@ void CSoak::TakeFindings(const std::vector<Finding>& findings)
 
 double CSoak::Seconds() const
 {
-    return std::chrono::duration<double>(Clock::now() - m_begin).count();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - m_shared.begin).count();
 }
 
 void CSoak::Progress(size_t nRound) const

@@ -8,7 +8,6 @@
 #include "tests/support/PrivateBus.h"
 
 #include <barrier>
-#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -45,8 +44,6 @@ public:
     std::vector<Finding> Run();
 
 private:
-    using Clock = std::chrono::steady_clock;
-
     std::vector<Sound> MakeSounds(int nView) const;
     // The drivers' threads.
     void Drive(int nView);
@@ -70,7 +67,6 @@ private:
     const std::filesystem::path m_folder;
     const long m_nAllowance;
     const SoakPlan m_plan;
-    const Clock::time_point m_begin = Clock::now();
 
     TarvaneTests::PrivateBus m_bus;
     std::unique_ptr<CServerProcess> m_pServer;

@@ -75,6 +75,9 @@ int main(int argc, char** argv)
                    "Captures to a session; after so many it is checked and a new one begins "
                    "(default 500)")
         ->check(CLI::Range(1, 100000));
+    app.add_option("--minutes", settings.dMinutes,
+                   "Spread the captures over so long (default: as fast as they go)")
+        ->check(CLI::Range(0.0, 100000.0));
     app.add_option("--server-kills", settings.nServerKills, "(default 10)")
         ->check(CLI::NonNegativeNumber);
     app.add_option("--host-kills", settings.nHostKills, "(default 5)")

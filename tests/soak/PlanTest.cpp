@@ -114,3 +114,21 @@ TEST(SoakPlan, AFewDeliveriesAreOneRound)
     EXPECT_EQ(plan.rounds[0].nPlaces, 4);
     EXPECT_EQ(CountOf(plan, FaultKind::ServerKill), 50);
 }
+
+TEST(SoakPlan, CapturesAreSpreadOverTheMinutes)
+{
+    using std::chrono::microseconds;
+    SoakSettings settings = Settings(1);
+    for (const PlannedRound& round : MakePlan(settings).rounds)
+    {
+        EXPECT_EQ(round.beginning, microseconds(0));
+        EXPECT_EQ(round.interval, microseconds(0));
+    }
+    settings.dMinutes = 4;
+    const SoakPlan plan = MakePlan(settings); // 16 rounds of 150 captures for each view
+    EXPECT_EQ(plan.rounds[0].beginning, microseconds(0));
+    EXPECT_EQ(plan.rounds[1].beginning, microseconds(15'000'000));
+    EXPECT_EQ(plan.rounds[15].beginning, microseconds(225'000'000));
+    for (const PlannedRound& round : plan.rounds)
+        EXPECT_EQ(round.interval, microseconds(100'000));
+}
