@@ -1,5 +1,6 @@
 #include "apps/conform/ServerPeer.h"
 
+#include "apps/support/EventDescriptor.h"
 #include "apps/support/UnicodeText.h"
 
 #include <Carbon/Carbon.h>
@@ -14,15 +15,6 @@ namespace
 
 constexpr std::size_t kLongestItem = 999;
 constexpr char szNoDocument[] = "NO-DOCUMENT";
-
-/// Gives a descriptor back.
-struct CDescriptor : AEDesc
-{
-    CDescriptor() : AEDesc{typeNull, nullptr} {}
-    ~CDescriptor() { AEDisposeDesc(this); }
-    CDescriptor(const CDescriptor&) = delete;
-    CDescriptor& operator=(const CDescriptor&) = delete;
-};
 
 std::optional<ReplyText> TextOf(const AppleEvent& reply, AEKeyword nKey)
 {
@@ -41,8 +33,8 @@ OSErr SendEvent(const std::string& strScript, SInt32 nTimeoutTicks, AppleEvent* 
 {
     const OSType nSignature = 'TkNe';
     const std::u16string units = Utf16FromUtf8(strScript);
-    CDescriptor target;
-    CDescriptor event;
+    CEventDescriptor target;
+    CEventDescriptor event;
     OSErr nStatus = AECreateDesc(typeApplSignature, &nSignature, sizeof nSignature, &target);
     if (nStatus == noErr)
         nStatus = AECreateAppleEvent('TKNE', 'LCmd', &target, kAutoGenerateReturnID,
@@ -88,7 +80,7 @@ const std::string& Readable(const std::optional<ReplyText>& text, const char* sz
 
 Reply CServerPeer::Send(const std::string& strScript) const
 {
-    CDescriptor descriptor;
+    CEventDescriptor descriptor;
     Reply reply;
     reply.nStatus = SendEvent(strScript, m_nTimeoutTicks, &descriptor);
     if (reply.nStatus == noErr)

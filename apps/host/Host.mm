@@ -3,6 +3,7 @@
 #import "apps/host/LinkView.h"
 #import "apps/host/MainThread.h"
 
+#import "apps/support/Application.h"
 #include "apps/support/Pipe.h"
 #include "apps/support/recording/EventWatch.h"
 
@@ -227,19 +228,8 @@ int CHost::Run()
 void CHost::End(int nExitCode)
 {
     m_nExitCode = nExitCode;
-    [NSApp stop:nil];
-    // The application looks at its stop only after an event, and at an event that was posted only
-    // when something from outside has woken its run loop.
-    NSEvent* event = [NSEvent otherEventWithType:NSApplicationDefined
-                                        location:NSZeroPoint
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                         subtype:0
-                                           data1:0
-                                           data2:0];
-    [NSApp postEvent:event atStart:NO];
+    StopApplication();
+    // The run loop takes the event only when something from outside has woken it.
     (void)!::write(WakePipe().WriteEnd(), "\n", 1);
 }
 

@@ -16,18 +16,7 @@
 - (void)windowWillClose:(NSNotification*)notification
 {
     (void)notification;
-    [NSApp stop:nil];
-    // The application looks at its stop only after an event.
-    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
-                                        location:NSZeroPoint
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                         subtype:0
-                                           data1:0
-                                           data2:0]
-             atStart:YES];
+    Tarvane::StopApplication();
 }
 
 @end

@@ -3,14 +3,15 @@
 #include "apps/replay/EventLoop.h"
 #include "apps/replay/EventParameters.h"
 #include "apps/replay/ServerMatch.h"
+#include "apps/support/EventReceiver.h"
 
 #include <TarvanePlatform/Application.h>
 
 #include <chrono>
 #include <cstdio>
 #include <deque>
+#include <exception>
 #include <set>
-#include <stdexcept>
 #include <thread>
 #include <utility>
 
@@ -27,19 +28,6 @@ constexpr std::chrono::milliseconds kMoment{500};
 double Seconds(Clock::duration time)
 {
     return std::chrono::duration<double>(time).count();
-}
-
-std::string WhyNotInstalled(OSErr nStatus)
-{
-    switch (nStatus)
-    {
-    case errAEDuplicateHandler:
-        return "another server answers on this session bus; end it first";
-    case procNotFound:
-        return "there is no session bus; start one, with dbus-run-session for instance";
-    default:
-        return "cannot receive events: status " + std::to_string(nStatus);
-    }
 }
 
 class CServerPart
@@ -70,10 +58,7 @@ public:
         for (const auto& kind : m_kinds)
         {
             m_handlers.push_back({this, kind.first, kind.second});
-            const OSErr nStatus =
-                AEInstallEventHandler(kind.first, kind.second, Receive, &m_handlers.back(), false);
-            if (nStatus != noErr)
-                throw std::runtime_error(WhyNotInstalled(nStatus));
+            ReceiveEvents(kind.first, kind.second, Receive, &m_handlers.back());
         }
         m_lastEvent = Clock::now();
     }

@@ -2,12 +2,13 @@
 
 #include "apps/server/FaultyReply.h"
 #include "apps/server/SessionMishaps.h"
+#include "apps/support/EventReceiver.h"
 #include "apps/support/UnicodeText.h"
 
 #include <TarvanePlatform/Application.h>
 
 #include <cstdio>
-#include <stdexcept>
+#include <exception>
 #include <string>
 #include <unistd.h>
 #include <utility>
@@ -42,19 +43,6 @@ OSErr ReadScript(const AppleEvent* pEvent, std::string& strScript)
     return nStatus;
 }
 
-std::string WhyNotInstalled(OSErr nStatus)
-{
-    switch (nStatus)
-    {
-    case errAEDuplicateHandler:
-        return "another server answers on this session bus; end it first";
-    case procNotFound:
-        return "there is no session bus; start one, with dbus-run-session for instance";
-    default:
-        return "cannot receive events: status " + std::to_string(nStatus);
-    }
-}
-
 std::vector<std::string> NamesOf(const FaultSet& faults)
 {
     std::vector<std::string> names;
@@ -81,9 +69,7 @@ CEventHandler::~CEventHandler()
 void CEventHandler::Install()
 {
     TarvaneSetApplicationSignature(kSignature);
-    const OSErr nStatus = AEInstallEventHandler(kEventClass, kEventId, Receive, this, false);
-    if (nStatus != noErr)
-        throw std::runtime_error(WhyNotInstalled(nStatus));
+    ReceiveEvents(kEventClass, kEventId, Receive, this);
     m_fInstalled = true;
 }
 

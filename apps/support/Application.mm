@@ -31,6 +31,22 @@ void OpenApplication(char** argv)
     }
 }
 
+void StopApplication()
+{
+    [NSApp stop:nil];
+    // The application looks at its stop only after an event.
+    NSEvent* event = [NSEvent otherEventWithType:NSApplicationDefined
+                                        location:NSZeroPoint
+                                   modifierFlags:0
+                                       timestamp:0
+                                    windowNumber:0
+                                         context:nil
+                                         subtype:0
+                                           data1:0
+                                           data2:0];
+    [NSApp postEvent:event atStart:YES];
+}
+
 std::string TakePicture(NSView* view)
 {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];

@@ -92,7 +92,9 @@ TEST_F(RecordedUnit, PassesEverythingOnAndRecordsIt)
     EXPECT_EQ(lines[2]["fields"]["fArmed"], 1);
     EXPECT_EQ(lines[3]["element"], 3);
     EXPECT_NE(lines[3]["status"], 0);
+    // What stood in the room before is none of the plug-in's.
     EXPECT_FALSE(lines[3].contains("hex"));
+    EXPECT_FALSE(lines[3].contains("fields"));
 }
 
 TEST_F(RecordedUnit, RecordsWhatTheViewOfAFaultyPlugInSees)
