@@ -3,7 +3,6 @@
 #include "platform/gnustep/AppleEvents/Status.h"
 
 #include <cstdint>
-#include <cstdio>
 
 namespace AppleEvents
 {
@@ -42,9 +41,10 @@ int ReadParameter(sd_bus_message* message, std::uint32_t& keyword, std::uint32_t
 
 std::string BusNameForSignature(OSType signature)
 {
-    char digits[9];
-    std::snprintf(digits, sizeof digits, "%08x", unsigned(signature));
-    return std::string(kInterface) + "._" + digits;
+    std::string name = std::string(kInterface) + "._";
+    for (int shift = 28; shift >= 0; shift -= 4)
+        name += "0123456789abcdef"[signature >> shift & 0xF];
+    return name;
 }
 
 bool FitsInMessage(const Parameters& parameters)
