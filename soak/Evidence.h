@@ -90,6 +90,7 @@ struct ProcessSample
     long nMemory = 0; // resident and its own, KiB
     long nDescriptors = 0;
     long nThreads = 0;
+    long nObjects = 0; // of the object system, alive; of a host
 };
 
 // A broken invariant.

@@ -78,7 +78,7 @@ void CHostDriver::Start()
     m_samples.clear();
     auto pClient = std::make_unique<CHostClient>(std::vector<std::string>{
         ProgramFolder() / "tarvane-host", "--speed", "max", "--capture-folder", m_captureFolder,
-        "--track", std::to_string(m_nTrack), "--log", "-"});
+        "--track", std::to_string(m_nTrack), "--log", "-", "--count-objects"});
     const std::lock_guard lock(m_mutex);
     m_pClient = std::move(pClient);
 }
@@ -112,6 +112,7 @@ void CHostDriver::RunRound(const PlannedRound& round, std::int64_t nFirst)
         AwaitAcknowledges();
         InspectFiles();
         m_samples.push_back(SampleProcess(m_pClient->Process().Pid()));
+        m_samples.back().nObjects = m_pClient->Ask("objects", kPatience)["objects"];
     }
     catch (const std::exception& error)
     {

@@ -10,6 +10,8 @@ namespace Tarvane::Soak
 namespace
 {
 
+// What the platform keeps for reuse grows to some 120 of them in the first captures.
+constexpr long kObjectsThatAreKept = 300;
 constexpr const char* kSaveRefused = "nothing was changed, for the session could not be saved";
 
 using Place = std::tuple<int, std::int64_t>; // track, position on the server's timeline
@@ -308,6 +310,7 @@ std::vector<Finding> CheckGrowth(const std::string& strProcess, const ProcessSam
     compare("KiB", first.nMemory, last.nMemory, nAllowance);
     compare("descriptors", first.nDescriptors, last.nDescriptors, 0);
     compare("threads", first.nThreads, last.nThreads, 0);
+    compare("objects", first.nObjects, last.nObjects, kObjectsThatAreKept);
     return findings;
 }
 

@@ -61,7 +61,8 @@ SeenRegion SeenFrom(const Server::Document& document, const Server::Region& regi
 std::string Describe(const ProcessSample& sample)
 {
     return std::to_string(sample.nMemory) + " KiB, " + std::to_string(sample.nDescriptors) +
-           " descriptors, " + std::to_string(sample.nThreads) + " threads";
+           " descriptors, " + std::to_string(sample.nThreads) + " threads, " +
+           std::to_string(sample.nObjects) + " objects";
 }
 
 } // namespace

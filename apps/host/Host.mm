@@ -4,6 +4,7 @@
 #import "apps/host/MainThread.h"
 
 #import "apps/support/Application.h"
+#include "apps/support/LiveObjects.h"
 #include "apps/support/Pipe.h"
 #include "apps/support/recording/EventWatch.h"
 
@@ -106,6 +107,10 @@ CHost::~CHost()
 
 void CHost::OpenView()
 {
+    if (m_options.fCountObjects)
+    {
+        CountObjects();
+    }
     const CStalls::CStay stay(m_stalls, StallCause::Opening);
     m_pView = std::make_unique<CLinkView>(m_plan.bundle, m_plugIn.Unit());
     if (m_options.fStalls)

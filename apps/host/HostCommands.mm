@@ -3,6 +3,8 @@
 #import "apps/host/LinkView.h"
 #import "apps/host/MainThread.h"
 
+#include "apps/support/LiveObjects.h"
+
 #include <iomanip>
 #include <iostream>
 #include <sstream>
@@ -96,6 +98,12 @@ void CHost::ObeyWords(std::istream& words, const std::string& strCommand)
         m_options.fStalls ? Answer({{"stalls", m_stalls.Describe()}})
                           : Refuse("nothing is measured - start the host with --stalls.");
     }
+    else if (strCommand == "objects")
+    {
+        m_options.fCountObjects ? Answer({{"objects", LiveObjects()}})
+                                : Refuse("nothing is counted - start the host with "
+                                         "--count-objects.");
+    }
     else if (strCommand == "quit")
     {
         Answer(nlohmann::json::object());
@@ -104,7 +112,7 @@ void CHost::ObeyWords(std::istream& words, const std::string& strCommand)
     else
     {
         Refuse("no such command - use capture FILE [SAMPLES], track N, open-menu, "
-               "screenshot PATH, arm, disarm, state, stalls or quit.");
+               "screenshot PATH, arm, disarm, state, stalls, objects or quit.");
     }
 }
 

@@ -151,9 +151,8 @@ void DeclareOptions(CLI::App& app, HostOptions& options)
     app.add_flag("--commands", options.fCommands,
                  "Do what lines on the standard input say, and answer each with one line of JSON: "
                  "capture FILE [SAMPLES], track N, open-menu, screenshot PATH, arm, disarm, state, "
-                 "quit, and with --stalls stalls. A FILE with blanks stands between double quotes. "
-                 "The story goes to the "
-                 "standard error stream then");
+                 "quit, with --stalls stalls, and with --count-objects objects. A FILE with blanks "
+                 "stands between double quotes. The story goes to the standard error stream then");
     app.add_option("--results", options.strResults,
                    "Write captures.json and link-view.png, a picture of the window, into this "
                    "folder. Files there that are not ours are never replaced")
@@ -162,6 +161,8 @@ void DeclareOptions(CLI::App& app, HostOptions& options)
         "--stalls", options.fStalls,
         "Tell at the end how long the view kept the main thread, in all and at the longest, "
         "by what it did; in captures.json too, in milliseconds");
+    app.add_flag("--count-objects", options.fCountObjects,
+                 "Count the objects that are alive, for the command objects");
     app.add_option("--log", options.strLog,
                    "Record every property that the view writes in this file; - is the standard "
                    "output, or the standard error stream with --commands")

@@ -28,6 +28,7 @@ struct HostOptions
     bool fHeadless = false;
     bool fCommands = false;
     bool fStalls = false;
+    bool fCountObjects = false;
 };
 
 void DeclareOptions(CLI::App& app, HostOptions& options);

@@ -326,6 +326,7 @@ TEST_F(SoakInvariants, AFailedCaptureHasNoElementAndNoFile)
 TEST(SoakGrowth, HoldsWithinTheAllowance)
 {
     EXPECT_THAT(CheckGrowth("host 0", {20000, 16, 2}, {24096, 16, 2}, 4096), IsEmpty());
+    EXPECT_THAT(CheckGrowth("host 0", {1, 1, 1, 61000}, {1, 1, 1, 61300}, 0), IsEmpty());
     EXPECT_THAT(CheckGrowth("host 0", {20000, 16, 2}, {1000, 3, 1}, 0), IsEmpty());
 }
 
@@ -337,4 +338,6 @@ TEST(SoakGrowth, EachMeasureBreaksIt)
                 ElementsAre(Field(&Finding::strWhat, "host 0 went from 16 to 17 descriptors")));
     EXPECT_THAT(CheckGrowth("host 0", {20000, 16, 2}, {20000, 16, 3}, 4096),
                 ElementsAre(Field(&Finding::strWhat, "host 0 went from 2 to 3 threads")));
+    EXPECT_THAT(CheckGrowth("host 0", {1, 1, 1, 61000}, {1, 1, 1, 61301}, 0),
+                ElementsAre(Field(&Finding::strWhat, "host 0 went from 61000 to 61301 objects")));
 }

@@ -179,3 +179,27 @@ TEST_F(DeliveryFaults, TwoHundredTracksInManyScriptsEachTakeTheirOwnCapture)
     }
     EXPECT_THAT(Regions(), SizeIs(4));
 }
+
+TEST_F(DeliveryFaults, CapturesLeaveNoObjectsBehind)
+{
+    StartServer();
+    StartHost({"--speed", "max", "--count-objects"});
+    const auto objects = [this] { return host->Ask("objects", kLong)["objects"].get<long>(); };
+    constexpr int kSettling = 20, kCaptures = 120;
+    for (int nCapture = 0; nCapture < kSettling; ++nCapture)
+        CaptureOne();
+    const long nBefore = objects();
+    EXPECT_GT(nBefore, 1000) << "a window with its view alone has as many";
+    for (int nCapture = 0; nCapture < kCaptures; ++nCapture)
+        CaptureOne();
+    EXPECT_LT(objects(), nBefore + kCaptures);
+}
+
+TEST_F(DeliveryFaults, ObjectsAreNotCountedUnasked)
+{
+    StartServer();
+    StartHost();
+    EXPECT_THROW(host->Ask("objects", kLong), Tarvane::CHostRefusal);
+    EXPECT_EQ(host->Everything().back()["error"],
+              "nothing is counted - start the host with --count-objects.");
+}

@@ -188,7 +188,7 @@ protected:
 TEST_F(HostCommandLine, TakesEachOption)
 {
     m_app.parse("--position 480 --position -1.5 --bundle b --track 3 --capture-folder c --speed 2 "
-                "--headless --commands --stalls --results r --log l --ack-timeout 2.5 "
+                "--headless --commands --stalls --count-objects --results r --log l --ack-timeout 2.5 "
                 "--misbehave storm,record-short one.wav two.wav");
     EXPECT_EQ(m_options.positions, (std::vector<double>{480, -1.5}));
     EXPECT_EQ(m_options.strBundle, "b");
@@ -198,6 +198,7 @@ TEST_F(HostCommandLine, TakesEachOption)
     EXPECT_TRUE(m_options.fHeadless);
     EXPECT_TRUE(m_options.fCommands);
     EXPECT_TRUE(m_options.fStalls);
+    EXPECT_TRUE(m_options.fCountObjects);
     EXPECT_EQ(m_options.strResults, "r");
     EXPECT_EQ(m_options.strLog, "l");
     EXPECT_EQ(m_options.dAckTimeout, 2.5);
