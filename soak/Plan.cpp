@@ -123,8 +123,8 @@ std::string DescribePlan(const SoakPlan& plan)
         const PlannedRound& round = plan.rounds[nRound];
         text << "round " << nRound << ": " << round.nPlaces << " captures for each view";
         if (round.interval.count() > 0)
-            text << ", one in " << round.interval.count() << " us, from "
-                 << round.beginning.count() << " us on";
+            text << ", one in " << round.interval.count() << " us, from " << round.beginning.count()
+                 << " us on";
         text << "\n";
         for (const PlannedFault& fault : round.faults)
             text << "  after delivery " << fault.nAfter << " and " << fault.delay.count()

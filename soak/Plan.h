@@ -48,8 +48,8 @@ struct PlannedHostKill
 struct PlannedRound
 {
     int nPlaces = 0; // for each view
-    // A view's n-th capture begins no earlier than n intervals after the beginning, which is counted
-    // from that of the soak.
+    // A view's n-th capture begins no earlier than n intervals after the beginning, which is
+    // counted from that of the soak.
     std::chrono::microseconds beginning{0};
     std::chrono::microseconds interval{0};
     std::vector<PlannedFault> faults;

@@ -112,7 +112,8 @@ Findings ExamineServer(const ServerOptions& options)
 std::vector<ServerRule> ServerRules()
 {
     std::vector<ServerRule> rules;
-    for (const auto& list : {TransportRules(), DocumentRules(), CaptureRules(), WorkRules(), ProcessRules()})
+    for (const auto& list :
+         {TransportRules(), DocumentRules(), CaptureRules(), WorkRules(), ProcessRules()})
         rules.insert(rules.end(), list.begin(), list.end());
     return rules;
 }

@@ -15,7 +15,7 @@ struct ServerBench
 {
     const CServerPeer& peer;
     const CTestSound& sound;
-    int nTrack; ///< whose regions may come and go
+    int nTrack;                           ///< whose regions may come and go
     std::optional<double> secondsToStart; ///< from its start to its first answer; when seen
 };
 

@@ -8,7 +8,8 @@ namespace Tarvane
 // Each object that is made from now on costs more time. Main thread.
 void CountObjects();
 
-// Those that were made since then and are alive, those of autorelease pools among them. Main thread.
+// Those that were made since then and are alive, those of autorelease pools among them. Main
+// thread.
 long LiveObjects();
 
 } // namespace Tarvane

@@ -128,15 +128,9 @@ void CountSwallowed()
     ExpectCount("locks of 10000 swallowed notifications", after.nLocks - before.nLocks, 0);
 }
 
-std::string MenuOf(int nTracks)
-{
-    return "menu of " + std::to_string(nTracks);
-}
+std::string MenuOf(int nTracks) { return "menu of " + std::to_string(nTracks); }
 
-std::string TrackInMenuOf(int nTracks)
-{
-    return "track in a menu of " + std::to_string(nTracks);
-}
+std::string TrackInMenuOf(int nTracks) { return "track in a menu of " + std::to_string(nTracks); }
 
 void RegisterMenu(int nTracks)
 {

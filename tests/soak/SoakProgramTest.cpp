@@ -14,9 +14,9 @@ namespace
 {
 
 constexpr std::chrono::minutes kLong{12};
-constexpr const char* kOptions =
-    "--seed 2026 --minutes 3 --views 3 --deliveries 1600 --round 200 --server-kills 36 --host-kills 14 "
-    "--bus-restarts 8 --disk-fills 8 --allow 16384";
+constexpr const char* kOptions = "--seed 2026 --minutes 3 --views 3 --deliveries 1600 --round 200 "
+                                 "--server-kills 36 --host-kills 14 "
+                                 "--bus-restarts 8 --disk-fills 8 --allow 16384";
 
 } // namespace
 

@@ -81,8 +81,7 @@ protected:
     {
         Tarvane::CChildProcess conform({CONFORM_PROGRAM, "server", "--json", "--wait", "100"});
         std::this_thread::sleep_for(kUntilItWaits);
-        m_server =
-            std::make_unique<Tarvane::CChildProcess>(ReferenceServer(std::move(arguments)));
+        m_server = std::make_unique<Tarvane::CChildProcess>(ReferenceServer(std::move(arguments)));
         const int nExitCode = conform.WaitForEnd(kAnyTime).value_or(-1);
         return {nExitCode, conform.Output(), conform.ErrorOutput()};
     }

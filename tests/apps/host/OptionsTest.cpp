@@ -89,8 +89,7 @@ TEST_F(HostOptionsTest, MorePositionsThanFilesAreRefused)
 TEST_F(HostOptionsTest, WhoNotifiesThoseThatHaveLeftIsNotRecorded)
 {
     options.files = {Sound("a.wav", 10, 48000)};
-    for (const SignalFault fault :
-         {SignalFault::ListenersKept, SignalFault::NotifiesAfterDisposal})
+    for (const SignalFault fault : {SignalFault::ListenersKept, SignalFault::NotifiesAfterDisposal})
     {
         options.faults = {fault, SignalFault::Storm};
         options.strRecord = "new.jsonl";
@@ -187,9 +186,10 @@ protected:
 
 TEST_F(HostCommandLine, TakesEachOption)
 {
-    m_app.parse("--position 480 --position -1.5 --bundle b --track 3 --capture-folder c --speed 2 "
-                "--headless --commands --stalls --count-objects --results r --log l --ack-timeout 2.5 "
-                "--misbehave storm,record-short one.wav two.wav");
+    m_app.parse(
+        "--position 480 --position -1.5 --bundle b --track 3 --capture-folder c --speed 2 "
+        "--headless --commands --stalls --count-objects --results r --log l --ack-timeout 2.5 "
+        "--misbehave storm,record-short one.wav two.wav");
     EXPECT_EQ(m_options.positions, (std::vector<double>{480, -1.5}));
     EXPECT_EQ(m_options.strBundle, "b");
     EXPECT_EQ(m_options.nTrack, 3);
