@@ -39,7 +39,7 @@ namespace Bench
 namespace
 {
 
-constexpr int kHeavyRepetitions = 5;
+constexpr int kHeavyRepetitions = 15;
 constexpr int kSwallowed = 10000;
 constexpr int kPassed = 50;
 
