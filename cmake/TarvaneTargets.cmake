@@ -71,8 +71,12 @@ function(tarvane_add_test target)
     target_precompile_headers(${target} REUSE_FROM tarvane_test_headers)
     target_compile_options(${target} PRIVATE -fpch-preprocess) # for ccache
   endif()
-  if(arg_JOINT)
-    set_target_properties(${target} PROPERTIES UNITY_BUILD "${TARVANE_JOINT_FILES}")
+  if(arg_JOINT AND TARVANE_JOINT_FILES)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON)
+    # GCC takes a source that is compiled behind another one for a header, with its own namespaces
+    # without a name in other sources too.
+    target_compile_options(${target} PRIVATE
+      $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
   endif()
   set(properties TIMEOUT ${arg_TIMEOUT})
   if(arg_DISPLAY)
