@@ -67,8 +67,9 @@ void RegisterSplittingOf(int nTracks)
               Times(nTimes,
                     [text]
                     {
+                        static CTarvaneScript script;
                         std::vector<std::string> items;
-                        CTarvaneScript().SplitResult(text.c_str(), &items);
+                        script.SplitResult(text.c_str(), &items);
                     }),
               {}},
              nTimes);
