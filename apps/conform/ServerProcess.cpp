@@ -8,6 +8,7 @@
 #include <ctime>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <string>
 
@@ -48,15 +49,16 @@ BusRef OpenBus()
     return BusRef(bus);
 }
 
-pid_t ProcessOf(sd_bus* bus, const char* szName)
+/// Nothing where the name has gone meanwhile.
+std::optional<pid_t> ProcessOf(sd_bus* bus, const char* szName)
 {
     sd_bus_creds* creds = nullptr;
-    MustWork(sd_bus_get_name_creds(bus, szName, SD_BUS_CREDS_PID, &creds));
     pid_t process = 0;
-    const int result = sd_bus_creds_get_pid(creds, &process);
+    int result = sd_bus_get_name_creds(bus, szName, SD_BUS_CREDS_PID, &creds);
+    if (result >= 0)
+        result = sd_bus_creds_get_pid(creds, &process);
     sd_bus_creds_unref(creds);
-    MustWork(result);
-    return process;
+    return result < 0 ? std::nullopt : std::optional(process);
 }
 
 /// A connection to which the bus shows what the rule says, and on which nothing can be asked.
@@ -103,7 +105,10 @@ double SecondsSinceBoot()
 
 pid_t ServerProcess()
 {
-    return ProcessOf(OpenBus().get(), szServerName);
+    const std::optional<pid_t> process = ProcessOf(OpenBus().get(), szServerName);
+    if (!process)
+        throw CNotExaminable("the bus does not say which process the server is");
+    return *process;
 }
 
 double SecondsSinceStart(pid_t process)
