@@ -14,7 +14,8 @@
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t nSize);
-extern "C" void __sanitizer_set_death_callback(void (*pCallback)());
+// Not there in a build without sanitizers.
+extern "C" [[gnu::weak]] void __sanitizer_set_death_callback(void (*pCallback)());
 
 namespace
 {
@@ -50,7 +51,8 @@ struct Entry
 std::vector<Entry> Entries()
 {
     std::signal(SIGABRT, OnAbort);
-    __sanitizer_set_death_callback(TellWhatWasRun);
+    if (__sanitizer_set_death_callback)
+        __sanitizer_set_death_callback(TellWhatWasRun);
     std::vector<Entry> entries;
     for (const auto& file : std::filesystem::directory_iterator(CORPUS_FOLDER))
     {
