@@ -1,6 +1,8 @@
 // Reading a sound file so that its samples can be written again unchanged.
 #pragma once
 
+#include "signal/TakeFormat.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <memory>
@@ -11,14 +13,8 @@
 namespace Tarvane
 {
 
-// The number type in which a file's samples pass through us without a change.
-enum class SampleType
-{
-    Integer, // 32-bit integers hold it: whole-number and lossless forms, A-law and mu-law
-    Float,   // 32-bit floats; also what a lossy form decodes to
-    Double,
-};
-
+// The number type in which a file's samples pass through us without a change: Integer for
+// whole-number and lossless forms, A-law and mu-law; Float also for what a lossy form decodes to.
 SampleType SampleTypeOf(int nFormat);
 
 // Room for some frames of one sample type.
