@@ -129,8 +129,11 @@ std::string Beginning(const TarvaneSeenEvent& event)
 
 std::string End(const TarvaneSeenEvent& event)
 {
+    // Of whole numbers: the point is one in every locale.
     char elapsed[64];
-    std::snprintf(elapsed, sizeof elapsed, "%.3f", double(event.microseconds) / 1000.0);
+    std::snprintf(elapsed, sizeof elapsed, "%llu.%03llu",
+                  static_cast<unsigned long long>(event.microseconds / 1000),
+                  static_cast<unsigned long long>(event.microseconds % 1000));
     return " in status " + std::to_string(event.status) + ", " + std::to_string(BytesIn(event)) +
            " bytes, after " + elapsed + " ms";
 }

@@ -201,6 +201,7 @@ TEST_F(AppleEventSending, ArgumentsWithoutMeaningAreRefused)
 {
     Desc event = NewEvent(kEcho);
     Desc reply;
+    EXPECT_EQ(-1710, errAEUnknownSendMode);
     EXPECT_EQ(errAEUnknownSendMode, SendRaw(event, &reply, kAEQueueReply));
     EXPECT_EQ(errAEUnknownSendMode, SendRaw(event, &reply, kAECanInteract));
     EXPECT_EQ(paramErr, SendRaw(event, &reply, kAEWaitReply, -3));

@@ -1,6 +1,7 @@
 // What TARVANE_AE_TRACE records of the events that a process sends.
 
 #include "tests/platform/AppleEvents/EventFixture.h"
+#include "tests/support/DecimalComma.h"
 
 #include <gmock/gmock.h>
 
@@ -84,6 +85,12 @@ TEST_F(TraceTest, ShowsFailures)
     EXPECT_EQ(procNotFound, SendAndWait(event, reply));
     EXPECT_THAT(testing::internal::GetCapturedStderr(),
                 ContainsRegex("Z event [0-9]+ in status -600, 0 bytes, after [0-9.]+ ms\n$"));
+}
+
+TEST_F(TraceTest, HasADecimalPointWhateverTheLocale)
+{
+    const TarvaneTests::DecimalComma german;
+    EXPECT_THAT(TraceOf(u"x"), ContainsRegex(", after [0-9]+\\.[0-9][0-9][0-9] ms\n"));
 }
 
 TEST_F(TraceTest, AnyOtherValueRecordsNothing)

@@ -19,7 +19,7 @@ enum : OSErr
     errAENotAEDesc = -1704,
     errAENotAppleEvent = -1707,
     errAEEventNotHandled = -1708,
-    errAEUnknownSendMode = -1709,
+    errAEUnknownSendMode = -1710,
     errAETimeout = -1712,
     errAEUnknownAddressType = -1716,
     errAEHandlerNotFound = -1717,
