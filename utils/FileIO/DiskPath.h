@@ -38,7 +38,7 @@ public:
     std::string GetFullPathString() const;
 
     // A new string, which the caller releases. Null if the path is not valid UTF-8.
-    const __CFString* GetFullPathCFString() const;
+    __CFString* GetFullPathCFString() const;
 
     // Whether there is an item of any kind at the path; a plain file counts.
     bool Exists();

@@ -4,8 +4,6 @@
 #include "utils/FileIO/FileName.h"
 #import "utils/FileIO/FileServices.h"
 
-#include <CoreFoundation/CoreFoundation.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
@@ -17,6 +15,17 @@ struct CDiskPathEnumerator
     NSDirectoryEnumerator* m_enumerator;
     NSString* m_extension;
 };
+
+namespace
+{
+
+// Null for a null text and for one that is not valid UTF-8.
+NSString* TextOfWalk(const char* pszText)
+{
+    return pszText == nullptr ? nil : [NSString stringWithUTF8String:pszText];
+}
+
+} // namespace
 
 CDiskPath::CDiskPath() : m_pEnumerator(nullptr) {}
 
@@ -57,10 +66,7 @@ void CDiskPath::Set(const std::string* pstrPath)
 
 std::string CDiskPath::GetFullPathString() const { return m_strPath; }
 
-const __CFString* CDiskPath::GetFullPathCFString() const
-{
-    return CFStringCreateWithCString(kCFAllocatorDefault, m_strPath.c_str(), kCFStringEncodingUTF8);
-}
+__CFString* CDiskPath::GetFullPathCFString() const { return NewCFString(m_strPath); }
 
 bool CDiskPath::Exists()
 {
@@ -87,8 +93,8 @@ bool CDiskPath::FirstFile(CFileName* pFile, const char* pszExtension)
 {
     DropWalk();
     m_pEnumerator = new CDiskPathEnumerator();
-    m_pEnumerator->m_extension = [PathFromText(pszExtension) retain];
-    NSString* strPath = PathFromText(m_strPath.c_str());
+    m_pEnumerator->m_extension = [TextOfWalk(pszExtension) retain];
+    NSString* strPath = TextOfWalk(m_strPath.c_str());
     m_pEnumerator->m_fileManager = [[NSFileManager alloc] init];
     if (strPath != nil)
         m_pEnumerator->m_enumerator =

@@ -42,8 +42,8 @@ public:
     std::string GetFullPathString() const;
 
     // New strings, which the caller releases. Null if the text is not valid UTF-8.
-    const __CFString* GetFullPathCFString() const;
-    const __CFString* GetNameCFString() const;
+    __CFString* GetFullPathCFString() const;
+    __CFString* GetNameCFString() const;
 
     // What follows the last point of the name; the directory part is not looked at.
     std::string GetExtension();

@@ -4,8 +4,6 @@
 #import "utils/FileIO/FileServices.h"
 #include "utils/FileIO/PathHelpers.h"
 
-#include <CoreFoundation/CoreFoundation.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -89,16 +87,9 @@ std::string CFileName::GetFullPath() const
 
 std::string CFileName::GetFullPathString() const { return GetFullPath(); }
 
-const __CFString* CFileName::GetFullPathCFString() const
-{
-    return CFStringCreateWithCString(kCFAllocatorDefault, GetFullPath().c_str(),
-                                     kCFStringEncodingUTF8);
-}
+__CFString* CFileName::GetFullPathCFString() const { return NewCFString(GetFullPath()); }
 
-const __CFString* CFileName::GetNameCFString() const
-{
-    return CFStringCreateWithCString(kCFAllocatorDefault, m_strName.c_str(), kCFStringEncodingUTF8);
-}
+__CFString* CFileName::GetNameCFString() const { return NewCFString(m_strName); }
 
 std::string CFileName::GetExtension() { return ::GetExtension(&m_strName); }
 

@@ -1,5 +1,7 @@
 #import "utils/FileIO/FileServices.h"
 
+#include <CoreFoundation/CoreFoundation.h>
+
 #include <cstring>
 
 namespace
@@ -21,6 +23,12 @@ NSDictionary* AttributesOfItem(const std::string& strPath)
     if (strItem == nil)
         return nil;
     return [[NSFileManager defaultManager] attributesOfItemAtPath:strItem error:nullptr];
+}
+
+__CFString* NewCFString(const std::string& strText)
+{
+    return const_cast<__CFString*>(
+        CFStringCreateWithCString(kCFAllocatorDefault, strText.c_str(), kCFStringEncodingUTF8));
 }
 
 std::unique_ptr<char[]> TemporaryTemplate(NSString* strName)

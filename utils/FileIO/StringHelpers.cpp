@@ -104,7 +104,7 @@ void StringTruncate(char* pszString, int nSize)
     const std::size_t nLength = std::strlen(pszString);
     if (nSize >= 0 && nLength <= static_cast<std::size_t>(nSize))
         return;
-    pszString[std::max(nSize - 1, 0)] = '\0';
+    pszString[nSize > 0 ? nSize - 1 : 0] = '\0';
 }
 
 void PStringTruncate(unsigned char* pString, int nLimit)

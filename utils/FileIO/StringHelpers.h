@@ -18,8 +18,10 @@ short PtoCcmp(const unsigned char* pFirst, const char* pszSecond);
 
 void pstrcpy(unsigned char* pTarget, const unsigned char* pSource);
 
-// Copies at most nLimit characters. A negative limit copies nothing and stores its low byte as the
-// length: with -1 the target says 255 over the characters that it already had.
+// Copies at most nLimit characters. A negative limit stores its low byte as the length and copies
+// as many characters as its low 16 bits say, read as a signed number: with -1 none, so that the
+// target says 255 over the characters that it already had; with -65535 one. The source's length
+// bounds it.
 void pstrcpyn(unsigned char* pTarget, const unsigned char* pSource, int nLimit);
 
 // Appends, up to 255 characters in all; what does not fit is dropped without report.
@@ -51,8 +53,10 @@ bool PStringContains(const unsigned char* pString, const unsigned char* pSought,
 // Replaces every occurrence of the token, starting over from the front after each one. The buffer
 // comes from new char[] and passes to the function: the caller goes on with the returned array,
 // which may be another one, and frees it with delete[]. Null if memory ran out; the buffer is freed
-// then. A token that is empty or part of its replacement would never be used up: the text stays as
-// it is.
+// then. With a token that is empty or part of its replacement the text stays as it is: that token
+// would never be used up. Nor may the replacement bring the token about together with the text
+// around it, which is not looked for: "bbaa" for "ab" in "abb" never ends, and grows the text until
+// memory runs out.
 char* substituteToken(const char* pszToken, char* pszBuffer, const char* pszReplacement);
 
 // Copies at most nSize - 1 characters and always writes a terminator, even for a size of 0 or

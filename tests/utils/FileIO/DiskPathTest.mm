@@ -500,7 +500,7 @@ id EnumerateTellingly(id self, SEL, NSString*)
     return [[[ReleaseTellingEnumerator alloc] init] autorelease];
 }
 
-id MakeTellingString(Class, SEL, const char* psz, NSStringEncoding)
+id MakeTellingString(Class, SEL, const char* psz)
 {
     if (std::string(psz) == "wav")
         return [[[ReleaseTellingString alloc] init] autorelease];
@@ -515,7 +515,7 @@ class DiskPathRecord : public PoolTest
     DiskPathRecord()
         : m_enumerator(class_getInstanceMethod([NSFileManager class], @selector(enumeratorAtPath:)),
                        EnumerateTellingly),
-          m_string(class_getClassMethod([NSString class], @selector(stringWithCString:encoding:)),
+          m_string(class_getClassMethod([NSString class], @selector(stringWithUTF8String:)),
                    MakeTellingString)
     {
         gEntries = [[NSArray alloc] initWithObjects:@"one.wav", @"two.wav", nil];

@@ -1,5 +1,6 @@
 #include "utils/FileIO/FileIO.h"
 
+#include "tests/support/VirtualTable.h"
 #include "tests/utils/FileIO/ScratchFolder.h"
 #include "utils/FileIO/FileExceptions.h"
 #include "utils/FileIO/FileName.h"
@@ -446,16 +447,6 @@ protected:
     std::unique_ptr<RecordingFile> m_pFile;
 };
 
-// The place of a virtual operation in the table, read from the form that a member pointer has in
-// the platform's C++ ABI. The destructor takes the first two.
-template <typename Operation> long Slot(Operation operation)
-{
-    std::ptrdiff_t pointer[2];
-    static_assert(sizeof pointer == sizeof operation);
-    std::memcpy(pointer, &operation, sizeof pointer);
-    return (pointer[0] & ~1) / static_cast<long>(sizeof(void*));
-}
-
 } // namespace
 
 TEST_F(FileIOSlots, OpenCallsClose)
@@ -488,6 +479,7 @@ TEST_F(FileIOSlots, WriteStringCallsWriteOnceOrTwiceAndAddsTheCounts)
 
 TEST(FileIOTable, HasTheOperationsInOrder)
 {
+    using TarvaneTests::Slot;
     EXPECT_TRUE(std::has_virtual_destructor_v<CFileIO>);
     EXPECT_EQ(Slot(&CFileIO::Open), 2);
     EXPECT_EQ(Slot(&CFileIO::Close), 3);

@@ -7,6 +7,8 @@
 #import "tests/utils/FileIO/PlatformCalls.h"
 #include "tests/utils/FileIO/ScratchFolder.h"
 
+#include <gmock/gmock.h>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <type_traits>
@@ -205,6 +207,9 @@ TEST_F(FileName, FullPathStringIsTheSameText)
 
 TEST_F(FileName, GivesPlatformStringsOfTheCallers)
 {
+    static_assert(std::is_same_v<decltype(CFileName().GetFullPathCFString()), __CFString*>);
+    static_assert(std::is_same_v<decltype(CFileName().GetNameCFString()), __CFString*>);
+    static_assert(std::is_same_v<decltype(CDiskPath().GetFullPathCFString()), __CFString*>);
     const CFileName file("/größe/日本.wav");
     EXPECT_EQ(TakenText(file.GetFullPathCFString()), "/größe/日本.wav");
     EXPECT_EQ(TakenText(file.GetNameCFString()), "日本.wav");
@@ -499,23 +504,106 @@ TEST_F(FileName, ServicesDrainAPoolOfTheirOwn)
 namespace
 {
 
+std::vector<std::string> gDateCalls;
 NSDate* gDate = nil;
 
 id GiveDate(id, SEL) { return gDate; }
 
 } // namespace
 
-TEST_F(FileName, GetModificationDateTimeGivesTheDateBack)
+// Tells of what is done to it.
+@interface TellingDate : NSDate
+@end
+
+@implementation TellingDate
+
+- (id)init
+{
+    return self;
+}
+
+- (NSTimeInterval)timeIntervalSinceReferenceDate
+{
+    return 12.5 - NSTimeIntervalSince1970;
+}
+
+- (NSTimeInterval)timeIntervalSince1970
+{
+    gDateCalls.push_back("read");
+    return 12.5;
+}
+
+- (id)retain
+{
+    gDateCalls.push_back("retain");
+    return [super retain];
+}
+
+- (oneway void)release
+{
+    gDateCalls.push_back("release");
+    [super release];
+}
+
+@end
+
+TEST_F(FileName, GetModificationDateTimeHoldsTheDateWhileItReadsIt)
 {
     CFileName file = Made("take.wav");
     NSDictionary* attributes = [[NSFileManager defaultManager] attributesOfItemAtPath:@"/"
                                                                                 error:nullptr];
     const MethodScope method(
         class_getInstanceMethod([attributes class], @selector(fileModificationDate)), GiveDate);
-    gDate = [[NSDate alloc] initWithTimeIntervalSince1970:12.5];
+    gDate = [[TellingDate alloc] init];
+    gDateCalls.clear();
     EXPECT_EQ(file.GetModificationDateTime(), 12.5);
-    EXPECT_EQ([gDate retainCount], 1u);
+    EXPECT_THAT(gDateCalls, testing::ElementsAre("retain", "read", "release"));
     [gDate release];
+}
+
+// Which file manager is asked.
+
+namespace
+{
+
+id gAskedManager = nil;
+
+NSDictionary* NoAttributes(id self, SEL, NSString*, NSError**)
+{
+    gAskedManager = self;
+    return nil;
+}
+
+BOOL RefuseMove(id self, SEL, NSString*, NSString*, NSError**)
+{
+    gAskedManager = self;
+    return NO;
+}
+
+// Whether the operation asks the manager that all share.
+template <typename Operation> bool AsksTheSharedManager(Operation operation)
+{
+    gAskedManager = nil;
+    operation();
+    return gAskedManager == [NSFileManager defaultManager];
+}
+
+} // namespace
+
+TEST_F(FileName, ServicesAreTheSharedManagers)
+{
+    const MethodScope attributes(
+        class_getInstanceMethod([NSFileManager class], @selector(attributesOfItemAtPath:error:)),
+        NoAttributes);
+    const MethodScope move(
+        class_getInstanceMethod([NSFileManager class], @selector(moveItemAtPath:toPath:error:)),
+        RefuseMove);
+    const CapturedStderr captured;
+    CFileName file("/dir/take.wav");
+    EXPECT_TRUE(AsksTheSharedManager([&] { EXPECT_FALSE(file.Exists()); }));
+    EXPECT_TRUE(AsksTheSharedManager([&] { EXPECT_FALSE(CDiskPath("/dir").Exists()); }));
+    EXPECT_TRUE(AsksTheSharedManager([&] { EXPECT_EQ(file.GetModificationDateTime(), 0.0); }));
+    EXPECT_TRUE(AsksTheSharedManager([&] { EXPECT_FALSE(file.RenameFile("/dir/new.wav")); }));
 }
 
 // What the file manager is handed.

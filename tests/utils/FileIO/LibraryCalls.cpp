@@ -73,3 +73,21 @@ extern "C" int mkstemp(char* pszTemplate)
     gLibraryCalls.nDescriptor = gLibraryCalls.fFailTemporary ? -1 : pNext(pszTemplate);
     return gLibraryCalls.nDescriptor;
 }
+
+// In the place of what the linked sources call; the sanitizers go on with their own.
+extern "C"
+{
+    int __real_strcmp(const char* pszFirst, const char* pszSecond);
+    int __wrap_strcmp(const char* pszFirst, const char* pszSecond)
+    {
+        return gLibraryCalls.nComparison ? *gLibraryCalls.nComparison
+                                         : __real_strcmp(pszFirst, pszSecond);
+    }
+
+    void* __real_memmove(void* pTarget, const void* pSource, std::size_t nSize);
+    void* __wrap_memmove(void* pTarget, const void* pSource, std::size_t nSize)
+    {
+        ++gLibraryCalls.nMoves;
+        return __real_memmove(pTarget, pSource, nSize);
+    }
+}

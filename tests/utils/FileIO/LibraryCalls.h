@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 // The C library calls and array allocations of a test program, counted and, on demand, made to
@@ -12,6 +13,10 @@ struct LibraryCalls
     // What mkdtemp and mkstemp were last given, and the descriptor that mkstemp gave.
     std::string strTemplate;
     int nDescriptor = -1;
+
+    // Answers in strcmp's place.
+    std::optional<int> nComparison;
+    int nMoves = 0; // by memmove
 
     int nArraysMade = 0;
     int nArraysFreed = 0;

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -153,6 +155,18 @@ TEST(PtoCcmp, HasTheSignOfStrcmp)
     EXPECT_LT(PtoCcmp(Pascal("tak").data(), "take"), 0);
     EXPECT_GT(PtoCcmp(Pascal("take").data(), ""), 0);
     EXPECT_GT(PtoCcmp(Pascal("\xff").data(), "a"), 0);
+}
+
+TEST(PtoCcmp, CutsTheComparisonTo16BitsWithTheirSign)
+{
+    const LibraryCallScope calls;
+    const std::pair<int, short> results[] = {
+        {-3, -3}, {0x12345, 0x2345}, {0x18000, -0x8000}, {0x10000, 0}, {-0x10000 + 1, 1}};
+    for (const auto& [nComparison, nResult] : results)
+    {
+        gLibraryCalls.nComparison = nComparison;
+        EXPECT_EQ(PtoCcmp(Pascal("a").data(), "b"), nResult) << nComparison;
+    }
 }
 
 TEST(PtoCcmp, TakesTheLongestPascalString)
@@ -341,6 +355,7 @@ TEST(StringTruncate, EmptiesTheTextForASizeOfZeroOrBelow)
     EXPECT_EQ(Truncated("abc", 0), "");
     EXPECT_EQ(Truncated("abc", -5), "");
     EXPECT_EQ(Truncated("", -1), "");
+    EXPECT_EQ(Truncated("abc", std::numeric_limits<int>::min()), "");
 }
 
 TEST(PStringTruncate, LeavesExactlyTheLimit)
@@ -353,7 +368,9 @@ TEST(PStringTruncate, LeavesExactlyTheLimit)
 
 TEST(PStringTruncate, EmptiesTheStringForANegativeLimit)
 {
-    EXPECT_EQ(PascalTruncated("abcde", -1), "");
+    for (const int nLimit : {-1, -255, std::numeric_limits<int>::min()})
+        EXPECT_EQ(PascalTruncated("abcde", nLimit), "") << nLimit;
+    EXPECT_EQ(PascalTruncated("", -1), "");
 }
 
 TEST(PStringContains, GivesTheIndexInTheBuffer)
@@ -426,6 +443,19 @@ TEST(SubstituteToken, OfEqualLengthTouchesNoAllocation)
     EXPECT_EQ(gLibraryCalls.nArraysMade, nMade);
     EXPECT_STREQ(psz, "six two six");
     delete[] psz;
+}
+
+TEST(SubstituteToken, OfEqualLengthMovesNothing)
+{
+    const auto movesBy = [](const char* pszReplacement)
+    {
+        const LibraryCallScope calls;
+        delete[] substituteToken("one", Array("one two one"), pszReplacement);
+        return gLibraryCalls.nMoves;
+    };
+    EXPECT_EQ(movesBy("six"), 0);
+    EXPECT_EQ(movesBy("1"), 2);
+    EXPECT_EQ(movesBy("1234"), 2);
 }
 
 TEST(SubstituteToken, ByShorterTextShrinksInPlace)
