@@ -80,9 +80,6 @@ class CComponentColour
     // Does nothing.
     void CopyColourArray() {}
 
-    // Asked for each fill, for which a cast would take too long.
-    virtual bool IsGradient() const { return false; }
-
     // Adjacent and in this order: the component array of the platform's calls.
     CGFloat m_dRed = 0;
     CGFloat m_dGreen = 0;

@@ -21,11 +21,6 @@ class CComponentsColors
 
     // Whether the code has an entry and that entry is a gradient.
     bool IsGradient(CComponentCode code);
-    // The same of an entry that Find has given, null included.
-    static bool IsGradient(const CComponentColour* pEntry)
-    {
-        return pEntry && pEntry->IsGradient();
-    }
 
     // The entry's colour, which stays the entry's; null without an entry and for a gradient.
     CGColorRef FindCGColorRef(CComponentCode code);

@@ -33,7 +33,10 @@ CComponentColour* CComponentsColors::Find(CComponentCode code)
     return found == m_Map.end() ? nullptr : found->second;
 }
 
-bool CComponentsColors::IsGradient(CComponentCode code) { return IsGradient(Find(code)); }
+bool CComponentsColors::IsGradient(CComponentCode code)
+{
+    return dynamic_cast<const CGradientFill*>(Find(code)) != nullptr;
+}
 
 CGColorRef CComponentsColors::FindCGColorRef(CComponentCode code)
 {

@@ -46,8 +46,6 @@ public:
     CGradientFill(CComponentCode code, const char* pName, bool fEditable); // pName not null
     ~CGradientFill() override;
 
-    bool IsGradient() const override { return true; }
-
     // Releases the gradient and deletes every stop.
     void Clear();
 

@@ -62,21 +62,26 @@ Axis RoundAxis(CGRect rect, FillDirection direction, bool fFlipped)
     }
 }
 
-void FillFlat(CGContextRef context, const CComponentColour* pEntry, const CGRect& rect)
+void FillFlat(CGContextRef context, CComponentCode colour, const CGRect& rect)
 {
-    CGContextSetFillColorWithColor(context, pEntry ? pEntry->m_refColor : nullptr);
+    CGContextSetFillColorWithColor(context, gAppColours.FindCGColorRef(colour));
     CGContextFillRect(context, rect);
 }
 
 void FillBackground(CGContextRef context, CComponentCode background, const CGRect& rect)
 {
     if (!background.Empty())
-        FillFlat(context, gAppColours.Find(background), rect);
+        FillFlat(context, background, rect);
 }
 
-void DrawGradient(CGContextRef context, const CComponentColour* pEntry, Axis axis)
+// The code is that of a gradient.
+const CGradientFill* FindGradient(CComponentCode colour)
 {
-    const auto* pFill = static_cast<const CGradientFill*>(pEntry);
+    return static_cast<const CGradientFill*>(gAppColours.Find(colour));
+}
+
+void DrawGradient(CGContextRef context, const CGradientFill* pFill, Axis axis)
+{
     CGContextDrawLinearGradient(context, pFill->m_refGradient, axis.start, axis.end,
                                 kExtendBothWays);
 }
@@ -114,18 +119,18 @@ void ClipToRoundRect(CGContextRef context, CGRect rect, float fRadius)
           Flipped:(bool)fFlipped
 {
     FillBackground(context, background, rect);
-    const CComponentColour* pEntry = gAppColours.Find(colour);
-    if (!CComponentsColors::IsGradient(pEntry))
+    if (!gAppColours.IsGradient(colour))
     {
-        FillFlat(context, pEntry, rect);
+        FillFlat(context, colour, rect);
         return;
     }
+    const CGradientFill* pFill = FindGradient(colour);
     const Axis axis = PlainAxis(rect, direction, fFlipped);
     CGContextSaveGState(context);
     CGContextBeginPath(context);
     CGContextAddRect(context, rect);
     CGContextClip(context);
-    DrawGradient(context, pEntry, axis);
+    DrawGradient(context, pFill, axis);
     CGContextRestoreGState(context);
 }
 
@@ -150,11 +155,10 @@ void ClipToRoundRect(CGContextRef context, CGRect rect, float fRadius)
     FillBackground(context, background, rect);
     CGContextSaveGState(context);
     ClipToRoundRect(context, rect, fRadius);
-    const CComponentColour* pEntry = gAppColours.Find(colour);
-    if (CComponentsColors::IsGradient(pEntry))
-        DrawGradient(context, pEntry, RoundAxis(rect, direction, fFlipped));
+    if (gAppColours.IsGradient(colour))
+        DrawGradient(context, FindGradient(colour), RoundAxis(rect, direction, fFlipped));
     else
-        FillFlat(context, pEntry, rect);
+        FillFlat(context, colour, rect);
     CGContextRestoreGState(context);
 }
 

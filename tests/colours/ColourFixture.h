@@ -32,6 +32,23 @@ class ColourFixture : public testing::Test
         EXPECT_EQ(TarvaneTests::LiveGraphicsObjects(), m_nLiveBefore);
     }
 
+    // The number under which m_space is recorded; every other space has another.
+    static constexpr size_t kSpace = 1;
+
+    // How many references a platform colour has beside that of whoever asks for it, once the
+    // operation and what it autoreleased are done.
+    template <typename Operation>
+    static NSUInteger OwnersAfter(NSColor* colour, Operation operation)
+    {
+        [colour retain];
+        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+        operation();
+        [pool drain];
+        const NSUInteger nOwners = [colour retainCount] - 1;
+        [colour release];
+        return nOwners;
+    }
+
     size_t m_nLiveBefore;
     NSAutoreleasePool* m_pool;
     CGColorSpaceRef m_space;

@@ -1,9 +1,11 @@
 #include "tests/colours/ColourFixture.h"
+#include "tests/support/VirtualTable.h"
 
 #include <cstdint>
 
 using testing::DoubleEq;
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 
 namespace
 {
@@ -29,6 +31,23 @@ std::unique_ptr<CParameterBlock> BlockWithout(const std::string& strMissing)
 
 class ComponentColour : public ColourFixture
 {
+};
+
+// Both platform colours are made of these numbers, the NSColor as a calibrated one.
+void ExpectPlatformColours(const CComponentColour& colour, const std::vector<double>& rgba)
+{
+    const CGFloat* c = CGColorGetComponents(colour.m_refColor);
+    EXPECT_THAT(std::vector<double>(c, c + 4), ElementsAreArray(rgba));
+    EXPECT_TRUE([[colour.m_pNSColor colorSpaceName] isEqualToString:NSCalibratedRGBColorSpace]);
+    EXPECT_THAT(RGBAOf(colour.m_pNSColor), testing::Pointwise(testing::DoubleNear(1e-6), rgba));
+}
+
+// Has a virtual operation of its own, which stands behind those of the class that it derives from.
+class LaterColour : public CComponentColour
+{
+  public:
+    using CComponentColour::CComponentColour;
+    virtual void Later() {}
 };
 
 } // namespace
@@ -116,13 +135,76 @@ TEST_F(ComponentColour, MakesBothPlatformColoursOfItsNumbers)
     const CComponentColour colour(CComponentCode(1, 2), "Sand", 0.1, 0.2, 0.3, 0.4, m_space, false);
     EXPECT_EQ(colour.m_strName, "Sand");
     EXPECT_FALSE(colour.m_fEditable);
-    const CGFloat* c = CGColorGetComponents(colour.m_refColor);
-    EXPECT_THAT(std::vector<double>(c, c + 4), ElementsAre(0.1, 0.2, 0.3, 0.4));
-    EXPECT_EQ(TarvaneTests::LastColourSpace(), 1u);
-    EXPECT_EQ([colour.m_pNSColor retainCount], 2u) << "its own and the pool's";
-    const std::vector<double> rgba = RGBAOf(colour.m_pNSColor);
-    EXPECT_NEAR(rgba[0], 0.1, 1e-6);
-    EXPECT_NEAR(rgba[3], 0.4, 1e-6);
+    ExpectPlatformColours(colour, {0.1, 0.2, 0.3, 0.4});
+}
+
+TEST_F(ComponentColour, IsMadeInTheSpaceThatIsPassed)
+{
+    CGColorSpaceRef other = CGColorSpaceCreateDeviceRGB();
+    CComponentColour colour(CComponentCode(1, 2), "Sand", 0.1, 0.2, 0.3, 0.4, m_space, false);
+    EXPECT_EQ(TarvaneTests::LastColourSpace(), kSpace);
+    CParameterBlock block;
+    colour.Save(&block);
+    colour.Load(&block, other);
+    EXPECT_EQ(TarvaneTests::LastColourSpace(), kSpace + 1);
+    colour.Load(&block, m_space);
+    EXPECT_EQ(TarvaneTests::LastColourSpace(), kSpace);
+    CGColorSpaceRelease(other);
+}
+
+TEST_F(ComponentColour, NumbersAreNeverClamped)
+{
+    const std::vector<double> wild = {-0.5, 1.5, 2.0, -3.0};
+    CComponentColour made(CComponentCode(1, 2), "", -0.5, 1.5, 2.0, -3.0, m_space, true);
+    CParameterBlock block;
+    made.Save(&block);
+    CComponentColour loaded(CComponentCode(0, 0));
+    EXPECT_TRUE(loaded.Load(&block, m_space));
+    CComponentColour updated(CComponentCode(0, 0));
+    updated.UpdateColour(-0.5, 1.5, 2.0, -3.0);
+    CComponentColour assigned(CComponentCode(0, 0));
+    assigned = made;
+    for (const CComponentColour* pColour : {&made, &loaded, &updated, &assigned})
+    {
+        EXPECT_THAT(RGBAOf(*pColour), ElementsAreArray(wild));
+        const CGFloat* c = CGColorGetComponents(pColour->m_refColor);
+        EXPECT_THAT(std::vector<double>(c, c + 4), ElementsAreArray(wild));
+    }
+}
+
+TEST_F(ComponentColour, OwnsOneReferenceOfItsNSColorAndGivesItBack)
+{
+    std::unique_ptr<CComponentColour> pColour;
+    CParameterBlock block;
+    const auto make = [&]
+    {
+        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+        pColour = std::make_unique<CComponentColour>(CComponentCode(1, 2), "Sand", 0.1, 0.2, 0.3,
+                                                     0.4, m_space, false);
+        [pool drain];
+    };
+    make();
+    pColour->Save(&block);
+    CComponentColour other(CComponentCode(3, 4));
+    EXPECT_EQ(OwnersAfter(pColour->m_pNSColor, [] {}), 1u);
+    EXPECT_EQ(OwnersAfter(pColour->m_pNSColor, [&] { pColour->UpdateColour(1, 1, 1, 1); }), 0u);
+    EXPECT_EQ(OwnersAfter(pColour->m_pNSColor, [] {}), 1u);
+    EXPECT_EQ(OwnersAfter(pColour->m_pNSColor, [&] { pColour->Load(&block, m_space); }), 0u);
+    EXPECT_EQ(OwnersAfter(pColour->m_pNSColor, [] {}), 1u);
+    EXPECT_EQ(OwnersAfter(pColour->m_pNSColor, [&] { *pColour = other; }), 0u);
+    EXPECT_EQ(OwnersAfter(pColour->m_pNSColor, [] {}), 1u);
+    EXPECT_EQ(OwnersAfter(pColour->m_pNSColor, [&] { pColour.reset(); }), 0u);
+}
+
+TEST_F(ComponentColour, HasItsVirtualOperationsInOrderAndNoOther)
+{
+    using TarvaneTests::Slot;
+    using Assignment = CComponentColour& (CComponentColour::*)(CComponentColour&);
+    EXPECT_TRUE(std::has_virtual_destructor_v<CComponentColour>);
+    EXPECT_EQ(Slot(&CComponentColour::Save), 2);
+    EXPECT_EQ(Slot(&CComponentColour::Load), 3);
+    EXPECT_EQ(Slot(static_cast<Assignment>(&CComponentColour::operator=)), 4);
+    EXPECT_EQ(Slot(&LaterColour::Later), 5);
 }
 
 TEST_F(ComponentColour, SavesInAFixedOrder)
@@ -148,8 +230,7 @@ TEST_F(ComponentColour, ComesBackFromItsSavedForm)
     EXPECT_THAT(RGBAOf(back), ElementsAre(0.1, 0.2, 0.3, 0.4));
     EXPECT_EQ(back.m_strName, "Sand");
     EXPECT_FALSE(back.m_fEditable);
-    EXPECT_NE(back.m_refColor, nullptr);
-    EXPECT_TRUE(back.m_pNSColor != nil);
+    ExpectPlatformColours(back, {0.1, 0.2, 0.3, 0.4});
 }
 
 TEST_F(ComponentColour, LoadWithAMissingValueTakesTheRestAndLeavesNoCGColor)
@@ -194,10 +275,10 @@ TEST_F(ComponentColour, UpdateColourMakesBothColoursAnewInDeviceRGB)
     CComponentColour colour(CComponentCode(1, 2), "Sand", 0.1, 0.2, 0.3, 0.4, m_space, false);
     colour.UpdateColour(0.5, 0.6, 0.7, 2.0);
     EXPECT_THAT(RGBAOf(colour), ElementsAre(0.5, 0.6, 0.7, 2.0)) << "nothing is clamped";
-    EXPECT_EQ(CGColorGetComponents(colour.m_refColor)[3], 2.0);
-    EXPECT_EQ(TarvaneTests::LastColourSpace(), 2u) << "a space of its own";
+    EXPECT_EQ(TarvaneTests::LastColourSpace(), kSpace + 1) << "a space of its own";
     EXPECT_THAT(TarvaneTests::GraphicsCalls(), ElementsAre("ReleaseSpace"));
-    EXPECT_NEAR(RGBAOf(colour.m_pNSColor)[0], 0.5, 1e-6);
+    colour.UpdateColour(0.5, 0.6, 0.7, 0.8);
+    ExpectPlatformColours(colour, {0.5, 0.6, 0.7, 0.8});
     EXPECT_EQ(colour.m_strName, "Sand");
 }
 
@@ -210,8 +291,9 @@ TEST_F(ComponentColour, AssignmentCopiesEverythingAndMakesColoursOfItsOwn)
     EXPECT_EQ(target.m_strName, "Sand");
     EXPECT_FALSE(target.m_fEditable);
     EXPECT_THAT(RGBAOf(target), ElementsAre(0.1, 0.2, 0.3, 0.4));
-    EXPECT_NE(target.m_refColor, nullptr);
+    ExpectPlatformColours(target, {0.1, 0.2, 0.3, 0.4});
     EXPECT_NE(target.m_refColor, source.m_refColor);
+    EXPECT_EQ(TarvaneTests::LastColourSpace(), kSpace + 1) << "device RGB, in a space of its own";
 }
 
 TEST_F(ComponentColour, AssignedToItselfStaysWhatItWas)

@@ -185,6 +185,22 @@ TEST_F(ComponentsColors, DefaultPaletteHasTwelveEntriesFromTheHighestCodeDown)
     ExpectDefaultPalette(gAppColours);
 }
 
+TEST_F(ComponentsColors, DefaultPaletteMakesTheTrackInfoBackgroundTwiceAndTheRestInOrder)
+{
+    using testing::StartsWith;
+    TarvaneTests::ResetGraphicsCalls();
+    AppCreateDefaultColoursDesigner();
+    EXPECT_THAT(TarvaneTests::CreatedGradients(),
+                ElementsAre(StartsWith("0: rgba(0.098"), StartsWith("0: rgba(0.098"),
+                            StartsWith("0: rgba(0.211"), StartsWith("0.807"),
+                            StartsWith("0: rgba(0.447"), StartsWith("0: rgba(0.213"),
+                            StartsWith("0: rgba(0.211"), StartsWith("0: rgba(0.321"),
+                            StartsWith("0: rgba(0.211"), StartsWith("0: rgba(0.211")));
+    EXPECT_EQ(TarvaneTests::LastColourSpace(), 1u);
+    EXPECT_EQ(TarvaneTests::LastGradientSpace(), 1u);
+    EXPECT_THAT(TarvaneTests::GraphicsCalls(), ElementsAre("ReleaseSpace"));
+}
+
 TEST_F(ComponentsColors, DefaultPaletteIsTheSameAfterThreeCreations)
 {
     for (int i = 0; i < 3; ++i)
@@ -254,6 +270,35 @@ TEST_F(ComponentsColors, UpdateColourChangesAnEntryAndIgnoresAMissingOne)
     EXPECT_THAT(RGBAOf(*table.Find(CComponentCode(0, 1))),
                 ElementsAre(double(0.1f), double(0.2f), double(0.3f), double(0.4f)));
     EXPECT_THAT(table.m_Map, SizeIs(1));
+}
+
+TEST_F(ComponentsColors, UpdateColourOfAGradientChangesNothingThatIsPainted)
+{
+    AppCreateDefaultColoursDesigner();
+    auto* pFill = static_cast<CGradientFill*>(gAppColours.Find(ccButtonBorder));
+    const CGGradientRef before = pFill->m_refGradient;
+    TarvaneTests::ResetGraphicsCalls();
+    gAppColours.UpdateColour(ccButtonBorder, 0.25f, 0.5f, 0.75f, 1.0f);
+    EXPECT_THAT(TarvaneTests::CreatedGradients(), IsEmpty());
+    EXPECT_EQ(pFill->m_refGradient, before);
+    EXPECT_TRUE(gAppColours.IsGradient(ccButtonBorder));
+    ASSERT_THAT(pFill->m_Stops, SizeIs(2));
+    EXPECT_THAT(RGBAOf(**pFill->m_Stops.begin()), ElementsAre(0.447059, 0.447059, 0.447059, 1.0));
+    const CGFloat* pRGBA = gAppColours.FindRGBA(ccButtonBorder);
+    EXPECT_THAT(std::vector<double>(pRGBA, pRGBA + 4), ElementsAre(0.25, 0.5, 0.75, 1.0));
+    EXPECT_NE(gAppColours.FindCGColorRef(ccButtonBorder), nullptr);
+    EXPECT_TRUE(gAppColours.FindNSColor(ccButtonBorder) != nil);
+}
+
+TEST_F(ComponentsColors, DerivedFillIsAGradientAsWell)
+{
+    class Fill : public CGradientFill
+    {
+        using CGradientFill::CGradientFill;
+    };
+    CComponentsColors table;
+    table.Add(new Fill(CComponentCode(0, 1)));
+    EXPECT_TRUE(table.IsGradient(CComponentCode(0, 1)));
 }
 
 TEST_F(ComponentsColors, NegativeCodesStandBelowPositiveOnes)

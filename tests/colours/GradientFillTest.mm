@@ -1,5 +1,6 @@
 #include "tests/colours/ColourFixture.h"
 #include "tests/support/DecimalComma.h"
+#include "tests/support/VirtualTable.h"
 
 #include <limits>
 
@@ -32,6 +33,20 @@ std::unique_ptr<CParameterBlock> FillHeader()
     pBlock->AddParameter("Edit", false);
     return pBlock;
 }
+
+// Have a virtual operation of their own, which stands behind those of the class they derive from.
+class LaterStop : public CGradComponent
+{
+  public:
+    using CGradComponent::CGradComponent;
+    virtual void Later() {}
+};
+class LaterFill : public CGradientFill
+{
+  public:
+    using CGradientFill::CGradientFill;
+    virtual void Later() {}
+};
 
 class GradientFill : public ColourFixture
 {
@@ -87,6 +102,56 @@ TEST_F(GradientFill, StopAssignmentTakesThePositionAlong)
     target = source;
     EXPECT_EQ(target.m_fPosition, 0.75f);
     EXPECT_THAT(RGBAOf(target), ElementsAre(0.2, 0.3, 0.4, 0.5));
+}
+
+TEST_F(GradientFill, CopiedStopHasTheSourcesCodeAndName)
+{
+    CParameterBlock block;
+    block.AddParameter("Position", 0.5f);
+    CParameterBlock colour;
+    CComponentColour(CComponentCode(5, 6), "Ochre", 0.1, 0.2, 0.3, 0.4, m_space, false)
+        .Save(&colour);
+    block.AddParameter("Color", &colour);
+    const auto pFillBlock = FillHeader();
+    pFillBlock->AddParameter("GradColor", &block);
+    CGradientFill source(CComponentCode(0, 0));
+    ASSERT_TRUE(source.Load(pFillBlock.get(), m_space));
+    CGradientFill target(CComponentCode(0, 0));
+    target = source;
+    ASSERT_EQ(target.m_Stops.size(), 1u);
+    const CGradComponent& stop = **target.m_Stops.begin();
+    EXPECT_EQ(stop.m_Code.Key(), CComponentCode(5, 6).Key());
+    EXPECT_EQ(stop.m_strName, "Ochre");
+    EXPECT_FALSE(stop.m_fEditable);
+    EXPECT_THAT(RGBAOf(stop), ElementsAre(0.1, 0.2, 0.3, 0.4));
+}
+
+TEST_F(GradientFill, MakesStopsAndGradientInTheSpaceThatIsPassed)
+{
+    CGColorSpaceRef other = CGColorSpaceCreateDeviceRGB();
+    CGradientFill fill(CComponentCode(1, 2), "Dusk", true);
+    AddGrey(fill, 0.0);
+    EXPECT_EQ(TarvaneTests::LastColourSpace(), kSpace);
+    fill.Create(other);
+    EXPECT_EQ(TarvaneTests::LastGradientSpace(), kSpace + 1);
+    fill.Create(m_space);
+    EXPECT_EQ(TarvaneTests::LastGradientSpace(), kSpace);
+    CParameterBlock block;
+    fill.Save(&block);
+    EXPECT_TRUE(fill.Load(&block, other));
+    EXPECT_EQ(TarvaneTests::LastColourSpace(), kSpace + 1);
+    EXPECT_EQ(TarvaneTests::LastGradientSpace(), kSpace + 1);
+    CGColorSpaceRelease(other);
+}
+
+TEST_F(GradientFill, TablesOfVirtualOperationsEndWithTheInheritedAssignment)
+{
+    EXPECT_EQ(TarvaneTests::Slot(&CGradComponent::Save), 2);
+    EXPECT_EQ(TarvaneTests::Slot(&CGradComponent::Load), 3);
+    EXPECT_EQ(TarvaneTests::Slot(&LaterStop::Later), 5);
+    EXPECT_EQ(TarvaneTests::Slot(&CGradientFill::Save), 2);
+    EXPECT_EQ(TarvaneTests::Slot(&CGradientFill::Load), 3);
+    EXPECT_EQ(TarvaneTests::Slot(&LaterFill::Later), 5);
 }
 
 TEST_F(GradientFill, BaseNumbersAndColoursStayEmpty)

@@ -2,6 +2,7 @@
 
 #include "colours/ComponentsColors.h"
 #include "colours/GradientFill.h"
+#include "tests/controls/PaletteLookUps.h"
 #include "tests/support/AllocationCount.h"
 #include "tests/support/RecordingCoreGraphics.h"
 
@@ -68,13 +69,13 @@ class Fills : public testing::Test
     }
 
     const std::vector<std::string>& Plain(CComponentCode colour, CComponentCode background,
-                                          int nDirection, bool fFlipped)
+                                          int nDirection, bool fFlipped, CGRect rect = kRect)
     {
         TarvaneTests::ResetGraphicsCalls();
         [GraphicUtils FillRect:TarvaneTests::RecordingContext()
                          Color:colour
                     Background:background
-                          Rect:kRect
+                          Rect:rect
                  FillDirection:FillDirection(nDirection)
                        Flipped:fFlipped];
         return GraphicsCalls();
@@ -137,6 +138,42 @@ TEST_F(Fills, NullCodeIsABackgroundAndTheEmptyCodeIsNone)
     EXPECT_THAT(Plain(kFlat, ccNull, 1, false),
                 ElementsAre("SetFillColor null", kWholeRect, kFlatColour, kWholeRect));
     EXPECT_THAT(Plain(kFlat, CComponentCode(0, 0), 1, false), ElementsAre(kFlatColour, kWholeRect));
+}
+
+TEST_F(Fills, ACodeIsEmptyOnlyIfBothItsNumbersAreZero)
+{
+    CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
+    gAppColours.Add(new CComponentColour(CComponentCode(5, 0), "", 0, 0, 1, 1, space, true));
+    CGColorSpaceRelease(space);
+    const auto expected = ElementsAre(kBackgroundColour, kWholeRect, kFlatColour, kWholeRect);
+    EXPECT_THAT(Plain(kFlat, CComponentCode(5, 0), 1, false), expected);
+    EXPECT_THAT(Plain(kFlat, kBackground, 1, false), expected) << "its module is 0";
+    const auto& round = Round(kFlat, CComponentCode(5, 0), 4, 1, false);
+    EXPECT_EQ(round.at(0), kBackgroundColour);
+    EXPECT_EQ(round.at(1), kWholeRect);
+}
+
+// The background is looked up as a colour, without a question whether it is a gradient.
+TEST_F(Fills, GradientIsLookedUpTwiceAndAFlatColourAskedForByItsCode)
+{
+    const TarvaneTests::NotedLookUps notes;
+    EXPECT_THAT(Plain(kGradient, kBackground, 1, true),
+                ElementsAre("FindCGColorRef 0/3", kBackgroundColour, kWholeRect, "IsGradient 0/2",
+                            "Find 0/2", "SaveGState", "BeginPath", "AddRect 10 20 100 50", "Clip",
+                            Gradient("10 20 10 70"), "RestoreGState"));
+    EXPECT_THAT(Plain(kFlat, kNone, 1, true),
+                ElementsAre("IsGradient 0/1", "FindCGColorRef 0/1", kFlatColour, kWholeRect));
+
+    std::vector<std::string> round = {"FindCGColorRef 0/3", kBackgroundColour, kWholeRect,
+                                      "SaveGState"};
+    round.insert(round.end(), kCornerPath.begin(), kCornerPath.end());
+    std::vector<std::string> flat = round;
+    round.insert(round.end(),
+                 {"IsGradient 0/2", "Find 0/2", Gradient("10 20 10 70"), "RestoreGState"});
+    EXPECT_THAT(Round(kGradient, kBackground, 4, 1, true), ElementsAreArray(round));
+    flat.insert(flat.end(),
+                {"IsGradient 0/1", "FindCGColorRef 0/1", kFlatColour, kWholeRect, "RestoreGState"});
+    EXPECT_THAT(Round(kFlat, kBackground, 4, 1, true), ElementsAreArray(flat));
 }
 
 TEST_F(Fills, CodeWithoutAnEntryGoesTheFlatWay)
@@ -233,8 +270,8 @@ TEST_F(Fills, LargeAndNegativeRadiiGoToThePlatformAsTheyAre)
 
 TEST_F(Fills, CornerPathIsComputedIn32Bits)
 {
-    // 0.1 narrows to 0.100000001490116…; x1 is added up in full and narrowed after.
-    const CGRect rect = CGRectMake(0.1, 16777216.5, 0.2, 1.0);
+    // Each of the four is another number when it is narrowed before it is added up.
+    const CGRect rect = CGRectMake(16777216.5, 33554432.5, 1.0, 2.0);
     const auto& calls = Round(kFlat, kNone, 0.3f, 1, true, rect);
     const auto text = [](std::initializer_list<float> values)
     {
@@ -247,11 +284,13 @@ TEST_F(Fills, CornerPathIsComputedIn32Bits)
         }
         return strText;
     };
-    const float x0 = 0.1f;
-    const float y0 = float(16777216.5);
-    const float x1 = float(0.1 + 0.2);
-    const float y1 = float(16777216.5 + 1.0);
+    const float x0 = 16777216.0f;
+    const float y0 = 33554432.0f;
+    const float x1 = 16777218.0f;
+    const float y1 = 33554436.0f;
     const float r = 0.3f;
+    ASSERT_NE(x1, x0 + 1.0f);
+    ASSERT_NE(y1, y0 + 2.0f);
     EXPECT_THAT(
         std::vector<std::string>(calls.begin() + 2, calls.begin() + 11),
         ElementsAre(
@@ -262,12 +301,17 @@ TEST_F(Fills, CornerPathIsComputedIn32Bits)
             "AddLineToPoint" + text({x0 + r, y0})));
 }
 
-TEST_F(Fills, GradientPointsOfARoundFillAreNotNarrowed)
+TEST_F(Fills, GradientPointsAreNotNarrowed)
 {
-    const CGRect rect = CGRectMake(0.1, 0.2, 100, 50);
-    EXPECT_EQ(Round(kGradient, kNone, 4, 1, true, rect).at(13),
-              Gradient("0.10000000000000001 0.20000000000000001 0.10000000000000001 "
-                       "50.200000000000003"));
+    const CGRect rect = CGRectMake(0.1, 0.2, 100.3, 50.4);
+    const std::string strDown = "0.10000000000000001 0.20000000000000001 0.10000000000000001 "
+                                "50.600000000000001";
+    const std::string strRight = "0.10000000000000001 0.20000000000000001 100.39999999999999 "
+                                 "0.20000000000000001";
+    EXPECT_EQ(Round(kGradient, kNone, 4, 1, true, rect).at(13), Gradient(strDown));
+    EXPECT_EQ(Round(kGradient, kNone, 4, 3, true, rect).at(13), Gradient(strRight));
+    EXPECT_EQ(Plain(kGradient, kNone, 1, true, rect).at(4), Gradient(strDown));
+    EXPECT_EQ(Plain(kGradient, kNone, 3, true, rect).at(4), Gradient(strRight));
 }
 
 TEST_F(Fills, CornerRadii)

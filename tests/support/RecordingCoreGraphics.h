@@ -27,6 +27,11 @@ size_t LiveGraphicsObjects();
 // The colour space that the last colour was created in, as a serial number from 1; 0 for null.
 // Spaces are numbered in order of creation from the last Reset.
 size_t LastColourSpace();
+// The same of the last gradient.
+size_t LastGradientSpace();
+
+// The stops of every gradient that was created since the last Reset, in order.
+const std::vector<std::string>& CreatedGradients();
 
 // A context to draw in; a call for any other is written with the prefix "foreign ".
 CGContextRef RecordingContext();

@@ -44,6 +44,8 @@ bool fRecording = true;
 size_t nLive;
 size_t nSpaces;
 size_t nLastColourSpace;
+size_t nLastGradientSpace;
+std::vector<std::string> createdGradients;
 CGContext context;
 
 std::string Format(const char* szFormat, ...) __attribute__((format(printf, 1, 2)));
@@ -115,6 +117,8 @@ void ResetGraphicsCalls()
     calls.clear();
     nSpaces = 0;
     nLastColourSpace = 0;
+    nLastGradientSpace = 0;
+    createdGradients.clear();
 }
 
 void NoteGraphicsCall(const std::string& strCall) { calls.push_back(strCall); }
@@ -124,6 +128,10 @@ void SetGraphicsRecording(bool fRecord) { fRecording = fRecord; }
 size_t LiveGraphicsObjects() { return nLive; }
 
 size_t LastColourSpace() { return nLastColourSpace; }
+
+size_t LastGradientSpace() { return nLastGradientSpace; }
+
+const std::vector<std::string>& CreatedGradients() { return createdGradients; }
 
 CGContextRef RecordingContext() { return &context; }
 
@@ -169,13 +177,15 @@ const CGFloat* CGColorGetComponents(CGColorRef color) { return color->components
 
 size_t CGColorGetNumberOfComponents(CGColorRef) { return 4; }
 
-CGGradientRef CGGradientCreateWithColors(CGColorSpaceRef, CFArrayRef colors,
+CGGradientRef CGGradientCreateWithColors(CGColorSpaceRef space, CFArrayRef colors,
                                          const CGFloat* locations)
 {
+    nLastGradientSpace = space ? space->nSerial : 0;
     auto* gradient = Created(new CGGradient{1, ""});
     for (CFIndex i = 0; i < CFArrayGetCount(colors); ++i)
         gradient->strStops += (i ? ", " : "") + Number(locations[i]) + ": " +
                               Text((CGColorRef)CFArrayGetValueAtIndex(colors, i));
+    createdGradients.push_back(gradient->strStops);
     return gradient;
 }
 
