@@ -49,12 +49,6 @@
 
 #pragma mark Look
 
-static NSImage* ImageInBundle(NSBundle* bundle, NSString* strName)
-{
-    NSString* path = [bundle pathForResource:strName ofType:@"png"];
-    return [[NSImage alloc] initWithContentsOfFile:path];
-}
-
 - (void)SetStateImages:(NSInteger)nState Up:(NSString*)strUp Down:(NSString*)strDown
 {
     if (nState != 0 && nState != 1)
@@ -65,8 +59,10 @@ static NSImage* ImageInBundle(NSBundle* bundle, NSString* strName)
     [*pDown release];
     // The view's own bundle, not the host's.
     NSBundle* bundle = [NSBundle bundleForClass:[self class]];
-    *pUp = ImageInBundle(bundle, strUp);
-    *pDown = ImageInBundle(bundle, strDown);
+    NSString* upPath = [bundle pathForResource:strUp ofType:@"png"];
+    NSString* downPath = [bundle pathForResource:strDown ofType:@"png"];
+    *pUp = [[NSImage alloc] initWithContentsOfFile:upPath];
+    *pDown = [[NSImage alloc] initWithContentsOfFile:downPath];
 }
 
 - (void)SetDrawButton:(bool)fDrawButton
@@ -183,12 +179,12 @@ static NSImage* ImageInBundle(NSBundle* bundle, NSString* strName)
 
 // False, with nothing painted, when the on colour is empty, whatever the off colour is. Colours ask
 // whether the state is 0, images whether it is 1: any other shows off images in on colours.
-- (bool)fill:(NSRect)rect on:(CComponentCode)on off:(CComponentCode)off
+- (bool)fill:(CGContextRef)context rect:(NSRect)rect on:(CComponentCode)on off:(CComponentCode)off
 {
     if (on.Empty())
         return false;
     const bool fOff = m_nState == 0 && !off.Empty();
-    [GraphicUtils FillRoundRect:(CGContextRef)[[NSGraphicsContext currentContext] graphicsPort]
+    [GraphicUtils FillRoundRect:context
                           Color:fOff ? off : on
                      Background:CComponentCode(0, 0)
                            Rect:rect
@@ -199,16 +195,16 @@ static NSImage* ImageInBundle(NSBundle* bundle, NSString* strName)
 }
 
 // Returns what is left inside the border.
-- (NSRect)drawButton:(NSRect)rect
+- (NSRect)drawButton:(NSRect)rect in:(CGContextRef)context
 {
     const CComponentCode onBorder = m_fMouseDown ? m_nOnDownBorder : m_nOnUpBorder;
     const CComponentCode offBorder = m_fMouseDown ? m_nOffDownBorder : m_nOffUpBorder;
     const CComponentCode onFace = m_fMouseDown ? m_nOnDownFace : m_nOnUpFace;
     const CComponentCode offFace = m_fMouseDown ? m_nOffDownFace : m_nOffUpFace;
 
-    if ([self fill:rect on:onBorder off:offBorder])
+    if ([self fill:context rect:rect on:onBorder off:offBorder])
         rect = NSInsetRect(rect, 1.0, 1.0);
-    [self fill:rect on:onFace off:offFace];
+    [self fill:context rect:rect on:onFace off:offFace];
     return rect;
 }
 
@@ -227,14 +223,16 @@ static NSImage* ImageInBundle(NSBundle* bundle, NSString* strName)
 
 - (void)drawLabel
 {
+    NSFont* font = [NSFont fontWithName:@"Tahoma" size:12.0];
     NSMutableParagraphStyle* style = [[NSMutableParagraphStyle alloc] init];
     [style setAlignment:NSCenterTextAlignment];
+    NSColor* colour = gAppColours.FindNSColor(m_nLabelColor);
     NSMutableDictionary* attributes = [NSMutableDictionary
         dictionaryWithObjectsAndKeys:style, NSParagraphStyleAttributeName, nil];
     // Without the font or the colour the platform's own stand in.
-    if (NSFont* font = [NSFont fontWithName:@"Tahoma" size:12.0])
+    if (font)
         [attributes setObject:font forKey:NSFontAttributeName];
-    if (NSColor* colour = gAppColours.FindNSColor(m_nLabelColor))
+    if (colour)
         [attributes setObject:colour forKey:NSForegroundColorAttributeName];
 
     const NSRect bounds = [self bounds];
@@ -247,10 +245,11 @@ static NSImage* ImageInBundle(NSBundle* bundle, NSString* strName)
 
 - (void)drawRect:(NSRect)rect
 {
-    rect = [self bounds]; // the whole switch is painted every time
+    const auto context = (CGContextRef)[[NSGraphicsContext currentContext] graphicsPort];
     NSImage* image = [self image];
+    rect = [self bounds]; // the whole switch is painted every time
     if (m_fDrawButton)
-        rect = [self drawButton:rect];
+        rect = [self drawButton:rect in:context];
     [self drawImage:image inside:rect];
     if (m_strLabel)
         [self drawLabel];

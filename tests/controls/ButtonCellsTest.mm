@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -26,6 +28,32 @@ using testing::SizeIs;
 - (BOOL)isFlipped
 {
     return YES;
+}
+@end
+
+// Tells whether a redraw of it was asked for.
+@interface AskedButton : NSButton
+{
+  @public
+    int m_nAsked;
+}
+@end
+
+@implementation AskedButton
+- (void)setNeedsDisplay:(BOOL)fNeeds
+{
+    (void)fNeeds;
+    ++m_nAsked;
+}
+- (void)setNeedsDisplayInRect:(NSRect)rect
+{
+    (void)rect;
+    ++m_nAsked;
+}
+- (void)updateCell:(NSCell*)cell
+{
+    (void)cell;
+    ++m_nAsked;
 }
 @end
 
@@ -176,6 +204,57 @@ TEST_F(ButtonCells, DisabledLooksAsEnabledInThePaletteStyle)
     }
 }
 
+TEST_F(ButtonCells, DisabledWhileHeldDownLooksAsEnabledInThePaletteStyle)
+{
+    for (NSCell* cell : BothCells())
+    {
+        [cell setHighlighted:YES];
+        const std::vector<std::string> enabled = Bezel(cell, m_view);
+        EXPECT_THAT(CallsThatBegin({"DrawLinearGradient"}),
+                    ElementsAre(HasSubstr(kBorderDown), HasSubstr(kFaceDown)));
+        [cell setEnabled:NO];
+        [cell setHighlighted:YES];
+        EXPECT_EQ(Bezel(cell, m_view), enabled);
+    }
+}
+
+TEST_F(ButtonCells, EveryStyleButZeroIsThePaletteStyle)
+{
+    for (NSCell* cell : BothCells())
+    {
+        gnAppStyle = 1;
+        const std::vector<std::string> palette = Bezel(cell, m_view);
+        for (const int nStyle : {2, -1, 0x10000, std::numeric_limits<int>::min()})
+        {
+            gnAppStyle = nStyle;
+            EXPECT_EQ(Bezel(cell, m_view), palette) << nStyle;
+        }
+        gnAppStyle = 0;
+        EXPECT_NE(Bezel(cell, m_view), palette);
+    }
+}
+
+TEST_F(ButtonCells, NewColoursAskForNoRedraw)
+{
+    for (NSCell* cell : BothCells())
+    {
+        AskedButton* button = [[[AskedButton alloc] initWithFrame:kFrame] autorelease];
+        [button setCell:cell];
+        [cell setControlView:button];
+        [cell setTitle:@"shown"];
+        button->m_nAsked = 0;
+        [(TKButtonCell*)cell SetButtonControlsFaceUp:CComponentCode(5, 1)
+                                            BorderUp:CComponentCode(5, 2)
+                                            FaceDown:CComponentCode(5, 3)
+                                          BorderDown:CComponentCode(5, 4)];
+        EXPECT_EQ(button->m_nAsked, 0);
+        [cell setEnabled:NO];
+        [cell setEnabled:YES];
+        EXPECT_GT(button->m_nAsked, 0) << "what asks for one is noticed";
+        [cell setControlView:nil];
+    }
+}
+
 TEST_F(ButtonCells, CodesAreTakenInTheirOrderAndPaintedEvenIfEmpty)
 {
     CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
@@ -238,6 +317,26 @@ TEST_F(ButtonCells, ShadedStyleFollowsStateAndDrawsAtTheOrigin)
                                 "ReleaseSpace", "ReleaseShading", "ReleaseFunction"));
             }
     EXPECT_EQ(TarvaneTests::LiveGraphicsObjects(), nLive);
+}
+
+TEST_F(ButtonCells, ShadedStyleTakesTheSizeIn32Bits)
+{
+    gnAppStyle = 0;
+    CGRect area = CGRectMake(5, 7, 100.1, 22.3);
+    const double w = float(100.1);
+    const double h = float(22.3);
+    ASSERT_NE(w, 100.1);
+    for (NSCell* cell : BothCells())
+    {
+        TarvaneTests::ResetGraphicsCalls();
+        [(TKButtonCell*)cell DrawButton:TarvaneTests::RecordingContext()
+                                 Active:false
+                                   Area:&area
+                                Flipped:false];
+        char points[100];
+        snprintf(points, sizeof points, "DrawShading axial %.17g 0 %.17g %.17g version", w, w, h);
+        EXPECT_THAT(CallsThatBegin({"DrawShading"}), ElementsAre(HasSubstr(points)));
+    }
 }
 
 TEST_F(ButtonCells, AreaIsOnlyRead)
@@ -311,6 +410,24 @@ TEST_F(ButtonCells, PopUpDrawsBezelThenArrowThenTitle)
                             "fraction 0.9 flipped",
                             "DrawText Dialogue in 5 8 79 20"));
     ExpectTitleStyle(12.0, NSCenterTextAlignment);
+}
+
+TEST_F(ButtonCells, PopUpTakesTheArrowsWidthAndTheTitlesIn32Bits)
+{
+    m_drawing.SetImageSize(NSMakeSize(17.1, 13.3));
+    m_drawing.SetDigits(17);
+    DrawPopUp(NSMakeRect(5, 7, 100.3, 22));
+    const double aw = float(17.1);
+    const double tw = float(100.3 - aw - 4.0);
+    ASSERT_NE(aw, 17.1);
+    ASSERT_NE(tw, 100.3 - aw - 4.0);
+    char arrow[200];
+    snprintf(arrow, sizeof arrow, " in %.17g %.17g %.17g %.17g from", 100.3 + 5 - aw - 4.0,
+             7 + (22 - 13.3) * 0.5, aw, 13.3);
+    char title[100];
+    snprintf(title, sizeof title, "DrawText Dialogue in 5 8 %.17g 20", tw);
+    EXPECT_THAT(CallsThatBegin({"DrawImage", "DrawText"}),
+                ElementsAre(HasSubstr(arrow), std::string(title)));
 }
 
 TEST_F(ButtonCells, PopUpTitleFollowsControlSizeAndStaysCentred)

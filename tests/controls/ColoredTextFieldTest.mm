@@ -2,7 +2,11 @@
 
 #include "colours/ComponentsColors.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <utility>
+#include <vector>
 
 @interface UnwillingTextField : ColoredTextField
 @end
@@ -11,6 +15,22 @@
 - (BOOL)acceptsFirstResponder
 {
     return NO;
+}
+@end
+
+// A window that tells what its field editor is asked for.
+@interface EditorWindow : NSWindow
+{
+  @public
+    std::vector<std::pair<bool, id>> m_asked; // whether to make one, and for whom
+}
+@end
+
+@implementation EditorWindow
+- (NSText*)fieldEditor:(BOOL)fCreate forObject:(id)object
+{
+    m_asked.emplace_back(fCreate, object);
+    return [super fieldEditor:fCreate forObject:object];
 }
 @end
 
@@ -23,10 +43,10 @@ class TextField : public testing::Test
     TextField() : m_pool([[NSAutoreleasePool alloc] init])
     {
         AppCreateDefaultColoursDesigner();
-        m_window = [[NSWindow alloc] initWithContentRect:NSMakeRect(0, 0, 200, 60)
-                                               styleMask:NSTitledWindowMask
-                                                 backing:NSBackingStoreBuffered
-                                                   defer:NO];
+        m_window = [[EditorWindow alloc] initWithContentRect:NSMakeRect(0, 0, 200, 60)
+                                                   styleMask:NSTitledWindowMask
+                                                     backing:NSBackingStoreBuffered
+                                                       defer:NO];
         [m_window setReleasedWhenClosed:NO];
         m_field =
             [[[ColoredTextField alloc] initWithFrame:NSMakeRect(10, 10, 100, 22)] autorelease];
@@ -61,7 +81,7 @@ class TextField : public testing::Test
     }
 
     NSAutoreleasePool* m_pool;
-    NSWindow* m_window;
+    EditorWindow* m_window;
     ColoredTextField* m_field;
 };
 
@@ -79,6 +99,16 @@ TEST_F(TextField, TakesThePaletteColoursAgainWhenEditingEnds)
     [m_window makeFirstResponder:m_field];
     SpoilColours();
     [m_window makeFirstResponder:nil];
+    ExpectPaletteColours();
+}
+
+TEST_F(TextField, HasTheEditorMadeForItselfIfThereIsNone)
+{
+    ASSERT_TRUE([m_window fieldEditor:NO forObject:nil] == nil);
+    m_window->m_asked.clear();
+    [m_field setSelectedColor];
+    EXPECT_THAT(m_window->m_asked, testing::ElementsAre(testing::Pair(true, m_field)));
+    EXPECT_TRUE([m_window fieldEditor:NO forObject:nil] != nil);
     ExpectPaletteColours();
 }
 

@@ -35,6 +35,14 @@ class RecordedDrawing
     // in any other size. A name that was lost is answered with nil. The font must outlive this.
     void LendFont(const std::string& strName, CGFloat dSize, NSFont* font);
 
+    // The size of every image, kImageSize at first, and how many digits of a number are noted, 9 at
+    // first.
+    void SetImageSize(NSSize size);
+    void SetDigits(int nDigits);
+
+    // How often the context to draw in was asked for.
+    int ContextsAsked() const;
+
     // The attributes of the last text that was drawn; autoreleased.
     NSDictionary* LastAttributes() const;
 

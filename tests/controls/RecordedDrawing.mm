@@ -27,6 +27,9 @@ namespace
 std::set<std::string> lostResources;
 std::map<void*, std::string> imageNames;
 NSDictionary* lastAttributes;
+int nContextsAsked;
+int nDigits;
+NSSize imageSize;
 
 // What stands in for a font of the platform.
 struct LentFont
@@ -41,8 +44,8 @@ std::string Text(NSString* text) { return text ? [text UTF8String] : "none"; }
 std::string Text(NSRect r)
 {
     char text[200];
-    snprintf(text, sizeof text, " %.9g %.9g %.9g %.9g", r.origin.x, r.origin.y, r.size.width,
-             r.size.height);
+    snprintf(text, sizeof text, " %.*g %.*g %.*g %.*g", nDigits, r.origin.x, nDigits, r.origin.y,
+             nDigits, r.size.width, nDigits, r.size.height);
     return text;
 }
 
@@ -74,6 +77,7 @@ struct Replacement
 } // namespace
 
 @interface NSImage (Recorded)
+- (NSSize)recorded_size;
 - (id)recorded_initWithContentsOfFile:(NSString*)path;
 - (void)recorded_setFlipped:(BOOL)fFlipped;
 - (void)recorded_drawInRect:(NSRect)target
@@ -83,6 +87,11 @@ struct Replacement
 @end
 
 @implementation NSImage (Recorded)
+
+- (NSSize)recorded_size
+{
+    return imageSize;
+}
 
 - (id)recorded_initWithContentsOfFile:(NSString*)path
 {
@@ -188,6 +197,7 @@ struct Replacement
 + (id)recorded_currentContext
 {
     static RecordingContextObject* object = [[RecordingContextObject alloc] init];
+    ++nContextsAsked;
     return object;
 }
 @end
@@ -204,6 +214,7 @@ void ExchangeAll()
         {[NSImage class],
          @selector(initWithContentsOfFile:),
          @selector(recorded_initWithContentsOfFile:)},
+        {[NSImage class], @selector(size), @selector(recorded_size)},
         {[NSImage class], @selector(setFlipped:), @selector(recorded_setFlipped:)},
         {[NSImage class],
          @selector(drawInRect:fromRect:operation:fraction:),
@@ -232,6 +243,9 @@ RecordedDrawing::RecordedDrawing()
 {
     ExchangeAll();
     ResetGraphicsCalls();
+    nContextsAsked = 0;
+    nDigits = 9;
+    imageSize = kImageSize;
 }
 
 RecordedDrawing::~RecordedDrawing()
@@ -250,6 +264,12 @@ void RecordedDrawing::LendFont(const std::string& strName, CGFloat dSize, NSFont
 {
     lentFonts[strName] = {dSize, font};
 }
+
+void RecordedDrawing::SetImageSize(NSSize size) { imageSize = size; }
+
+void RecordedDrawing::SetDigits(int n) { nDigits = n; }
+
+int RecordedDrawing::ContextsAsked() const { return nContextsAsked; }
 
 NSDictionary* RecordedDrawing::LastAttributes() const
 {

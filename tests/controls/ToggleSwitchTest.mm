@@ -22,9 +22,29 @@ using testing::SizeIs;
   @public
     int m_nRedraws;
 }
+- (NSImage*)imageOnUp;
+- (NSImage*)imageOnDown;
+- (NSImage*)imageOffUp;
+- (NSImage*)imageOffDown;
 @end
 
 @implementation CountingSwitch
+- (NSImage*)imageOnUp
+{
+    return m_imageOnUp;
+}
+- (NSImage*)imageOnDown
+{
+    return m_imageOnDown;
+}
+- (NSImage*)imageOffUp
+{
+    return m_imageOffUp;
+}
+- (NSImage*)imageOffDown
+{
+    return m_imageOffDown;
+}
 - (void)setNeedsDisplay:(BOOL)fNeeds
 {
     if (fNeeds)
@@ -39,6 +59,21 @@ using testing::SizeIs;
 - (BOOL)isFlipped
 {
     return YES;
+}
+@end
+
+// An event of a platform whose modifier flags have more than 32 bits.
+@interface WideEvent : NSEvent
+@end
+
+@implementation WideEvent
+- (NSPoint)locationInWindow
+{
+    return NSMakePoint(30, 15);
+}
+- (NSEventModifierFlags)modifierFlags
+{
+    return NSEventModifierFlags(0x7F00000180020000ull);
 }
 @end
 
@@ -296,6 +331,12 @@ TEST_F(ToggleSwitch, TellsTheFlagsOfTheReleaseInLow32Bits)
     EXPECT_THAT(m_observer->m_flags, ElementsAre(0x120000));
 }
 
+TEST_F(ToggleSwitch, TellsFlagsBeyond32BitsByTheirLowHalf)
+{
+    [m_switch mouseUp:[[[WideEvent alloc] init] autorelease]];
+    EXPECT_THAT(m_observer->m_flags, ElementsAre(std::int32_t(0x80020000)));
+}
+
 TEST_F(ToggleSwitch, DelegateThatDrawsSeesThePressedLookInTheNewState)
 {
     SetAllColours();
@@ -383,6 +424,56 @@ TEST_F(ToggleSwitch, SettersOfTheLookAskForNoRedraw)
     [m_switch SetEnabled:false];
     [m_switch SetDelegate:nil];
     EXPECT_EQ(Redraws(), 0);
+}
+
+TEST_F(ToggleSwitch, BoundsWithAnOriginAreLiveAndPaintedWhereTheyAre)
+{
+    SetAllColours();
+    SetImages();
+    [m_switch SetImageOffset:3.5f];
+    [m_switch SetLabel:@"Take" XOffset:7.5f];
+    [m_switch setBoundsOrigin:NSMakePoint(100, 200)];
+    TarvaneTests::ResetGraphicsCalls();
+    [m_switch drawRect:NSZeroRect];
+    EXPECT_THAT(CallsThatBegin({"MoveToPoint", "FillRect", "DrawImage", "DrawText"}),
+                ElementsAre("MoveToPoint 104 200", "FillRect 100 200 60 30", "MoveToPoint 105 201",
+                            "FillRect 101 201 58 28",
+                            "DrawImage OffUp in 125 208.5 17 13 from 0 0 0 0 operation 2 fraction "
+                            "1",
+                            "DrawText Take in 7.5 209 40 14"))
+        << "the label's offset is its place, whatever the origin";
+    [m_switch SetDrawButton:false];
+    TarvaneTests::ResetGraphicsCalls();
+    [m_switch drawRect:NSZeroRect];
+    EXPECT_THAT(
+        CallsThatBegin({"DrawImage"}),
+        ElementsAre("DrawImage OffUp in 100 200 60 30 from 0 0 0 0 operation 2 fraction 1"));
+
+    // What a place in the window is in the view is told in a window alone.
+    NSWindow* window = [[NSWindow alloc] initWithContentRect:NSMakeRect(0, 0, 200, 60)
+                                                   styleMask:NSBorderlessWindowMask
+                                                     backing:NSBackingStoreBuffered
+                                                       defer:YES];
+    [window setReleasedWhenClosed:NO];
+    [[window contentView] addSubview:m_switch];
+    Click();
+    EXPECT_THAT(m_observer->m_states, ElementsAre(1));
+    Press(kOutside), Release(kOutside);
+    EXPECT_THAT(m_observer->m_states, ElementsAre(1));
+    [m_switch removeFromSuperview];
+    [window close];
+    [window release];
+}
+
+TEST_F(ToggleSwitch, AsksForTheContextOnceADrawing)
+{
+    const int nBefore = m_drawing.ContextsAsked();
+    [m_switch drawRect:NSZeroRect];
+    EXPECT_EQ(m_drawing.ContextsAsked(), nBefore + 1) << "with nothing to paint";
+    SetAllColours();
+    SetImages();
+    [m_switch drawRect:NSZeroRect];
+    EXPECT_EQ(m_drawing.ContextsAsked(), nBefore + 2);
 }
 
 TEST_F(ToggleSwitch, PaintsNoColoursByDefault) { EXPECT_THAT(Colours(), IsEmpty()); }
@@ -510,12 +601,65 @@ TEST_F(ToggleSwitch, ImageFollowsStateAndPress)
     EXPECT_EQ(DrawnImage(), "OnUp");
 }
 
-TEST_F(ToggleSwitch, LoadsAPairFromItsOwnBundleUpFirst)
+TEST_F(ToggleSwitch, FindsBothImagesInItsOwnBundleBeforeItLoadsThemUpFirst)
+{
+    [m_switch SetStateImages:1 Up:@"OnUp" Down:@"OnDown"];
+    EXPECT_THAT(GraphicsCalls(),
+                ElementsAre("BundleOf CountingSwitch", "Resource OnUp.png", "Resource OnDown.png",
+                            "LoadImage /images/OnUp.png", "LoadImage /images/OnDown.png"));
+}
+
+TEST_F(ToggleSwitch, LoadsAnImageTwiceForUpAndDown)
 {
     [m_switch SetStateImages:1 Up:@"Link" Down:@"Link"];
-    EXPECT_THAT(GraphicsCalls(), ElementsAre("BundleOf CountingSwitch", "Resource Link.png",
-                                             "LoadImage /images/Link.png", "Resource Link.png",
-                                             "LoadImage /images/Link.png"));
+    EXPECT_THAT(CallsThatBegin({"LoadImage"}), SizeIs(2));
+    EXPECT_NE([m_switch imageOnUp], [m_switch imageOnDown]);
+}
+
+TEST_F(ToggleSwitch, ReleasesTheImagesOfThePairThatItReplaces)
+{
+    SetImages();
+    NSImage* const onUp = [[m_switch imageOnUp] retain];
+    NSImage* const onDown = [[m_switch imageOnDown] retain];
+    NSImage* const offUp = [[m_switch imageOffUp] retain];
+    NSImage* const offDown = [[m_switch imageOffDown] retain];
+    [m_switch SetStateImages:1 Up:@"Other" Down:@"Other"];
+    EXPECT_EQ([onUp retainCount], 1u);
+    EXPECT_EQ([onDown retainCount], 1u);
+    EXPECT_EQ([offUp retainCount], 2u);
+    EXPECT_EQ([offDown retainCount], 2u);
+    [m_switch SetStateImages:0 Up:@"Other" Down:@"Other"];
+    EXPECT_EQ([offUp retainCount], 1u);
+    EXPECT_EQ([offDown retainCount], 1u);
+    for (NSImage* image : {onUp, onDown, offUp, offDown})
+        [image release];
+}
+
+TEST_F(ToggleSwitch, GivesItsImagesBackAtTheEnd)
+{
+    CountingSwitch* pSwitch = [[CountingSwitch alloc] initWithFrame:kFrame];
+    [pSwitch SetStateImages:1 Up:@"OnUp" Down:@"OnDown"];
+    [pSwitch SetStateImages:0 Up:@"OffUp" Down:@"OffDown"];
+    const std::vector<NSImage*> images = {
+        [pSwitch imageOnUp], [pSwitch imageOnDown], [pSwitch imageOffUp], [pSwitch imageOffDown]};
+    for (NSImage* image : images)
+        [image retain];
+    [pSwitch release];
+    for (NSImage* image : images)
+    {
+        EXPECT_EQ([image retainCount], 1u);
+        [image release];
+    }
+}
+
+TEST_F(ToggleSwitch, ImageThatIsMissingLeavesNilInThePlaceOfTheOldOne)
+{
+    SetImages();
+    m_drawing.LoseResource("Lost");
+    [m_switch SetStateImages:0 Up:@"Lost" Down:@"OffDown"];
+    EXPECT_TRUE([m_switch imageOffUp] == nil);
+    EXPECT_EQ(DrawnImage(), "");
+    EXPECT_TRUE([m_switch imageOffDown] != nil);
 }
 
 TEST_F(ToggleSwitch, LoadsNothingForOtherStates)
