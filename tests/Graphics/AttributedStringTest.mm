@@ -1,4 +1,5 @@
 #import "Graphics/TGLGraphics.h"
+#include "tests/Graphics/AssertionReport.h"
 
 #import <AppKit/AppKit.h>
 
@@ -6,7 +7,7 @@
 
 #include <csignal>
 
-using testing::ContainsRegex;
+using TarvaneTests::Reports;
 using testing::KilledBySignal;
 using TGL::CAttributedString;
 
@@ -21,12 +22,6 @@ struct AttributedString : testing::Test
     NSAttributedString* string = [[NSAttributedString alloc] initWithString:@"held"];
 };
 using AttributedStringDeathTest = AttributedString;
-
-std::string Report(const std::string& strExpression, const std::string& strFunction)
-{
-    return "Assertion failed: \\(" + strExpression + "\\), function " + strFunction +
-           ", file Graphics/TGLGraphics, line [0-9]+\\.";
-}
 
 } // namespace
 
@@ -86,7 +81,7 @@ TEST_F(AttributedString, AStringIsReplacedByDeletingItFirst)
 TEST_F(AttributedStringDeathTest, GoingWithAStringFromAHandleIsAsserted)
 {
     EXPECT_EXIT({ CAttributedString held(string); }, KilledBySignal(SIGABRT),
-                ContainsRegex(Report("m_pString == NULL", "~CAttributedString")));
+                Reports("m_pString == NULL", "~CAttributedString"));
 }
 
 TEST_F(AttributedStringDeathTest, GoingWithAStringThatWasSetIsAsserted)
@@ -96,7 +91,7 @@ TEST_F(AttributedStringDeathTest, GoingWithAStringThatWasSetIsAsserted)
             CAttributedString held;
             held.SetString(string);
         },
-        KilledBySignal(SIGABRT), ContainsRegex(Report("m_pString == NULL", "~CAttributedString")));
+        KilledBySignal(SIGABRT), Reports("m_pString == NULL", "~CAttributedString"));
 }
 
 TEST_F(AttributedStringDeathTest, SettingASecondStringIsAsserted)
@@ -106,7 +101,7 @@ TEST_F(AttributedStringDeathTest, SettingASecondStringIsAsserted)
             CAttributedString held(string);
             held.SetString(string);
         },
-        KilledBySignal(SIGABRT), ContainsRegex(Report("m_pString == NULL", "SetString")));
+        KilledBySignal(SIGABRT), Reports("m_pString == NULL", "SetString"));
 }
 
 TEST_F(AttributedStringDeathTest, DrawingWithoutAStringIsAsserted)
@@ -116,5 +111,5 @@ TEST_F(AttributedStringDeathTest, DrawingWithoutAStringIsAsserted)
             CAttributedString empty;
             TGL::drawWithRect(nullptr, &empty, CGRectMake(0, 0, 10, 10));
         },
-        KilledBySignal(SIGABRT), ContainsRegex(Report("pAttrib != NULL", "drawWithRect")));
+        KilledBySignal(SIGABRT), Reports("pAttrib != NULL", "drawWithRect"));
 }

@@ -1,4 +1,5 @@
 #import "Graphics/TGLGraphics.h"
+#include "tests/Graphics/AssertionReport.h"
 #include "tests/Graphics/RecordedCalls.h"
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -7,7 +8,6 @@
 #include <cstdarg>
 
 using namespace TarvaneTests;
-using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::KilledBySignal;
 
@@ -60,12 +60,6 @@ struct PanelCalls : RecordedCalls
 using PanelCallsDeathTest = PanelCalls;
 
 const char* const kNoFormat = nullptr;
-
-std::string Report(const std::string& strFunction)
-{
-    return "Assertion failed: \\(szFormat != NULL\\), function " + strFunction +
-           ", file Graphics/TGLGraphics, line [0-9]+\\.";
-}
 
 // The text that each of the two shows.
 std::vector<std::string> Shown(const std::string& strText)
@@ -162,11 +156,11 @@ TEST_F(PanelCalls, ATitleMayBeMissing)
 TEST_F(PanelCallsDeathTest, MessageBoxWithoutAFormatIsAsserted)
 {
     EXPECT_EXIT(TGL::MessageBoxOKCancel("t", kNoFormat), KilledBySignal(SIGABRT),
-                ContainsRegex(Report("MessageBoxOKCancel")));
+                Reports("szFormat != NULL", "MessageBoxOKCancel"));
 }
 
 TEST_F(PanelCallsDeathTest, AlertWithoutAFormatIsAsserted)
 {
     EXPECT_EXIT(TGL::Alert("t", kNoFormat), KilledBySignal(SIGABRT),
-                ContainsRegex(Report("Alert")));
+                Reports("szFormat != NULL", "Alert"));
 }
