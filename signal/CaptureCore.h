@@ -20,8 +20,8 @@ namespace Tarvane
 
 struct CCaptureSettings
 {
-    // Where takes and their journal go; made when the first take needs it. Empty:
-    // DefaultCaptureFolder().
+    // Where takes and their journal go; it must exist by the first take. Empty:
+    // DefaultCaptureFolder() of signal/TakeFolder.h, which is made when it is needed.
     std::filesystem::path captureFolder;
     CTakeFormat format;
     // The name under which an instance finds its takes again, see Restore. Empty: a new one.
@@ -29,16 +29,13 @@ struct CCaptureSettings
     std::int32_t nTrack = 0; // what 64009 says until it is written
 };
 
-// $TARVANE_LINK_CAPTURES, else "tarvane-link/captures" in $XDG_DATA_HOME or in ~/.local/share.
-std::filesystem::path DefaultCaptureFolder();
-
 // One plug-in instance.
 //
 // A take is a stretch of unbroken timeline: it runs while the instance is armed and the transport
 // plays at speed 1. A position that is not the one behind the block before ends a take and begins
 // the next at its own position; so does a block that is left out. Nothing is joined over a gap and
-// no sample stands twice. A take that is over becomes an element: its file gets its name, its record
-// is published under 64002, 64000 is raised, and it waits until it is acknowledged by 64008.
+// no sample stands twice. A take that is over becomes an element: its file gets its name, its
+// record is published under 64002, 64000 is raised, and it waits until it is acknowledged by 64008.
 //
 // Nothing that was captured is ever deleted. Each take is in the journal from its first block until
 // its fate is settled, so that what waits when a host ends, crashes or is killed is found again by
@@ -61,7 +58,7 @@ public:
     // Allocates all that Process needs: about four seconds of audio, and 4 MiB at least. Throws
     // std::invalid_argument for a format outside what CTakeFormat allows.
     explicit CCaptureCore(const CCaptureSettings& settings);
-    // Finishes the file of a take that runs, and raises nothing. Process is not called any more.
+    // As Close. Process is not called any more.
     ~CCaptureCore();
     CCaptureCore(const CCaptureCore&) = delete;
     CCaptureCore& operator=(const CCaptureCore&) = delete;
@@ -89,8 +86,13 @@ public:
     void EndTake();
     // Changes what the next takes are made of; ends the take that runs. Throws as the constructor.
     void Prepare(const CTakeFormat& format);
-    // Returns when all that Process was given is in its file, and has been told.
+    // Returns when all that Process was given is in its file, and has been told. Not inside a
+    // listener, the log or the observer.
     void WaitUntilWritten();
+    // Ends capturing for good: finishes the file of a take that runs, as the destructor does, and
+    // raises nothing any more. The observer is told of the take. Properties can still be read and
+    // written. Not inside a listener, the log or the observer.
+    void Close();
 
     // --- The property contract, in bytes (TarvaneLinkAU/TarvaneLinkProperties.h)
 
@@ -116,9 +118,13 @@ public:
     std::int32_t Track() const;
     // Takes over a kept state. What the UUID's journal still holds is offered, one 64000 each, as
     // soon as the writer has looked at it. A UUID that another instance holds, in this process or
-    // another, is that of a copy: the instance then keeps its own (Uuid() tells). Takes that wait
-    // here already stay, and go with the instance to the new UUID. Text that is no UUID is ignored.
+    // another, is that of a copy: the instance then gets a new one, which Uuid() tells. Takes that
+    // wait here already stay, and go with the instance to the new UUID. Text that is no UUID is
+    // ignored.
     void Restore(const std::string& strUuid, std::int32_t nTrack);
+    // Where takes and journal go from the next take on; as in the settings. What waits stays where
+    // it is, and what the journal there holds is offered.
+    void SetCaptureFolder(const std::filesystem::path& folder);
 
     // --- What the process that holds the view tells
 

@@ -61,7 +61,7 @@ struct CTake
 
     // Of the last attempt; none while there was none.
     std::optional<TakeOutcome> outcome;
-    std::string strWords;        // the server's own, where there are any
+    std::string strWords;         // the server's own, where there are any
     double dExpectedPosition = 0; // on the server's timeline, where it is known
 };
 

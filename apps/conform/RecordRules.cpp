@@ -1,6 +1,6 @@
 #include "apps/conform/PlugInRules.h"
 #include "apps/support/SoundFile.h"
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <cmath>
 #include <filesystem>

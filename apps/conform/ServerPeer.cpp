@@ -1,7 +1,7 @@
 #include "apps/conform/ServerPeer.h"
 
 #include "apps/support/EventDescriptor.h"
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <Carbon/Carbon.h>
 

@@ -1,6 +1,6 @@
 #include "apps/replay/PageText.h"
 
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <cstdio>
 

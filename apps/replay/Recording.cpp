@@ -1,6 +1,6 @@
 #include "apps/replay/Recording.h"
 
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <cstring>
 

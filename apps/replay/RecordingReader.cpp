@@ -1,7 +1,7 @@
 #include "apps/replay/RecordingReader.h"
 
 #include "apps/support/CommandLine.h"
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <cstring>
 #include <fstream>

@@ -6,7 +6,7 @@
 #include "apps/replay/ServerPart.h"
 #include "apps/support/AtomicFile.h"
 #include "apps/support/CommandLine.h"
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -3,7 +3,7 @@
 #include "apps/server/FaultyReply.h"
 #include "apps/server/SessionMishaps.h"
 #include "apps/support/EventReceiver.h"
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <TarvanePlatform/Application.h>
 

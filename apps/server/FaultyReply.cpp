@@ -1,6 +1,6 @@
 #include "apps/server/FaultyReply.h"
 
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <algorithm>
 #include <string>

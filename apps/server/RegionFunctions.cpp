@@ -2,7 +2,7 @@
 #include "apps/server/Duplicates.h"
 #include "apps/server/ScriptFunctions.h"
 #include "apps/server/SoundFiles.h"
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <utility>
 

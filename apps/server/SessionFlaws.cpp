@@ -1,7 +1,7 @@
 // What makes a session unsound.
 #include "apps/server/Session.h"
 
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <algorithm>
 #include <cmath>

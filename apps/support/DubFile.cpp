@@ -2,7 +2,7 @@
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
 #include "apps/support/CommandLine.h"
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <cerrno>
 #include <cstdio>

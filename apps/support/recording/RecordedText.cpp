@@ -1,6 +1,6 @@
 #include "apps/support/recording/RecordedText.h"
 
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <charconv>
 #include <cmath>

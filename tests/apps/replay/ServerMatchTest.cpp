@@ -3,8 +3,8 @@
 #include "apps/replay/ServerMatch.h"
 
 #include "apps/replay/RecordingReader.h"
-#include "apps/support/UnicodeText.h"
 #include "tests/apps/replay/RecordingText.h"
+#include "utils/UnicodeText.h"
 
 #include <gmock/gmock.h>
 

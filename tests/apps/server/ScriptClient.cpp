@@ -1,6 +1,6 @@
 #include "tests/apps/server/ScriptClient.h"
 
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "tests/apps/text/TextPage.h"
 
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 #include "tests/apps/text/TextCases.h"
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "apps/support/UnicodeText.h"
+#include "utils/UnicodeText.h"
 
 #include <gtest/gtest.h>
 

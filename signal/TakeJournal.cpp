@@ -1,0 +1,505 @@
+#include "signal/TakeJournal.h"
+
+#include "signal/TakeFile.h"
+#include "signal/TakeFolder.h"
+
+#include <boost/crc.hpp>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <map>
+#include <random>
+#include <sstream>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using Json = nlohmann::json;
+
+namespace Tarvane
+{
+namespace
+{
+
+constexpr std::string_view kPrefix = ".takes-";
+constexpr std::string_view kSuffix = ".journal";
+constexpr std::size_t kUuidSize = 36;
+constexpr std::size_t kCrcSize = 8;
+// A journal is a few lines a take. One beyond this is none of ours, and is not read to its end.
+constexpr std::uintmax_t kMaxJournalBytes = 64 << 20;
+constexpr const char* kIndexName = "capture-folders";
+
+std::uint32_t CrcOf(std::string_view text)
+{
+    boost::crc_32_type crc;
+    crc.process_bytes(text.data(), text.size());
+    return crc.checksum();
+}
+
+std::string Line(const std::string& strJson)
+{
+    char szCrc[kCrcSize + 1];
+    std::snprintf(szCrc, sizeof szCrc, "%08x", CrcOf(strJson));
+    return szCrc + (" " + strJson) + "\n";
+}
+
+// The JSON of a line that is whole, else a discarded value.
+Json Parse(std::string_view line)
+{
+    std::uint32_t nCrc = 0;
+    if (line.size() <= kCrcSize || line[kCrcSize] != ' ' ||
+        std::from_chars(line.data(), line.data() + kCrcSize, nCrc, 16).ptr !=
+            line.data() + kCrcSize ||
+        CrcOf(line.substr(kCrcSize + 1)) != nCrc)
+    {
+        return Json(Json::value_t::discarded);
+    }
+    return Json::parse(line.substr(kCrcSize + 1), nullptr, false);
+}
+
+// Paths are bytes, and JSON is UTF-8.
+Json PathJson(const fs::path& path)
+{
+    const std::string strPath = path.string();
+    Json bytes = Json::array();
+    try
+    {
+        (void)Json(strPath).dump();
+        return strPath;
+    }
+    catch (const Json::exception&)
+    {
+        for (const char c : strPath)
+        {
+            bytes.push_back(static_cast<unsigned char>(c));
+        }
+        return bytes;
+    }
+}
+
+fs::path PathOf(const Json& object, const char* szKey)
+{
+    const auto found = object.find(szKey);
+    if (found == object.end())
+    {
+        return {};
+    }
+    if (found->is_string())
+    {
+        return found->get<std::string>();
+    }
+    std::string strPath;
+    for (const Json& byte : *found)
+    {
+        strPath += static_cast<char>(byte.is_number() ? byte.get<int>() : 0);
+    }
+    return strPath;
+}
+
+// Zero or empty for what is not there, or of another type.
+template <typename Value> Value ValueOf(const Json& object, const char* szKey)
+{
+    const auto found = object.find(szKey);
+    if (found == object.end())
+    {
+        return {};
+    }
+    if constexpr (std::is_same_v<Value, std::string>)
+    {
+        return found->is_string() ? found->get<std::string>() : std::string();
+    }
+    else
+    {
+        return found->is_number() ? found->get<Value>() : Value{};
+    }
+}
+
+void ReadPlace(const Json& place, CJournalTake& take)
+{
+    take.file = PathOf(place, "file");
+    take.guide = PathOf(place, "guide");
+    take.dPosition = ValueOf<double>(place, "position");
+    take.dRate = ValueOf<double>(place, "rate");
+}
+
+void Read(const Json& line, CJournalTake& take)
+{
+    if (const auto begun = line.find("begun"); begun != line.end() && begun->is_object())
+    {
+        take.nInode = ValueOf<std::uint64_t>(*begun, "inode");
+        take.strStem = ValueOf<std::string>(*begun, "stem");
+        if (!take.fFinished)
+        {
+            ReadPlace(*begun, take);
+        }
+    }
+    if (const auto finished = line.find("finished");
+        finished != line.end() && finished->is_object())
+    {
+        take.fFinished = true;
+        ReadPlace(*finished, take);
+        take.nFrames = ValueOf<std::uint64_t>(*finished, "frames");
+        take.nLostFrames = ValueOf<std::uint64_t>(*finished, "lost");
+    }
+    if (line.contains("outcome"))
+    {
+        take.strOutcome = ValueOf<std::string>(line, "outcome");
+        take.strWords = ValueOf<std::string>(line, "words");
+    }
+}
+
+bool IsSettled(const std::string& strOutcome)
+{
+    return strOutcome == TakeOutcomeWord(TakeOutcome::Delivered) ||
+           strOutcome == TakeOutcomeWord(TakeOutcome::Duplicate) ||
+           strOutcome == TakeOutcomeWord(TakeOutcome::PlacedWithoutOffset) ||
+           strOutcome == CTakeJournal::kForgotten;
+}
+
+std::map<std::uint64_t, CJournalTake> ReadTakes(const fs::path& path)
+{
+    std::map<std::uint64_t, CJournalTake> takes;
+    std::error_code error;
+    if (fs::file_size(path, error) > kMaxJournalBytes || error)
+    {
+        return takes;
+    }
+    std::ifstream journal(path, std::ios::binary);
+    for (std::string strLine; std::getline(journal, strLine);)
+    {
+        const Json line = Parse(strLine);
+        if (line.is_object() && line.contains("take"))
+        {
+            const auto nTake = ValueOf<std::uint64_t>(line, "take");
+            CJournalTake& take = takes[nTake];
+            take.nTake = nTake;
+            Read(line, take);
+        }
+    }
+    return takes;
+}
+
+// One write, so that lines of several writers never mix.
+bool WriteLine(int nFile, const std::string& strLine)
+{
+    // What a crash or a full disk has cut off ends here.
+    const off_t nEnd = ::lseek(nFile, 0, SEEK_END);
+    char cLast = '\n';
+    const bool fCut = nEnd > 0 && ::pread(nFile, &cLast, 1, nEnd - 1) == 1 && cLast != '\n';
+    const std::string strWhole = fCut ? "\n" + strLine : strLine;
+    errno = 0;
+    return ::write(nFile, strWhole.data(), strWhole.size()) ==
+               static_cast<ssize_t>(strWhole.size()) &&
+           ::fsync(nFile) == 0;
+}
+
+} // namespace
+
+bool CTakeJournal::IsUuid(const std::string& strUuid)
+{
+    if (strUuid.size() != kUuidSize)
+    {
+        return false;
+    }
+    for (std::size_t n = 0; n < kUuidSize; ++n)
+    {
+        const bool fDash = n == 8 || n == 13 || n == 18 || n == 23;
+        const char c = strUuid[n];
+        const bool fDigit = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
+        if (fDash ? c != '-' : !fDigit)
+        {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string CTakeJournal::NewUuid()
+{
+    std::random_device random;
+    char sz[kUuidSize + 1];
+    // Of random numbers: version 4, the usual variant.
+    std::snprintf(sz, sizeof sz, "%08x-%04x-4%03x-%04x-%08x%04x", random(), random() & 0xFFFF,
+                  random() & 0xFFF, (random() & 0x3FFF) | 0x8000, random(), random() & 0xFFFF);
+    return sz;
+}
+
+CTakeJournal::CTakeJournal(const fs::path& folder, const std::string& strUuid)
+    : m_folder(folder), m_strUuid(strUuid),
+      m_path(folder / (std::string(kPrefix) + strUuid + std::string(kSuffix)))
+{
+}
+
+CTakeJournal::~CTakeJournal()
+{
+    GiveBack();
+}
+
+void CTakeJournal::GiveBack()
+{
+    if (m_nFile < 0)
+    {
+        return;
+    }
+    if (Open().empty())
+    {
+        ::unlink(m_path.c_str());
+    }
+    ::close(m_nFile);
+    m_nFile = -1;
+}
+
+bool CTakeJournal::Hold()
+{
+    if (m_nFile >= 0)
+    {
+        return true;
+    }
+    while (m_nFile < 0)
+    {
+        m_nFile = ::open(m_path.c_str(), O_RDWR | O_APPEND | O_CLOEXEC | O_NOFOLLOW);
+        if (m_nFile < 0)
+        {
+            return errno == ENOENT;
+        }
+        struct stat held
+        {
+        }, named{};
+        if (::flock(m_nFile, LOCK_EX | LOCK_NB) != 0)
+        {
+            ::close(m_nFile);
+            m_nFile = -1;
+            return false;
+        }
+        // Its last holder may have removed it meanwhile.
+        if (::fstat(m_nFile, &held) != 0 || ::stat(m_path.c_str(), &named) != 0 ||
+            held.st_ino != named.st_ino)
+        {
+            ::close(m_nFile);
+            m_nFile = -1;
+        }
+    }
+    for (const auto& [nTake, take] : ReadTakes(m_path))
+    {
+        m_nLastTake = std::max(m_nLastTake, nTake);
+    }
+    return true;
+}
+
+bool CTakeJournal::Make()
+{
+    if (m_nFile >= 0)
+    {
+        return true;
+    }
+    const int nMade =
+        ::open(m_path.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (nMade < 0 && errno != EEXIST)
+    {
+        m_strFailure =
+            "cannot keep the journal " + m_path.string() + " (" + std::strerror(errno) + ")";
+        return false;
+    }
+    if (nMade >= 0)
+    {
+        ::close(nMade);
+    }
+    if (!Hold() || m_nFile < 0)
+    {
+        m_strFailure = "the journal " + m_path.string() + " is another instance's";
+        return false;
+    }
+    NoteJournalFolder(m_folder);
+    return true;
+}
+
+bool CTakeJournal::Append(const std::string& strJson)
+{
+    if (!Make())
+    {
+        return false;
+    }
+    if (!WriteLine(m_nFile, Line(strJson)))
+    {
+        m_strFailure =
+            "cannot write the journal " + m_path.string() + " (" + std::strerror(errno) + ")";
+        return false;
+    }
+    return true;
+}
+
+std::uint64_t CTakeJournal::Begun(const CTakeFile& file, const std::string& strStem,
+                                  const CTake& take)
+{
+    if (!Make())
+    {
+        return 0;
+    }
+    const Json line{{"take", ++m_nLastTake},
+                    {"begun",
+                     {{"file", PathJson(file.Path())},
+                      {"inode", file.Inode()},
+                      {"stem", TakeStem(strStem)},
+                      {"guide", PathJson(take.guide)},
+                      {"position", take.dPosition},
+                      {"rate", take.dRate}}}};
+    return Append(line.dump()) ? m_nLastTake : 0;
+}
+
+bool CTakeJournal::Finished(std::uint64_t nTake, const CTake& take)
+{
+    return Append(Json{{"take", nTake},
+                       {"finished",
+                        {{"file", PathJson(take.file)},
+                         {"guide", PathJson(take.guide)},
+                         {"position", take.dPosition},
+                         {"rate", take.dRate},
+                         {"frames", take.nFrames},
+                         {"lost", take.nLostFrames}}}}
+                      .dump());
+}
+
+std::uint64_t CTakeJournal::Moved(const CTake& take)
+{
+    return Make() && Finished(++m_nLastTake, take) ? m_nLastTake : 0;
+}
+
+bool CTakeJournal::Ended(std::uint64_t nTake, const std::string& strOutcome,
+                         const std::string& strWords, double dExpectedPosition)
+{
+    return Append(Json{{"take", nTake},
+                       {"outcome", strOutcome},
+                       {"words", strWords},
+                       {"expected", dExpectedPosition}}
+                      .dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+std::vector<CJournalTake> CTakeJournal::Open() const
+{
+    std::vector<CJournalTake> open;
+    for (const auto& [nTake, take] : ReadTakes(m_path))
+    {
+        // Without a place there is nothing to look for: only an outcome was readable.
+        if (!IsSettled(take.strOutcome) && !take.file.empty())
+        {
+            open.push_back(take);
+        }
+    }
+    return open;
+}
+
+std::vector<fs::path> CTakeJournal::In(const fs::path& folder)
+{
+    std::vector<fs::path> journals;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error))
+    {
+        if (IsUuid(UuidOf(entry->path())))
+        {
+            journals.push_back(entry->path());
+        }
+    }
+    std::sort(journals.begin(), journals.end());
+    return journals;
+}
+
+std::string CTakeJournal::UuidOf(const fs::path& journal)
+{
+    const std::string strName = journal.filename().string();
+    if (strName.size() != kPrefix.size() + kUuidSize + kSuffix.size() ||
+        !strName.starts_with(kPrefix) || !strName.ends_with(kSuffix))
+    {
+        return {};
+    }
+    return strName.substr(kPrefix.size(), kUuidSize);
+}
+
+std::vector<fs::path> JournalFolders()
+{
+    std::vector<fs::path> folders;
+    std::ifstream index(TakeStateFolder() / kIndexName, std::ios::binary);
+    for (std::string strLine; std::getline(index, strLine);)
+    {
+        const Json folder = Parse(strLine);
+        if (!folder.is_object())
+        {
+            continue;
+        }
+        const fs::path path = PathOf(folder, "folder");
+        if (std::find(folders.begin(), folders.end(), path) == folders.end())
+        {
+            folders.push_back(path);
+        }
+    }
+    return folders;
+}
+
+void NoteJournalFolder(const fs::path& folder)
+{
+    const fs::path state = TakeStateFolder();
+    const fs::path absolute = fs::absolute(folder).lexically_normal();
+    const std::vector<fs::path> known = JournalFolders();
+    if (state.empty() || std::find(known.begin(), known.end(), absolute) != known.end())
+    {
+        return;
+    }
+    std::error_code ignored;
+    fs::create_directories(state, ignored);
+    const int nIndex = ::open((state / kIndexName).c_str(),
+                              O_CREAT | O_RDWR | O_APPEND | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (nIndex >= 0)
+    {
+        WriteLine(nIndex, Line(Json{{"folder", PathJson(absolute)}}.dump()));
+        ::close(nIndex);
+    }
+}
+
+bool RecoverTake(CJournalTake& take)
+{
+    struct stat status
+    {
+    };
+    if (take.fFinished)
+    {
+        return ::stat(take.file.c_str(), &status) == 0;
+    }
+    if (::stat(take.file.c_str(), &status) == 0)
+    {
+        if (status.st_size == 0)
+        {
+            ::unlink(take.file.c_str());
+            return false;
+        }
+        const CMendedFile mended = MendTakeFile(take.file, take.strStem);
+        take.file = mended.path;
+        take.nFrames = mended.nFrames;
+        take.fFinished = true;
+        return true;
+    }
+    // It had got its name when the process ended, and only the line was missing.
+    std::error_code error;
+    for (fs::directory_iterator entry(take.file.parent_path(), error), end; !error && entry != end;
+         entry.increment(error))
+    {
+        const fs::path& path = entry->path();
+        if (::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+            status.st_ino == take.nInode && path.filename().string().starts_with(take.strStem))
+        {
+            const CMendedFile sound = ExamineTakeFile(path);
+            take.file = path;
+            take.nFrames = sound.nFrames;
+            take.fFinished = true;
+            return sound.nFrames > 0;
+        }
+    }
+    return false;
+}
+
+} // namespace Tarvane
