@@ -1,7 +1,7 @@
 #import "apps/host/Host.h"
 
 #import "apps/host/LinkView.h"
-#import "apps/host/MainThread.h"
+#import "apps/support/MainThread.h"
 
 #import "apps/support/Application.h"
 #include "apps/support/LiveObjects.h"

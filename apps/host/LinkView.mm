@@ -2,6 +2,7 @@
 
 #import "apps/support/Application.h"
 #include "apps/support/CommandLine.h"
+#import "apps/support/ViewFactory.h"
 
 #import <AudioUnit/AUCocoaUIView.h>
 
@@ -12,35 +13,10 @@ namespace Tarvane
 namespace
 {
 
-NSString* ToNSString(const std::string& strText)
-{
-    return [NSString stringWithUTF8String:strText.c_str()];
-}
-
 std::string FromNSString(NSString* strText)
 {
     const char* szText = [strText UTF8String];
     return szText != nullptr ? szText : "";
-}
-
-id MakeFactory(const std::filesystem::path& path)
-{
-    NSBundle* bundle = [NSBundle bundleWithPath:ToNSString(path.string())];
-    Class factoryClass = [bundle principalClass];
-    if (factoryClass == Nil)
-    {
-        throw CUsageError("the bundle " + path.string() +
-                          " cannot be loaded or names no principal class - build it again, or name "
-                          "another with --bundle.");
-    }
-    // By name: clang makes no usable object of a protocol that no class of the file adopts.
-    if (![factoryClass conformsToProtocol:NSProtocolFromString(@"AUCocoaUIBase")])
-    {
-        throw CUsageError("the principal class " + FromNSString(NSStringFromClass(factoryClass)) +
-                          " of " + path.string() +
-                          " makes no plug-in views - name another bundle with --bundle.");
-    }
-    return [[[factoryClass alloc] init] autorelease];
 }
 
 NSWindow* MakeWindow(NSView* view)
@@ -78,7 +54,7 @@ NSEvent* MouseEvent(NSEventType type, NSView* view)
 CLinkView::CLinkView(const std::filesystem::path& bundle, AudioUnit pUnit)
 {
     const NSSize size = {0, 0};
-    m_view = [[MakeFactory(bundle) uiViewForAudioUnit:pUnit withSize:size] retain];
+    m_view = [[MakeViewFactory(bundle) uiViewForAudioUnit:pUnit withSize:size] retain];
     if (m_view == nil)
     {
         throw CUsageError("the bundle " + bundle.string() +

@@ -1,4 +1,4 @@
-#import "apps/host/MainThread.h"
+#import "apps/support/MainThread.h"
 
 namespace
 {
