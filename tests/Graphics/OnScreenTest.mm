@@ -1,7 +1,7 @@
 #import "Graphics/TGLGraphics.h"
 #include "colours/ComponentsColors.h"
 #include "tests/Graphics/CursorOnScreen.h"
-#include "tests/TarvaneLinkAU/DesktopWindow.h"
+#include "tests/support/DesktopWindow.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 

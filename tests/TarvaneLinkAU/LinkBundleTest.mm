@@ -5,7 +5,7 @@
 #include <objc/runtime.h>
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
-#import "tests/TarvaneLinkAU/DesktopWindow.h"
+#import "tests/support/DesktopWindow.h"
 
 using testing::ElementsAre;
 
@@ -74,6 +74,73 @@ TEST_F(LinkBundle, OpeningTheMenuShowsTheTracksOfThisMoment)
     EXPECT_THAT(Written(TNProperty_SelectedTrack), ElementsAre(Value{3, 0, 0, 0}))
         << "the second of two with one name";
     EXPECT_EQ([Tracks() numberOfItems], 4);
+}
+
+TEST_F(LinkBundle, TrackThatAClickChoosesIsShownAtOnce)
+{
+    CDesktopWindow window(m_pView);
+    const std::string strFoley = window.Look(Tracks());
+    PlayTracks(1);
+    window.Choose(Tracks(), 2);
+    ASSERT_EQ(Utf8([Tracks() titleOfSelectedItem]), "Music");
+    window.PointAway();
+    EXPECT_TRUE(window.IsUpToDate(Tracks()));
+    EXPECT_NE(window.Look(Tracks()), strFoley);
+}
+
+TEST_F(LinkBundle, TrackThatKeysChooseIsShownAtOnce)
+{
+    CDesktopWindow window(m_pView);
+    window.PointAway();
+    const std::string strFoley = window.Look(Tracks());
+    PlayTracks(1);
+    window.ChooseByKeys(Tracks(), "Down Return");
+    ASSERT_EQ(Utf8([Tracks() titleOfSelectedItem]), "Music");
+    EXPECT_TRUE(window.IsUpToDate(Tracks()));
+    EXPECT_NE(window.Look(Tracks()), strFoley);
+}
+
+TEST_F(LinkBundle, TracksThatTheServerRenamesAreShownAtOnce)
+{
+    CDesktopWindow window(m_pView);
+    window.PointAway();
+    const std::string strFoley = window.Look(Tracks());
+    m_events.Print("3\n1\nVox\nBirds\n");
+    m_plugIn.Raise(TNProperty_ArmCapture);
+    EXPECT_TRUE(window.RunUntil([&] { return Utf8([Tracks() titleOfSelectedItem]) == "Birds"; }));
+    EXPECT_TRUE(window.IsUpToDate(Tracks()));
+    EXPECT_NE(window.Look(Tracks()), strFoley);
+}
+
+TEST_F(LinkBundle, EachOfTwoViewsInOneWindowShowsItsOwnChoice)
+{
+    NSView* pOther = MakeView(NSZeroSize);
+    NSPopUpButton* pOtherTracks =
+        object_getIvar(pOther, class_getInstanceVariable([pOther class], "m_btnTracks"));
+    const NSSize size = [m_pView frame].size;
+    NSView* pBoth =
+        [[[NSView alloc] initWithFrame:NSMakeRect(0, 0, size.width, 2 * size.height)] autorelease];
+    [pOther setFrameOrigin:NSMakePoint(0, size.height)];
+    [pBoth addSubview:m_pView];
+    [pBoth addSubview:pOther];
+    {
+        CDesktopWindow window(pBoth);
+        window.PointAway();
+        const std::string strBefore = window.Look(Tracks());
+        PlayTracks(1);
+        window.Choose(pOtherTracks, 0);
+        window.PointAway();
+        EXPECT_TRUE(window.IsUpToDate(pBoth));
+        EXPECT_EQ(window.Look(Tracks()), strBefore) << "the other one's choice";
+        EXPECT_NE(window.Look(pOtherTracks), strBefore);
+        PlayTracks(1);
+        window.ChooseByKeys(Tracks(), "Up Return");
+        EXPECT_EQ(Utf8([Tracks() titleOfSelectedItem]), "Dialogue");
+        EXPECT_TRUE(window.IsUpToDate(pBoth));
+    }
+    [m_pView removeFromSuperview];
+    [pOther removeFromSuperview];
+    [pOther release];
 }
 
 TEST_F(LinkBundle, ClickChoosesOneOfTwoHundredTracksInManyScripts)

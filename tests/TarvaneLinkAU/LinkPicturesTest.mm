@@ -1,5 +1,5 @@
-#import "tests/TarvaneLinkAU/DesktopWindow.h"
 #import "tests/TarvaneLinkAU/LinkBundleFixture.h"
+#import "tests/support/DesktopWindow.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,6 +1,7 @@
 #import "apps/palette/Sheet.h"
 
 #include "tests/apps/palette/PaletteFixture.h"
+#import "tests/support/DesktopWindow.h"
 
 #import "controls/TKToggleSwitch.h"
 
@@ -177,4 +178,28 @@ TEST_F(Sheet, NothingOverlapsAndNothingStandsOutside)
                 << [NSStringFromRect(frame) UTF8String] << [NSStringFromRect(other) UTF8String];
         }
     }
+}
+
+TEST_F(Sheet, LivePopUpButtonShowsAtOnceWhatIsChosen)
+{
+    NSView* sheet = Tarvane::MakeSheet();
+    NSPopUpButton* live = nil;
+    Walk(sheet,
+         [&](NSView* view)
+         {
+             if ([view isKindOfClass:[NSPopUpButton class]])
+             {
+                 live = (NSPopUpButton*)view;
+             }
+         });
+    ASSERT_NE(live, nil);
+    CDesktopWindow window([live superview]);
+    const std::string before = window.Look(live);
+    window.Choose(live, 1);
+    window.PointAway();
+    EXPECT_TRUE(window.IsUpToDate(live));
+    EXPECT_NE(window.Look(live), before);
+    window.ChooseByKeys(live, "Up Return");
+    EXPECT_EQ([live indexOfSelectedItem], 0);
+    EXPECT_TRUE(window.IsUpToDate(live));
 }

@@ -4,7 +4,7 @@
 
 #include <dlfcn.h>
 
-TEST(MenuOpeningLoadedLater, WorksFromTheMomentTheLibraryIsLoaded)
+TEST(PopUpMenuLoadedLater, WorksFromTheMomentTheLibraryIsLoaded)
 {
     MenuWindow window;
     [[window.button menu] setDelegate:window.delegate];

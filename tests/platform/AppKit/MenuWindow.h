@@ -3,6 +3,8 @@
 #import <AppKit/AppKit.h>
 
 #include <functional>
+#include <string>
+#include <vector>
 
 // The delegate of a menu: counts its openings and gives the menu new items each time.
 @interface TestMenuDelegate : NSObject <NSMenuDelegate>
@@ -21,12 +23,17 @@
 {
   @public
     NSString* m_chosen;
+    int m_nChoices;
+    id m_sender; // not retained
 }
 - (void)choose:(id)sender;
 @end
 
 // The shared application, without the test program's own options. Once, and then no more.
 void StartApplication();
+
+// Real input, by the display server: a command of xdotool's.
+void Input(const std::string& command);
 
 // An active application with a key window, in it a pop-up button with the items "one" and "two".
 // Owns what it made; the window is closed at the end.
@@ -44,6 +51,17 @@ class MenuWindow
     // Shows the menu by the space bar, for the first time, and chooses an item by Down and Return.
     void PressSpaceAndReturn();
 
+    // What to do while a menu is open, one step each time that the button looks for events; later
+    // ones wait until the menu is open again. Takes the place of what has not been done yet.
+    void WhileOpen(const std::vector<std::function<void()>>& steps);
+    bool AllDone() const;
+    // To a row of the open menu, and to a point beside it.
+    static void PointAtRow(NSInteger row);
+    static void PointBeside();
+    // On the button: a press, and a click of no length.
+    void Press();
+    void ClickAtOnce();
+
     // The application's events until `done`; false after ten seconds without.
     bool RunUntil(const std::function<bool()>& done);
 
@@ -57,6 +75,7 @@ class MenuWindow
     bool PointerIsOnTheButton() const;
     void PointAtTheButton();
     NSAutoreleasePool* m_pool;
+    id m_hand;
     int m_nMouseDowns = 0;
     int m_nMouseUps = 0;
 };

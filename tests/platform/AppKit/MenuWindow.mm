@@ -9,6 +9,8 @@
 
 #include <unistd.h>
 
+#import "platform/gnustep/AppKit/PopUpMenu.h"
+
 @implementation TestMenuDelegate
 
 - (void)dealloc
@@ -49,16 +51,19 @@
 {
     [m_chosen autorelease];
     m_chosen = [[sender titleOfSelectedItem] copy];
+    m_sender = sender;
+    ++m_nChoices;
 }
 
 @end
 
-// While a menu is tracked by the mouse: goes to an item and lets the button go, or clicks.
+// While a menu is open: takes one step after the other.
 @interface TestMenuHand : NSObject
 {
   @public
-    NSPoint m_item;
-    int m_nMoves;
+    std::vector<std::function<void()>> m_steps;
+    std::size_t m_nDone;
+    NSTimer* m_timer;
 }
 - (void)move:(NSTimer*)timer;
 @end
@@ -67,11 +72,6 @@ namespace
 {
 
 const NSTimeInterval kMoveEvery = 0.2; // seconds; a pace, not a limit
-
-void Input(const std::string& command)
-{
-    ASSERT_EQ(std::system(("xdotool " + command).c_str()), 0) << command;
-}
 
 std::string NameOfFocusedWindow()
 {
@@ -89,7 +89,21 @@ std::string MoveTo(NSPoint point)
     return "mousemove " + std::to_string(int(point.x)) + " " + std::to_string(int(point.y));
 }
 
+// By name: one of the programs has no such class at first.
+PlatformPopUpMenu* OpenMenu() { return [NSClassFromString(@"PlatformPopUpMenu") openMenu]; }
+
+// In the display server's coordinates: from the top.
+NSPoint OnDisplay(NSPoint point)
+{
+    return NSMakePoint(point.x, NSMaxY([[NSScreen mainScreen] frame]) - point.y);
+}
+
 } // namespace
+
+void Input(const std::string& command)
+{
+    ASSERT_EQ(std::system(("xdotool " + command).c_str()), 0) << command;
+}
 
 void StartApplication()
 {
@@ -108,8 +122,8 @@ void StartApplication()
 - (void)move:(NSTimer*)timer
 {
     (void)timer;
-    // The first time the button is still down from its press.
-    Input(MoveTo(m_item) + (m_nMoves++ == 0 ? " mouseup 1" : " click 1"));
+    if (m_nDone < m_steps.size() && [OpenMenu() isVisible])
+        m_steps[m_nDone++]();
 }
 
 @end
@@ -133,6 +147,14 @@ MenuWindow::MenuWindow(bool fPullsDown) : m_pool([[NSAutoreleasePool alloc] init
     target = [[TestMenuTarget alloc] init];
     [button setTarget:target];
     [button setAction:@selector(choose:)];
+    TestMenuHand* hand = [[TestMenuHand alloc] init];
+    m_hand = hand;
+    hand->m_timer = [NSTimer timerWithTimeInterval:kMoveEvery
+                                            target:hand
+                                          selector:@selector(move:)
+                                          userInfo:nil
+                                           repeats:YES];
+    [[NSRunLoop currentRunLoop] addTimer:hand->m_timer forMode:NSEventTrackingRunLoopMode];
     [[window contentView] addSubview:button];
     [window makeFirstResponder:button];
     // The display server's word counts: while the window manager still deals with the window of
@@ -152,6 +174,8 @@ MenuWindow::MenuWindow(bool fPullsDown) : m_pool([[NSAutoreleasePool alloc] init
 
 MenuWindow::~MenuWindow()
 {
+    [((TestMenuHand*)m_hand)->m_timer invalidate];
+    [m_hand release];
     [window close];
     [button release];
     [window release];
@@ -182,7 +206,7 @@ NSPoint MenuWindow::Centre() const
 {
     const NSRect frame = [button convertRect:[button bounds] toView:nil];
     const NSPoint point = [window convertBaseToScreen:NSMakePoint(NSMidX(frame), NSMidY(frame))];
-    return NSMakePoint(point.x, NSMaxY([[NSScreen mainScreen] frame]) - point.y);
+    return OnDisplay(point);
 }
 
 bool MenuWindow::PointerIsOnTheButton() const
@@ -203,21 +227,50 @@ void MenuWindow::PointAtTheButton()
         }));
 }
 
+void MenuWindow::WhileOpen(const std::vector<std::function<void()>>& steps)
+{
+    TestMenuHand* hand = (TestMenuHand*)m_hand;
+    hand->m_steps = steps;
+    hand->m_nDone = 0;
+}
+
+bool MenuWindow::AllDone() const
+{
+    const TestMenuHand* hand = (const TestMenuHand*)m_hand;
+    return hand->m_nDone == hand->m_steps.size();
+}
+
+void MenuWindow::PointAtRow(NSInteger row)
+{
+    PlatformPopUpRows* rows = [OpenMenu() rows];
+    const NSRect frame = [rows convertRect:[rows rectOfItemAtIndex:row] toView:nil];
+    const NSPoint point =
+        [[rows window] convertBaseToScreen:NSMakePoint(NSMidX(frame), NSMidY(frame))];
+    Input(MoveTo(OnDisplay(point)));
+}
+
+void MenuWindow::PointBeside()
+{
+    const NSRect frame = [OpenMenu() frame];
+    Input(MoveTo(OnDisplay(NSMakePoint(NSMaxX(frame) + 20, NSMidY(frame)))));
+}
+
+void MenuWindow::Press()
+{
+    PointAtTheButton();
+    Input("mousedown 1");
+}
+
+void MenuWindow::ClickAtOnce()
+{
+    PointAtTheButton();
+    Input("click 1");
+}
+
 void MenuWindow::ClickAndChoose()
 {
-    TestMenuHand* hand = [[[TestMenuHand alloc] init] autorelease];
-    PointAtTheButton();
-    const NSPoint centre = Centre();
-    hand->m_item = NSMakePoint(centre.x, centre.y + NSHeight([button frame]) * 0.8);
-    NSTimer* timer = [NSTimer timerWithTimeInterval:kMoveEvery
-                                             target:hand
-                                           selector:@selector(move:)
-                                           userInfo:nil
-                                            repeats:YES];
-    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSEventTrackingRunLoopMode];
-    Input("mousedown 1");
-    EXPECT_TRUE(RunUntil([&] { return hand->m_nMoves > 0; }));
-    [timer invalidate];
+    WhileOpen({[] { PointAtRow(1); }, [] { Input("mouseup 1"); }});
+    Press();
     EXPECT_TRUE(RunUntil([this] { return target->m_chosen != nil; }));
 }
 
@@ -233,8 +286,7 @@ void MenuWindow::ClickOnce()
 
 void MenuWindow::PressSpaceAndReturn()
 {
+    WhileOpen({[] { Input("key Down key Return"); }});
     Input("key space");
-    EXPECT_TRUE(RunUntil([this] { return delegate->m_nOpened > 0; }));
-    Input("key Down key Return");
     EXPECT_TRUE(RunUntil([this] { return target->m_chosen != nil; }));
 }

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
-// The same openings without the mouse: GNUstep shows the menu and returns.
+#import "platform/gnustep/AppKit/PopUpMenu.h"
+
+// Openings without the mouse: the menu is shown, and nothing waits for a choice.
 namespace
 {
 
@@ -12,7 +14,7 @@ void Open(NSPopUpButton* button)
     [[button cell] dismissPopUp];
 }
 
-TEST(MenuOpening, EachOpeningIsToldOnce)
+TEST(PopUpMenu, EachOpeningIsToldOnce)
 {
     MenuWindow window;
     [[window.button menu] setDelegate:window.delegate];
@@ -23,7 +25,7 @@ TEST(MenuOpening, EachOpeningIsToldOnce)
     }
 }
 
-TEST(MenuOpening, PullDownMenuIsToldToo)
+TEST(PopUpMenu, PullDownMenuIsToldToo)
 {
     MenuWindow window(true);
     [[window.button menu] setDelegate:window.delegate];
@@ -32,16 +34,17 @@ TEST(MenuOpening, PullDownMenuIsToldToo)
     EXPECT_EQ(window.delegate->m_lastMenu, [window.button menu]);
 }
 
-TEST(MenuOpening, ClickByTheProgramIsToldToo)
+TEST(PopUpMenu, ClickByTheProgramIsToldToo)
 {
     MenuWindow window;
     [[window.button menu] setDelegate:window.delegate];
+    window.WhileOpen({[] { Input("key Escape"); }});
     [window.button performClick:nil];
-    [[window.button cell] dismissPopUp];
     EXPECT_EQ(window.delegate->m_nOpened, 1);
+    EXPECT_EQ([PlatformPopUpMenu openMenu], nil);
 }
 
-TEST(MenuOpening, MenuThatItsDelegateEmptiesIsNoHarm)
+TEST(PopUpMenu, MenuThatItsDelegateEmptiesIsNoHarm)
 {
     MenuWindow window;
     [window.delegate setTitles:[NSArray array]];
@@ -52,7 +55,7 @@ TEST(MenuOpening, MenuThatItsDelegateEmptiesIsNoHarm)
     EXPECT_EQ([window.button indexOfSelectedItem], -1);
 }
 
-TEST(MenuOpening, OtherMenusDelegateHearsNothing)
+TEST(PopUpMenu, OtherMenusDelegateHearsNothing)
 {
     MenuWindow window;
     NSPopUpButton* other = [[[NSPopUpButton alloc] initWithFrame:NSMakeRect(20, 20, 200, 26)
@@ -68,7 +71,7 @@ TEST(MenuOpening, OtherMenusDelegateHearsNothing)
     [[other menu] setDelegate:nil];
 }
 
-TEST(MenuOpening, MenuWithoutDelegateOpens)
+TEST(PopUpMenu, MenuWithoutDelegateOpens)
 {
     MenuWindow window;
     Open(window.button);
@@ -76,7 +79,7 @@ TEST(MenuOpening, MenuWithoutDelegateOpens)
     EXPECT_EQ([window.button numberOfItems], 2);
 }
 
-TEST(MenuOpening, DelegateWithoutTheMethodIsNotSentIt)
+TEST(PopUpMenu, DelegateWithoutTheMethodIsNotSentIt)
 {
     MenuWindow window;
     [[window.button menu] setDelegate:window.target];
@@ -86,7 +89,7 @@ TEST(MenuOpening, DelegateWithoutTheMethodIsNotSentIt)
     EXPECT_EQ(window.target->m_chosen, nil);
 }
 
-TEST(MenuOpening, DelegateTakenAwayIsNotTold)
+TEST(PopUpMenu, DelegateTakenAwayIsNotTold)
 {
     MenuWindow window;
     [[window.button menu] setDelegate:window.delegate];

@@ -5,6 +5,8 @@
 #include <functional>
 #include <string>
 
+@class MenuHand;
+
 // A view in a real window, and real input through the display server. One at a time; a test that
 // uses it is declared with DISPLAY. Failures to get that far are reported as test failures.
 class CDesktopWindow
@@ -25,10 +27,18 @@ class CDesktopWindow
     // item is chosen from the menu as it was refilled.
     void Choose(NSPopUpButton* pButton, NSInteger nItem);
 
+    // The same by the keyboard: the space bar, and xdotool's names of keys for the open menu.
+    void ChooseByKeys(NSPopUpButton* pButton, const std::string& strKeys);
+
+    // What the screen shows of a view once nothing more happens, as a number that stands for it.
+    std::string Look(NSView* pView);
+    // Whether that is what the view would show if it were drawn anew.
+    bool IsUpToDate(NSView* pView);
+
     // The colour on the screen, at a point of the view.
     NSColor* ColourAt(NSView* pView, NSPoint pt);
 
-    // What the screen shows of the view, as a PNG file.
+    // What the screen shows of the view, as a PNG file. Views that are flipped or not.
     void TakePicture(NSView* pView, const std::string& strFile);
 
     // The pointer, to the middle of a view; or away from the window, where no tool tip comes up.
@@ -40,6 +50,7 @@ class CDesktopWindow
     void LetGo();
 
   private:
+    void UseMenu(MenuHand* pHand, const std::string& strOpening);
     void MoveTo(NSView* pView, NSPoint pt);
 
     NSWindow* m_pWindow;

@@ -1,10 +1,12 @@
-#import "tests/TarvaneLinkAU/DesktopWindow.h"
+#import "tests/support/DesktopWindow.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+
+#import "platform/gnustep/AppKit/PopUpMenu.h"
 
 namespace
 {
@@ -43,17 +45,27 @@ std::string Position(NSPoint pt)
     return std::to_string(static_cast<int>(pt.x)) + " " + std::to_string(static_cast<int>(pt.y));
 }
 
+// Of the display, as the picture taker wants it.
+std::string Area(NSView* pView)
+{
+    const NSSize size = [pView bounds].size;
+    const NSPoint pt = OnDisplay(pView, NSMakePoint(0, [pView isFlipped] ? 0 : size.height));
+    char szArea[100];
+    std::snprintf(szArea, sizeof szArea, "%dx%d+%d+%d", static_cast<int>(size.width),
+                  static_cast<int>(size.height), static_cast<int>(pt.x), static_cast<int>(pt.y));
+    return szArea;
+}
+
 NSPoint Centre(NSRect rc) { return NSMakePoint(NSMidX(rc), NSMidY(rc)); }
 } // namespace
 
-// While a menu is tracked: goes to an item and lets the mouse go there.
+// While a menu is open: goes to an item and lets the mouse go there, or types.
 @interface MenuHand : NSObject
 {
   @public
-    NSMenu* m_pMenu;
     NSInteger m_nItem;
-    int m_nMoves;
-    int m_nReleases;
+    std::string m_strKeys;
+    bool m_fDone;
 }
 - (void)Move:(NSTimer*)pTimer;
 @end
@@ -63,15 +75,22 @@ NSPoint Centre(NSRect rc) { return NSMakePoint(NSMidX(rc), NSMidY(rc)); }
 - (void)Move:(NSTimer*)pTimer
 {
     (void)pTimer;
-    NSMenuView* pRows = [m_pMenu menuRepresentation];
-    if (![[pRows window] isVisible])
+    PlatformPopUpRows* pRows = [[PlatformPopUpMenu openMenu] rows];
+    if (m_fDone || ![[pRows window] isVisible])
         return;
-    const NSPoint pt = OnDisplay(pRows, Centre([pRows rectOfItemAtIndex:m_nItem]));
-    Input("mousemove " + Position(pt));
-    if ([pRows highlightedItemIndex] != m_nItem || m_nMoves++ == 0)
+    if (!m_strKeys.empty())
+    {
+        m_fDone = true;
+        Input("key " + m_strKeys);
         return;
-    // The button is still down from its press, at first.
-    Input(m_nReleases++ == 0 ? "mouseup 1" : "click 1");
+    }
+    const NSRect rcRow = [pRows rectOfItemAtIndex:m_nItem];
+    ASSERT_FALSE(NSIsEmptyRect(rcRow)) << "the item is out of sight";
+    Input("mousemove " + Position(OnDisplay(pRows, Centre(rcRow))));
+    if ([pRows highlightedItemIndex] != m_nItem)
+        return;
+    m_fDone = true;
+    Input("mouseup 1");
 }
 
 @end
@@ -162,18 +181,45 @@ void CDesktopWindow::Click(NSView* pView, const std::string& strKeyHeld)
 void CDesktopWindow::Choose(NSPopUpButton* pButton, NSInteger nItem)
 {
     MenuHand* pHand = [[[MenuHand alloc] init] autorelease];
-    pHand->m_pMenu = [pButton menu];
     pHand->m_nItem = nItem;
     PointAt(pButton);
+    UseMenu(pHand, "mousedown 1");
+}
+
+void CDesktopWindow::ChooseByKeys(NSPopUpButton* pButton, const std::string& strKeys)
+{
+    MenuHand* pHand = [[[MenuHand alloc] init] autorelease];
+    pHand->m_strKeys = strKeys;
+    [m_pWindow makeFirstResponder:pButton];
+    UseMenu(pHand, "key space");
+}
+
+void CDesktopWindow::UseMenu(MenuHand* pHand, const std::string& strOpening)
+{
     NSTimer* pTimer = [NSTimer timerWithTimeInterval:kPace
                                               target:pHand
                                             selector:@selector(Move:)
                                             userInfo:nil
                                              repeats:YES];
     [[NSRunLoop currentRunLoop] addTimer:pTimer forMode:NSEventTrackingRunLoopMode];
-    Input("mousedown 1");
-    EXPECT_TRUE(RunUntil([&] { return pHand->m_nReleases > 0; })) << "the menu does not open";
+    Input(strOpening);
+    EXPECT_TRUE(RunUntil([&] { return pHand->m_fDone && [PlatformPopUpMenu openMenu] == nil; }))
+        << "the menu does not open";
     [pTimer invalidate];
+}
+
+std::string CDesktopWindow::Look(NSView* pView)
+{
+    int nQuiet = 0;
+    RunUntil([&] { return nQuiet++ == 4; });
+    return OutputOf("import -silent -window root -crop " + Area(pView) + " rgb:- | cksum");
+}
+
+bool CDesktopWindow::IsUpToDate(NSView* pView)
+{
+    const std::string strLook = Look(pView);
+    [[[pView window] contentView] setNeedsDisplay:YES];
+    return Look(pView) == strLook;
 }
 
 NSColor* CDesktopWindow::ColourAt(NSView* pView, NSPoint pt)
@@ -196,14 +242,9 @@ NSColor* CDesktopWindow::ColourAt(NSView* pView, NSPoint pt)
 
 void CDesktopWindow::TakePicture(NSView* pView, const std::string& strFile)
 {
-    const NSSize size = [pView bounds].size;
-    const NSPoint pt = OnDisplay(pView, NSMakePoint(0, size.height));
-    char szArea[100];
-    std::snprintf(szArea, sizeof szArea, "%dx%d+%d+%d", static_cast<int>(size.width),
-                  static_cast<int>(size.height), static_cast<int>(pt.x), static_cast<int>(pt.y));
     // Three bytes a pixel, however few colours there are.
     const std::string strCommand =
-        "import -silent -window root -crop " + std::string(szArea) +
+        "import -silent -window root -crop " + Area(pView) +
         " +repage -strip -define png:exclude-chunks=date,time 'png24:" + strFile + "'";
     EXPECT_EQ(std::system(strCommand.c_str()), 0) << strCommand;
 }
