@@ -63,6 +63,26 @@ TEST_F(CaptureCommands, DuplicateIsReadWithoutACountLine)
     EXPECT_TRUE(IsDuplicate());
 }
 
+TEST_F(CaptureCommands, AnswerIsCutToAWholeNumber)
+{
+    m_events.Print("1.9\n");
+    EXPECT_TRUE(IsDuplicate());
+    m_events.Print("0.9\n");
+    EXPECT_FALSE(IsDuplicate());
+}
+
+TEST_F(CaptureCommands, PositionsBeyond32BitsAreWrittenInFullEverywhere)
+{
+    m_script.CheckDuplicateRegion(false, 1, &m_file, 4294967301, -4294967302, 4294967303.9);
+    EXPECT_THAT(m_events.Scripts().back(), HasSubstr("\",4294967301,-4294967302,4294967303)\n"));
+    m_script.SendFile(false, 1, &m_file, -4294967304, 4294967305, 4294967306, 0);
+    EXPECT_THAT(m_events.Scripts().back(),
+                HasSubstr("true, false, -4294967304,4294967305,4294967306)\n"
+                          "MoveDisplayToPosition(1)\n"));
+    m_script.SendFile(false, 1, &m_file, 4294967304, 0, 1, 0);
+    EXPECT_THAT(m_events.Scripts().back(), HasSubstr("MoveDisplayToPosition(4.29497e+09)\n"));
+}
+
 TEST_F(CaptureCommands, AnythingButOneIsNoDuplicate)
 {
     for (const char* szPrinted : {"0\n", "2\n", "-1\n", "", "\n", "true\n", "11\n", "nil\n"})

@@ -1,6 +1,7 @@
 #include "tests/TarvaneLinkShared/ScriptFixture.h"
 
 using ::testing::Each;
+using ::testing::HasSubstr;
 using ::testing::SizeIs;
 
 namespace
@@ -25,6 +26,20 @@ TEST_F(ProcessCommands, GDXNamesThreeTracksAndTwoStretches)
                             "idProcess = CreateProcess(\"GDX\", \"PT\", Inputs, Outputs)\n"
                             "MoveDisplayToPosition(1234567)\n"
                             "end\n");
+}
+
+TEST_F(ProcessCommands, PositionsBeyond32BitsAreWrittenInFullEverywhere)
+{
+    m_script.CreateGDX(false, 0, 4294967301, 4294967302, 1, 4294967303, 4294967304, 2);
+    EXPECT_THAT(m_events.Scripts().back(),
+                HasSubstr("Track=idGuide, Start=4294967301, End=4294967302}\n"));
+    EXPECT_THAT(m_events.Scripts().back(),
+                HasSubstr("Track=idDub, Start=4294967303, End=4294967304}\n"));
+    EXPECT_THAT(m_events.Scripts().back(), HasSubstr("MoveDisplayToPosition(4294967301)\n"));
+
+    m_script.CreateSpreader(false, 0, -4294967301, -4294967302, 0, 1);
+    EXPECT_THAT(m_events.Scripts().back(), HasSubstr("Start=-4294967301, End=-4294967302}\n"));
+    EXPECT_THAT(m_events.Scripts().back(), HasSubstr("MoveDisplayToPosition(-4294967301)\n"));
 }
 
 TEST_F(ProcessCommands, GDXInTheAudioSuiteDocumentDiffersInItsFirstLineOnly)

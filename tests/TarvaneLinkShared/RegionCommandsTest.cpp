@@ -105,6 +105,17 @@ TEST_F(RegionExport, DoesNotLookAtTheStatusBesideAFile)
     EXPECT_EQ(m_script.m_strLastError, "");
 }
 
+TEST_F(RegionExport, DoesNotReadTheRate)
+{
+    for (const long nRate : {-1L, 0L, 44100L, -2L})
+    {
+        m_events.Print("2\n48000\n/a/b.wav\n");
+        EXPECT_TRUE(m_script.ExportSelectedRegion(false, nRate, &m_file));
+        EXPECT_EQ(m_script.m_strLastError, "") << nRate;
+        EXPECT_EQ(m_events.Scripts().back(), szExport);
+    }
+}
+
 TEST_F(RegionExport, TellsWhatIsMissingAndLeavesTheFile)
 {
     for (const bool fAudioSuite : {false, true})
@@ -179,11 +190,65 @@ TEST_F(RegionRender, TellsWhereTheRegionLies)
     EXPECT_EQ(m_script.m_strLastError, "");
 }
 
-TEST_F(RegionRender, ARateWithAFractionOfNothingIsTheSameRate)
+TEST_F(RegionRender, DoesNotLookAtTheStatusBesideThreeNumbers)
 {
-    m_events.Print("4\n0\n44100.0\n1\n2\n");
-    EXPECT_TRUE(Render(44100));
-    EXPECT_EQ(m_script.m_strLastError, "");
+    for (const char* szStatus : {"1", "2", "-1", "failed"})
+    {
+        m_events.Print(std::string("4\n") + szStatus + "\n44100\n1\n2\n");
+        EXPECT_TRUE(Render()) << szStatus;
+        EXPECT_EQ(m_nEnd, 2);
+        EXPECT_EQ(m_script.m_strLastError, "");
+    }
+}
+
+TEST_F(RegionRender, EndsAndRatesAreCutToWholeNumbersOfAnySize)
+{
+    m_events.Print("4\n0\n4294967297.9\n-4294967297.9\n9007199254740993\n");
+    EXPECT_TRUE(Render());
+    EXPECT_EQ(m_nStart, -4294967297);
+    EXPECT_EQ(m_nEnd, 9007199254740993);
+    EXPECT_EQ(m_script.m_strSelectedRegion1,
+              "Start: -4294967297 End: 9007199254740993 Sample Rate: 4294967297");
+    m_events.Print("4\n0\n44100\n9007199254740993\n4294967298.5\n");
+    EXPECT_TRUE(Render());
+    EXPECT_EQ(m_nStart, 9007199254740993);
+    EXPECT_EQ(m_nEnd, 4294967298);
+}
+
+TEST_F(RegionRender, ARateIsComparedWithoutItsFraction)
+{
+    for (const char* szRate : {"44100.0", "44100.9"})
+    {
+        m_events.Print(std::string("4\n0\n") + szRate + "\n1\n2\n");
+        EXPECT_TRUE(Render(44100));
+        EXPECT_EQ(m_script.m_strLastError, "") << szRate;
+    }
+}
+
+TEST_F(RegionRender, AnyRateButMinusOneIsCompared)
+{
+    const struct
+    {
+        long m_nRate;
+        const char* m_szPrinted;
+        const char* m_szWords;
+    } cases[] = {
+        {-2, "44100", "Warning - Session Sample Rate is: -2 Tarvane Sample rate is: 44100"},
+        {0, "44100", "Warning - Session Sample Rate is: 0 Tarvane Sample rate is: 44100"},
+        {0, "none", ""},
+        {44100, "0", "Warning - Session Sample Rate is: 44100 Tarvane Sample rate is: 0"},
+        {44100, "-1", "Warning - Session Sample Rate is: 44100 Tarvane Sample rate is: -1"},
+        {44100, "4295011396.9",
+         "Warning - Session Sample Rate is: 44100 Tarvane Sample rate is: 4295011396"},
+        {4295011396, "44100",
+         "Warning - Session Sample Rate is: 4295011396 Tarvane Sample rate is: 44100"},
+    };
+    for (const auto& tCase : cases)
+    {
+        m_events.Print(std::string("4\n0\n") + tCase.m_szPrinted + "\n1\n2\n");
+        EXPECT_TRUE(Render(tCase.m_nRate));
+        EXPECT_EQ(m_script.m_strLastError, tCase.m_szWords);
+    }
 }
 
 TEST_F(RegionRender, AnotherRateIsAWarningAndStillASuccess)

@@ -80,6 +80,13 @@ TEST(SplitResult, CountIsReadUpToItsLastDigit)
     EXPECT_THAT(Split(" +1.0 items\nVox\n"), ElementsAre("Vox"));
 }
 
+TEST(SplitResult, CountIsNoFloat)
+{
+    EXPECT_THAT(Split("1e1\nVox\n"), ElementsAre("Vox"));
+    EXPECT_THAT(Split("1.9\nVox\n"), ElementsAre("Vox"));
+    EXPECT_THAT(Split("0x1\n"), IsEmpty());
+}
+
 TEST(SplitResult, CountOfZeroWithoutItemsPasses)
 {
     EXPECT_THAT(Split("0\n"), IsEmpty());

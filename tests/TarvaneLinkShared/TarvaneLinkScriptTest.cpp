@@ -1,4 +1,5 @@
 #include "tests/TarvaneLinkShared/ScriptFixture.h"
+#include "tests/support/LiveObjects.h"
 
 #include <cstring>
 
@@ -178,6 +179,33 @@ TEST_F(SendCommand, ReadsALongErrorTextInTwoSteps)
     EXPECT_EQ(m_script.m_strLastError, std::string(101, 'e'));
     EXPECT_EQ(m_events.Lines()[6], "AEGetParamPtr(4, 'Errr', 'utxt', 200 bytes)");
     EXPECT_EQ(m_events.Lines()[7], "AEGetParamPtr(4, 'Errr', 'utxt', 406 bytes)");
+}
+
+TEST_F(SendCommand, TextThatGrowsBetweenTheReadsIsReadTwiceAndCutToItsBuffer)
+{
+    m_events.PrintWithError(std::string(101, 'a'), std::string(102, 'e'));
+    m_events.ReportMoreWhenReadAgain(1 << 20);
+    Send("x");
+
+    EXPECT_EQ(m_nStatus, 0);
+    EXPECT_EQ(std::string(m_result.get()), std::string(101, 'a'));
+    EXPECT_EQ(m_script.m_strLastError, std::string(102, 'e'));
+    EXPECT_EQ(m_events.Count(Call::GetParamPtr), 4);
+}
+
+TEST_F(SendCommand, StringsThatItMakesAreReleased)
+{
+    const auto exchange = [this]
+    {
+        m_events.PrintWithError("1\n0\n", "server's words");
+        Send("print(1)");
+        ASSERT_EQ(m_script.m_strLastError, "server's words");
+    };
+    exchange();
+    const long nBefore = LiveObjects();
+    for (int n = 0; n < 10; ++n)
+        exchange();
+    EXPECT_EQ(LiveObjects(), nBefore);
 }
 
 TEST_F(SendCommand, HoldsNinetyNineCharactersOfThreeBytesInAShortReply)

@@ -260,7 +260,7 @@ OSErr ScriptedAppleEvents::GetParamPtr(const AppleEvent* pEvent, AEKeyword key, 
                                        DescType* pActualType, void* pData, Size nRoom,
                                        Size* pActualBytes)
 {
-    const Object& event = Find(*pEvent);
+    Object& event = Find(*pEvent);
     const OSErr status = Note(Call::GetParamPtr,
                               "AEGetParamPtr(" + std::to_string(event.m_nNumber) + ", " +
                                   Quoted(key) + ", " + Quoted(type) + ", " + InBytes(nRoom) + ")");
@@ -279,7 +279,8 @@ OSErr ScriptedAppleEvents::GetParamPtr(const AppleEvent* pEvent, AEKeyword key, 
     if (pActualType != nullptr)
         *pActualType = type;
     if (pActualBytes != nullptr)
-        *pActualBytes = static_cast<Size>(bytes.size());
+        *pActualBytes =
+            static_cast<Size>(bytes.size()) + (event.m_reads[key]++ > 0 ? m_nMoreWhenReadAgain : 0);
     return noErr;
 }
 

@@ -92,6 +92,10 @@ public:
     /// status and do nothing.
     void Fail(Call call, int nOccurrence, OSErr status);
 
+    /// Every read of a reply's parameter behind the first reports so many bytes more than there
+    /// are.
+    void ReportMoreWhenReadAgain(Size nBytes) { m_nMoreWhenReadAgain = nBytes; }
+
     /// Called while a command is out: the caller of AESend still waits.
     std::function<void()> m_whileSending;
 
@@ -128,6 +132,7 @@ private:
     {
         int m_nNumber = 0;
         std::map<AEKeyword, Bytes> m_parameters;
+        std::map<AEKeyword, int> m_reads;
     };
 
     OSErr Note(Call call, std::string line, Bytes bytes = {});
@@ -144,6 +149,7 @@ private:
     std::vector<Command> m_commands;
     std::map<AEDataStorage, std::unique_ptr<Object>> m_objects;
     int m_nLastNumber = 0;
+    Size m_nMoreWhenReadAgain = 0;
 };
 
 } // namespace TarvaneTests
