@@ -1,44 +1,155 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <thread>
 
-// Lets other threads into an object that the main thread is about to give up. Who is inside has
-// the object for as long; once the gate is closed nobody comes in any more, and it stays closed.
-class CNotificationGate
+// Lets notifications into a view for as long as anybody owns it, and asks with nothing but the
+// view's address. A plug-in may call a listener that was removed a moment ago, on any thread, while
+// or after the view is destroyed. Such a call must not look behind the address, so whatever it
+// touches before it is let in stands here: in gates that belong to no view and are never freed.
+//
+// Why nobody comes in too late: entering counts, in one word with what bars the way. The last owner
+// closes the gate by a compare-and-exchange of that word, which fails if anybody is inside or has
+// come in since the owner saw that no other owner is left. Whoever enters after that finds the gate
+// closed, and whoever entered before it was waited for.
+//
+// Why nobody is turned away too early: only that exchange closes the gate. A notifier who was
+// inside and has queued a call, which owns the view, is seen before it.
+//
+// A gate that its view has left serves another view. A late call that found it under the old
+// address counts itself in, compares the address once more and leaves. A new view at the old
+// address may hear a late call that was meant for the old one; it is alive, and asks its plug-in.
+// Gates hang in lists by a hash of the address: there are as many as there ever were views at one
+// time, and the first of each list is static.
+//
+// No operation takes a lock. Only OpenFor may allocate.
+class alignas(64) CNotificationGate
 {
 public:
-    // A stay inside, for the life of this value. Any thread; never blocks.
+    enum class Kind
+    {
+        // Is turned away while the last owner lets go or the view changes its plug-in, so that
+        // neither waits for a storm to pass.
+        Progress,
+        // A capture or a change of the armed state. Only a closed gate turns it away.
+        Other,
+    };
+
+    // A stay in the view at an address, for the life of this value. The view is not destroyed
+    // meanwhile. Any thread, real-time safe.
     class CPass
     {
     public:
-        explicit CPass(CNotificationGate& gate) : m_gate(gate)
+        CPass(const void* pView, Kind kind)
+            : m_nOne(kind == Kind::Progress ? kOneProgress : kOneOther), m_pGate(Find(pView))
         {
-            m_gate.m_nInside.fetch_add(1);
-            m_fInside = !m_gate.m_fClosed.load();
+            if (m_pGate != nullptr && !m_pGate->Enter(pView, m_nOne))
+                m_pGate = nullptr;
         }
-        // The gate may be gone as soon as the count has fallen.
-        ~CPass() { m_gate.m_nInside.fetch_sub(1); }
+        ~CPass()
+        {
+            if (m_pGate != nullptr)
+                m_pGate->Leave(m_nOne);
+        }
         CPass(const CPass&) = delete;
         CPass& operator=(const CPass&) = delete;
 
-        // False when the gate was closed already: leave the object alone.
-        explicit operator bool() const { return m_fInside; }
+        // False when there is no such view, or not any more: leave the address alone.
+        explicit operator bool() const { return m_pGate != nullptr; }
+
+    private:
+        std::uint64_t m_nOne;
+        CNotificationGate* m_pGate;
+    };
+
+    // Keeps progress out for the life of this value. Begins when none is inside. For the thread
+    // that owns the view, and not from inside.
+    class CPause
+    {
+    public:
+        explicit CPause(CNotificationGate& gate) : m_gate(gate)
+        {
+            m_gate.m_nState.fetch_or(kPaused);
+            while ((m_gate.m_nState.load() & kAllProgress) != 0)
+                std::this_thread::yield();
+        }
+        ~CPause() { m_gate.m_nState.fetch_and(~kPaused); }
+        CPause(const CPause&) = delete;
+        CPause& operator=(const CPause&) = delete;
 
     private:
         CNotificationGate& m_gate;
-        bool m_fInside;
     };
 
-    // Returns when nobody is inside. Not to be called by somebody inside.
-    void Close()
+    // An open gate for a new view.
+    static CNotificationGate& OpenFor(const void* pView);
+
+    // For an owner that is about to let go, and not from inside. isLast tells whether it is the
+    // only owner. Returns when it is not, with the gate open, or when nobody is inside and the gate
+    // is closed for good.
+    template <typename IsLast> void CloseBehindTheLast(IsLast isLast)
     {
-        m_fClosed.store(true);
-        while (m_nInside.load() != 0)
+        m_nState.fetch_or(kPaused);
+        for (;;)
+        {
+            std::uint64_t nSeen = m_nState.load();
+            if (!isLast())
+                break;
+            if ((nSeen & (kAllProgress | kAllOthers)) == 0 &&
+                m_nState.compare_exchange_strong(nSeen, nSeen | kClosed))
+                return;
             std::this_thread::yield();
+        }
+        m_nState.fetch_and(~kPaused);
     }
 
+    // Gives a closed gate to whoever needs one. Before the view's memory is given back.
+    void Abandon() { m_pView.store(nullptr); }
+
 private:
-    std::atomic<int> m_nInside{0};
-    std::atomic<bool> m_fClosed{false};
+    // The word: what bars the way, who is inside, and how often somebody came in.
+    static constexpr std::uint64_t kClosed = 1;
+    static constexpr std::uint64_t kPaused = 2;
+    static constexpr std::uint64_t kOneProgress = std::uint64_t(1) << 2;
+    static constexpr std::uint64_t kAllProgress = std::uint64_t(0xFFFF) << 2;
+    static constexpr std::uint64_t kOneOther = std::uint64_t(1) << 18;
+    static constexpr std::uint64_t kAllOthers = std::uint64_t(0xFFFF) << 18;
+    static constexpr std::uint64_t kOneEntry = std::uint64_t(1) << 34; // and up; may run over
+
+    static constexpr std::uint64_t kStaticGates = 256;
+    static CNotificationGate s_gates[kStaticGates];
+
+    static CNotificationGate& FirstFor(const void* pView)
+    {
+        const auto nAddress = reinterpret_cast<std::uintptr_t>(pView);
+        return s_gates[(nAddress >> 4 ^ nAddress >> 12) % kStaticGates];
+    }
+
+    static CNotificationGate* Find(const void* pView)
+    {
+        CNotificationGate* pGate = &FirstFor(pView);
+        while (pGate != nullptr && pGate->m_pView.load(std::memory_order_acquire) != pView)
+            pGate = pGate->m_pNext.load(std::memory_order_acquire);
+        return pGate;
+    }
+
+    bool Enter(const void* pView, std::uint64_t nOne)
+    {
+        const std::uint64_t nBars = kClosed | (nOne == kOneProgress ? kPaused : 0);
+        // Looked at first, so that those who are turned away disturb nobody who waits.
+        if ((m_nState.load(std::memory_order_relaxed) & nBars) != 0)
+            return false;
+        const std::uint64_t nBefore = m_nState.fetch_add(kOneEntry + nOne);
+        if ((nBefore & nBars) == 0 && m_pView.load() == pView)
+            return true;
+        Leave(nOne);
+        return false;
+    }
+
+    void Leave(std::uint64_t nOne) { m_nState.fetch_sub(nOne); }
+
+    std::atomic<std::uint64_t> m_nState{kClosed};
+    std::atomic<const void*> m_pView{nullptr};
+    std::atomic<CNotificationGate*> m_pNext{nullptr};
 };

@@ -22,12 +22,11 @@
 // server (`setAU:` and the four handlers below, `menuWillOpen:`) blocks until the server has
 // answered or the event's timeout has passed.
 //
-// Life: the host owns the view. A call that waits in the main thread's queue holds the view until
-// it has run; the plug-in must therefore outlive the view, not only its last owner. From the
-// release that ends the last ownership on, notifications are no longer taken in, and `dealloc`
-// removes the listeners before anything else goes. It relies on the platform for one thing:
-// AudioUnitRemovePropertyListenerWithUserData returns only when no call of the removed listener
-// is under way.
+// Life: the host owns the view, and lets go on the main thread. A call that waits in the main
+// thread's queue owns the view too until it has run; the plug-in must therefore outlive the view,
+// not only its last other owner. Notifications are taken in for as long as anybody owns the view.
+// From the release that ends the last ownership on they are not, and nothing of the view is
+// touched, even by a plug-in that goes on calling ViewEventListener after it was told to stop.
 @interface TarvaneLink_CocoaView : NSView <TKSwitchDelegate, NSMenuDelegate>
 {
     IBOutlet TarvaneLink_GestureSlider* uiParam1Slider;
@@ -52,7 +51,7 @@
     CTarvaneScript m_Script;
     bool m_fAudioSuite; // handed to every script operation; never true here
 
-    CNotificationGate m_gateNotifications;
+    CNotificationGate* m_pGate; // not owned: it outlives the view
 }
 
 // Joins the view to a plug-in: listeners, armed state, tracks. May be called again with another
@@ -65,8 +64,9 @@
 - (void)TNProperty_CurrentSampleInTimeLine;
 - (void)kTNProperty_CurrentCaptureLength;
 
-// Any thread. Moves a notification to the main thread and never waits for it. The element is
-// ignored, and so is every id but 64000, 64004, 64006 and 64010.
+// Any thread, while somebody owns the view: ViewEventListener, which sees to that, is the plug-in's
+// way here. Moves a notification to the main thread and never waits for it. The element is ignored,
+// and so is every id but 64000, 64004, 64006 and 64010.
 - (void)PropertyChanged:(std::uint32_t)nProperty Element:(std::uint32_t)nElement;
 
 - (void)addListeners;
@@ -100,7 +100,8 @@
 
 @end
 
-// The property listener; pUserData is the view. Any thread.
+// The property listener; pUserData is the address of a view, which may have been destroyed. Any
+// thread, real-time safe up to what the platform does to queue a call.
 void ViewEventListener(void* pUserData, AudioUnit pUnit, AudioUnitPropertyID nProperty,
                        AudioUnitScope nScope, AudioUnitElement nElement);
 

@@ -1,6 +1,7 @@
 #import "TarvaneLinkAU/TarvaneLinkView.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <limits>
@@ -48,6 +49,23 @@ std::string PathText(const char (&szPath)[kTNPathSize])
     return std::string(szPath, strnlen(szPath, kTNPathSize));
 }
 
+// As printf's "%.nf" writes it where the decimal point is one: a host may have set any locale.
+std::string FixedText(double dNumber, int nDecimals)
+{
+    char digits[std::numeric_limits<double>::max_exponent10 + 16];
+    const auto result =
+        std::to_chars(digits, digits + sizeof digits, dNumber, std::chars_format::fixed, nDecimals);
+    return std::string(digits, result.ptr);
+}
+
+// What the log tells of a region.
+std::string TimesText(const TNRegionTimes& times)
+{
+    constexpr int kDecimals = 6;
+    return FixedText(times.dPosition, kDecimals) + " " + FixedText(times.dAux, kDecimals) + " " +
+           FixedText(times.dStart, kDecimals) + " " + FixedText(times.dEnd, kDecimals);
+}
+
 // Text of the server need not be UTF-8. It is shown all the same, byte by byte: a track without a
 // menu item would shift every later one away from its number.
 NSString* TextFromServer(const std::string& strText)
@@ -62,7 +80,11 @@ NSString* TextFromServer(const std::string& strText)
 void ViewEventListener(void* pUserData, AudioUnit, AudioUnitPropertyID nProperty, AudioUnitScope,
                        AudioUnitElement nElement)
 {
-    [static_cast<TarvaneLink_CocoaView*>(pUserData) PropertyChanged:nProperty Element:nElement];
+    const bool fMustArrive = nProperty == TNProperty_Elements || nProperty == TNProperty_ArmCapture;
+    CNotificationGate::CPass pass(pUserData, fMustArrive ? CNotificationGate::Kind::Other
+                                                         : CNotificationGate::Kind::Progress);
+    if (pass)
+        [static_cast<TarvaneLink_CocoaView*>(pUserData) PropertyChanged:nProperty Element:nElement];
 }
 
 void ParameterListenerDispatcher(void* pUserData, void* pObject,
@@ -75,6 +97,7 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
 }
 
 @interface TarvaneLink_CocoaView ()
+- (void)OpenForNotifications;
 - (void)Dispatch:(SEL)selHandler;
 - (void)DispatchProgress:(SEL)selHandler;
 - (void)ShowProgress:(AudioUnitPropertyID)nProperty;
@@ -85,18 +108,42 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
 
 #pragma mark Life
 
+- (id)initWithFrame:(NSRect)rcFrame
+{
+    self = [super initWithFrame:rcFrame];
+    [self OpenForNotifications];
+    return self;
+}
+
+- (id)initWithCoder:(NSCoder*)pCoder
+{
+    self = [super initWithCoder:pCoder];
+    [self OpenForNotifications];
+    return self;
+}
+
+- (void)OpenForNotifications
+{
+    m_mutexTransportPosition = pthread_mutex_t PTHREAD_MUTEX_INITIALIZER;
+    m_nPositionUpdateDelay = kPositionUpdateDelay;
+    m_pGate = &CNotificationGate::OpenFor(self);
+}
+
 - (void)setAU:(AudioUnit)pUnit
 {
-    [self removeListeners];
+    if (mAU != nullptr)
+        [self removeListeners];
     mAU = pUnit;
     m_fAudioSuite = false;
-
-    // Initialised again by a second call, without being destroyed: nobody holds it, the listeners
-    // are gone.
-    pthread_mutex_init(&m_mutexTransportPosition, nullptr);
-    m_fTransportPositionInQueue = false;
-    m_nPositionUpdateTimeout.store(0, std::memory_order_relaxed);
-    m_nPositionUpdateDelay = kPositionUpdateDelay;
+    {
+        // The mutex is initialised again by a second call, without being destroyed. Nobody may
+        // hold it: the listeners are gone, but a late call of one may be under way.
+        CNotificationGate::CPause pause(*m_pGate);
+        pthread_mutex_init(&m_mutexTransportPosition, nullptr);
+        m_fTransportPositionInQueue = false;
+        m_nPositionUpdateTimeout.store(0, std::memory_order_relaxed);
+        m_nPositionUpdateDelay = kPositionUpdateDelay;
+    }
 
     [self addListeners];
     [self synchronizeUIWithParameterValues];
@@ -115,12 +162,12 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
 }
 
 // Another thread may be just about to queue a call, and with it a reference to the view, while the
-// last owner lets go. Whoever is inside finishes first: after that either the queue holds the view,
+// last owner lets go. Whoever is inside finishes first: after that either the queue owns the view,
 // or nobody does and nobody will.
 - (oneway void)release
 {
-    if ([self retainCount] == 1)
-        m_gateNotifications.Close();
+    if (m_pGate != nullptr && [self retainCount] == 1)
+        m_pGate->CloseBehindTheLast([self] { return [self retainCount] == 1; });
     [super release];
 }
 
@@ -129,10 +176,16 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
     [self removeListeners];
     pthread_mutex_destroy(&m_mutexTransportPosition);
 
-    // The controls may outlive the view by a moment, in an event loop of theirs.
-    [[m_btnTracks menu] setDelegate:nil];
-    [m_btnTracks setTarget:nil];
-    [m_switchCapture SetDelegate:nil];
+    // The controls may outlive the view by a moment, in an event loop of theirs. What others have
+    // put in its place stays.
+    if ([[m_btnTracks menu] delegate] == self)
+        [[m_btnTracks menu] setDelegate:nil];
+    if ([m_btnTracks target] == self)
+        [m_btnTracks setTarget:nil];
+    if ([m_switchCapture Delegate] == self)
+        [m_switchCapture SetDelegate:nil];
+    if (m_pGate != nullptr)
+        m_pGate->Abandon();
     [super dealloc];
 }
 
@@ -209,10 +262,6 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
 - (void)PropertyChanged:(std::uint32_t)nProperty Element:(std::uint32_t)nElement
 {
     (void)nElement;
-    CNotificationGate::CPass pass(m_gateNotifications);
-    if (!pass)
-        return;
-
     switch (nProperty)
     {
     case TNProperty_Elements:
@@ -303,15 +352,13 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
 
     TNCaptureElement tElement;
     ReadProperty(mAU, TNProperty_ElementInfo, static_cast<AudioUnitElement>(nElement), tElement);
-    const TNRegionTimes& tGuide = tElement.tGuide;
     const TNRegionTimes& tDub = tElement.tDub;
     const std::string strDubPath = PathText(tElement.szDubPath);
 
     std::fprintf(stderr, "Element: %d\n", nElement);
-    std::fprintf(stderr, "\tGuide: %s - %f %f %f %f\n", PathText(tElement.szGuidePath).c_str(),
-                 tGuide.dPosition, tGuide.dAux, tGuide.dStart, tGuide.dEnd);
-    std::fprintf(stderr, "\tDub: %s - %f %f %f %f\n", strDubPath.c_str(), tDub.dPosition, tDub.dAux,
-                 tDub.dStart, tDub.dEnd);
+    std::fprintf(stderr, "\tGuide: %s - %s\n", PathText(tElement.szGuidePath).c_str(),
+                 TimesText(tElement.tGuide).c_str());
+    std::fprintf(stderr, "\tDub: %s - %s\n", strDubPath.c_str(), TimesText(tDub).c_str());
     std::fprintf(stderr, "\tItentical: %d\n", tElement.fIdentical);
 
     // The menu is the authority here, not what the plug-in has stored.
@@ -324,7 +371,8 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
                                            tDub.dStart, tDub.dEnd))
         {
             // The offset is applied here and not for the duplicate check: the two differ on
-            // purpose.
+            // purpose. Product and sum are each rounded (-ffp-contract=off): a fused operation
+            // would place a take by a sample elsewhere.
             const double dOffset = m_Script.GetLinkSMPTEOffset(m_fAudioSuite);
             const double dPosition = dOffset * tElement.dSampleRate + tDub.dPosition;
             const int nStatus = m_Script.SendFile(m_fAudioSuite, nTrack, &fileDub, dPosition,
@@ -396,7 +444,9 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
     if ([m_switchCapture state] != 1)
         return;
     [m_textError setTextColor:[NSColor colorWithCalibratedRed:0.8 green:0.8 blue:0.8 alpha:1.0]];
-    [m_textError setStringValue:[NSString stringWithFormat:@"Capturing Audio: %.1f sec", dSeconds]];
+    const std::string strSeconds = FixedText(dSeconds, 1);
+    [m_textError
+        setStringValue:[NSString stringWithFormat:@"Capturing Audio: %s sec", strSeconds.c_str()]];
     [m_textAdvice setStringValue:@""];
 }
 

@@ -48,6 +48,7 @@
 
 // Receives TKSwitchChange:ModifierFlags:. Not retained; nil for none.
 - (void)SetDelegate:(id)idDelegate;
+- (id)Delegate;
 
 - (NSInteger)state;
 

@@ -34,6 +34,11 @@
     m_idDelegate = idDelegate;
 }
 
+- (id)Delegate
+{
+    return m_idDelegate;
+}
+
 - (NSInteger)state
 {
     return m_nState;

@@ -1,4 +1,7 @@
+#include "tests/TarvaneLinkAU/FailingNew.h"
 #import "tests/TarvaneLinkAU/LinkViewFixture.h"
+#include "tests/support/DecimalComma.h"
+#include "tests/support/ReplacedMethod.h"
 
 #include <cmath>
 #include <cstring>
@@ -146,6 +149,61 @@ TEST_F(CaptureDelivery, OffsetIsScaledByTheSampleRateOfTheRecord)
     EXPECT_THAT(Scripts()[2], HasSubstr("true, false, -21950,10,4800)"));
 }
 
+// Scaled first, then added, each rounded: any other way lands a sample beside.
+TEST_F(CaptureDelivery, PositionIsRoundedBehindTheProductAndBehindTheSum)
+{
+    Attach();
+    m_tElement.tDub.dPosition = 4209739;
+    PlayDelivery("-245.027\n");
+    Deliver();
+    ASSERT_EQ(Scripts().size(), 3u);
+    EXPECT_THAT(Scripts()[2], HasSubstr("true, false, -7551557,10,4800)"));
+}
+
+TEST_F(CaptureDelivery, AudioSuiteFlagGoesOnToEveryScript)
+{
+    Attach();
+    [m_pView setAudioSuite:true];
+    PlayDelivery();
+    Deliver();
+    Refresh();
+    ASSERT_EQ(Scripts().size(), 4u);
+    for (int n = 0; n < 3; ++n)
+        EXPECT_THAT(Scripts()[n], StartsWith("if SelectAudioSuiteDocument() then\n"));
+    EXPECT_THAT(Scripts()[3], StartsWith("if(SelectAudioSuiteDocument()) then\n"));
+}
+
+TEST_F(CaptureDelivery, ExceptionOfTheFileNameEndsTheDeliveryWithoutAnAcknowledge)
+{
+    Attach();
+    std::strcpy(m_tElement.szDubPath, "/a folder with a longer name than most/a file likewise.wav");
+    m_plugIn.SetValue(TNProperty_ElementInfo, m_tElement, 3);
+    bool fPassed = false;
+    {
+        // The last step before the file name is built.
+        TarvaneTests::ReplacedMethod chosen([NSPopUpButton class], @selector(indexOfSelectedItem),
+                                            [](id, SEL) -> NSInteger
+                                            {
+                                                TarvaneTests::g_fNewFails = true;
+                                                return 0;
+                                            });
+        testing::internal::CaptureStderr();
+        try
+        {
+            [m_pView TNProperty_Elements];
+        }
+        catch (const std::bad_alloc&)
+        {
+            fPassed = true;
+        }
+        TarvaneTests::g_fNewFails = false;
+        testing::internal::GetCapturedStderr();
+    }
+    EXPECT_TRUE(fPassed);
+    EXPECT_EQ(m_events.Commands().size(), 2u) << "nothing was sent";
+    EXPECT_EQ(CountOf("Set", TNProperty_ElementDone), 0);
+}
+
 TEST_F(CaptureDelivery, MenuAndNotTheStoredNumberChoosesTheTrack)
 {
     Attach();
@@ -254,6 +312,16 @@ TEST_F(CaptureDelivery, LogTellsTheElementToTheLetter)
                         "\tGuide: /takes/guide.wav - 1.000000 2.000000 3.000000 4.000000\n"
                         "\tDub: /takes/dub 1.wav - 100.000000 0.500000 10.000000 4800.000000\n"
                         "\tItentical: 1\n");
+}
+
+TEST_F(CaptureDelivery, LogHasDecimalPointsInEveryLocale)
+{
+    Attach();
+    TarvaneTests::DecimalComma locale;
+    PlayDelivery();
+    Deliver();
+    EXPECT_THAT(m_strLog, HasSubstr(" - 1.000000 2.000000 3.000000 4.000000\n"));
+    EXPECT_THAT(m_strLog, HasSubstr(" - 100.000000 0.500000 10.000000 4800.000000\n"));
 }
 
 TEST_F(CaptureDelivery, LogTellsOfADroppedElementToo)

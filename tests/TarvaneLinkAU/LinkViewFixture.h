@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <functional>
 #include <initializer_list>
 #include <string>
@@ -15,8 +16,30 @@
 #include "tests/support/ScriptedAppleEvents.h"
 #include "tests/support/ScriptedAudioUnit.h"
 
+// A call that a view has queued on the main thread.
+struct QueuedCall
+{
+    std::string strSelector;
+    id idObject;
+    bool fWaits;
+};
+
+// What a test does while a view works.
+struct ViewHooks
+{
+    std::function<void(const QueuedCall&)> beforeQueueing; // on the notifier's thread
+    std::function<void()> inUpdateCapture;
+    std::function<void()> inSetAU;
+};
+
 // The view with controls of its own, as a nib would fill it, and a look inside.
 @interface TestLinkView : TarvaneLink_CocoaView
+{
+  @public
+    void* m_pHooks;                     // ViewHooks, owned
+    std::atomic<int> m_nCountsOfOwners; // how often it was asked how many own it
+    bool m_fFlipped;
+}
 
 - (NSTextField*)errorLine;
 - (NSTextField*)adviceLine;
@@ -27,11 +50,18 @@
 - (CTarvaneScript*)script;
 - (std::int32_t)throttle;
 - (void)setThrottle:(std::int32_t)nTimeout;
+- (void)setAudioSuite:(bool)fAudioSuite;
+- (bool)progressInQueue;
+- (void)lockTransportPosition;
+// Whether the lock is free, on this thread too.
+- (bool)transportPositionIsFree;
 
 // Views that have not been deallocated.
 + (int)liveViews;
 
 @end
+
+ViewHooks& HooksOf(TestLinkView* pView);
 
 // Runs what is waiting in the main thread's queue at this moment.
 void RunQueuedCalls();

@@ -8,6 +8,8 @@ namespace
 std::atomic<int> g_nLiveViews{0};
 }
 
+ViewHooks& HooksOf(TestLinkView* pView) { return *static_cast<ViewHooks*>(pView->m_pHooks); }
+
 @implementation TestLinkView
 
 - (id)initWithFrame:(NSRect)rcFrame
@@ -16,6 +18,7 @@ std::atomic<int> g_nLiveViews{0};
     if (self == nil)
         return nil;
     ++g_nLiveViews;
+    m_pHooks = new ViewHooks;
     m_textError = [[NSTextField alloc] initWithFrame:NSMakeRect(10, 40, 200, 20)];
     m_textAdvice = [[NSTextField alloc] initWithFrame:NSMakeRect(10, 10, 200, 20)];
     m_switchCapture = [[TKToggleSwitch alloc] initWithFrame:NSMakeRect(10, 70, 30, 20)];
@@ -35,7 +38,43 @@ std::atomic<int> g_nLiveViews{0};
 - (void)dealloc
 {
     --g_nLiveViews;
+    const ViewHooks* pHooks = &HooksOf(self);
     [super dealloc];
+    delete pHooks;
+}
+
+- (NSUInteger)retainCount
+{
+    ++m_nCountsOfOwners;
+    return [super retainCount];
+}
+
+- (BOOL)isFlipped
+{
+    return m_fFlipped;
+}
+
+- (void)setAU:(AudioUnit)pUnit
+{
+    if (HooksOf(self).inSetAU)
+        HooksOf(self).inSetAU();
+    [super setAU:pUnit];
+}
+
+- (void)performSelectorOnMainThread:(SEL)selCall
+                         withObject:(id)idObject
+                      waitUntilDone:(BOOL)fWaits
+{
+    if (HooksOf(self).beforeQueueing)
+        HooksOf(self).beforeQueueing({Utf8(NSStringFromSelector(selCall)), idObject, fWaits == YES});
+    [super performSelectorOnMainThread:selCall withObject:idObject waitUntilDone:fWaits];
+}
+
+- (void)UpdateCapture:(double)dSeconds
+{
+    if (HooksOf(self).inUpdateCapture)
+        HooksOf(self).inUpdateCapture();
+    [super UpdateCapture:dSeconds];
 }
 
 - (NSTextField*)errorLine
@@ -81,6 +120,29 @@ std::atomic<int> g_nLiveViews{0};
 - (void)setThrottle:(std::int32_t)nTimeout
 {
     m_nPositionUpdateTimeout = nTimeout;
+}
+
+- (void)setAudioSuite:(bool)fAudioSuite
+{
+    m_fAudioSuite = fAudioSuite;
+}
+
+- (bool)progressInQueue
+{
+    return m_fTransportPositionInQueue;
+}
+
+- (void)lockTransportPosition
+{
+    pthread_mutex_lock(&m_mutexTransportPosition);
+}
+
+- (bool)transportPositionIsFree
+{
+    if (pthread_mutex_trylock(&m_mutexTransportPosition) != 0)
+        return false;
+    pthread_mutex_unlock(&m_mutexTransportPosition);
+    return true;
 }
 
 + (int)liveViews

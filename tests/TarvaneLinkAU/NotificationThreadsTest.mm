@@ -200,4 +200,125 @@ TEST_F(NotificationThreads, ViewsAreGivenUpWhileNotificationsComeIn)
         ASSERT_EQ(m_plugIn.ListenerCount(), 0u);
     }
 }
+
+// What follows is of plug-ins whose removal of a listener does not wait for calls under way.
+
+TEST_F(NotificationThreads, LateCallsOfAPlugInThatDoesNotWaitTouchNothing)
+{
+    m_plugIn.RemoveWithoutWaiting();
+    [m_pView release];
+    m_pView = nil;
+    m_plugIn.SetValue<std::int32_t>(TNProperty_NextElement, -1);
+    for (int nRound = 0; nRound < 30; ++nRound)
+    {
+        NSAutoreleasePool* pPool = [[NSAutoreleasePool alloc] init];
+        TestLinkView* pView = [[TestLinkView alloc] initWithFrame:NSMakeRect(0, 0, 300, 100)];
+        [pView setAU:m_plugIn.Unit()];
+        std::atomic<bool> fGone{false};
+        std::vector<std::thread> threads;
+        for (AudioUnitPropertyID nProperty : {TNProperty_Elements, TNProperty_ArmCapture,
+                                              kTNProperty_CurrentCaptureLength})
+        {
+            threads.emplace_back(
+                [&, nProperty]
+                {
+                    for (int n = 0; n < 10; ++n)
+                        m_plugIn.Raise(nProperty);
+                    // One that still has the address when the view has long gone.
+                    for (int n = 0; n < 10; n += fGone)
+                        ViewEventListener(pView, m_plugIn.Unit(),
+                                          kTNProperty_CurrentCaptureLength, 0, 0);
+                });
+        }
+        if (nRound % 2 == 0)
+            RunQueuedCalls();
+        [pView release];
+        // What was queued owns the view until it has run.
+        while ([TestLinkView liveViews] > 0)
+            RunQueuedCalls();
+        fGone = true;
+        for (std::thread& thread : threads)
+            thread.join();
+        [pPool drain];
+        ASSERT_EQ(m_plugIn.ListenerCount(), 0u);
+    }
+    RunQueuedCalls();
+    EXPECT_EQ([TestLinkView liveViews], 0);
+}
+
+TEST_F(NotificationThreads, AnotherPlugInComesWhileTheFirstGoesOnCalling)
+{
+    m_plugIn.RemoveWithoutWaiting();
+    Attach();
+    {
+        std::atomic<bool> fStop{false};
+        std::vector<std::thread> threads;
+        for (int n = 0; n < 3; ++n)
+        {
+            threads.emplace_back(
+                [&]
+                {
+                    while (!fStop)
+                        ViewEventListener(m_pView, m_plugIn.Unit(),
+                                          kTNProperty_CurrentCaptureLength, 0, 0);
+                });
+        }
+        for (int n = 0; n < 50; ++n)
+        {
+            PlayTracks({"Vox"}, 2);
+            [m_pView setAU:m_plugIn.Unit(1 + n % 2)];
+            RunQueuedCalls();
+        }
+        fStop = true;
+        for (std::thread& thread : threads)
+            thread.join();
+    }
+    RunQueuedCalls();
+    EXPECT_TRUE([m_pView transportPositionIsFree]);
+    EXPECT_GE(ProgressReads(), 1);
+}
+
+// The last owner lets go while a notifier is inside and has not queued its call yet. The call owns
+// the view from then on, and what is raised behind it arrives too.
+TEST_F(NotificationThreads, NothingIsLostWhenTheLastOwnerLetsGoBeforeACallIsQueued)
+{
+    Attach();
+    m_plugIn.SetValue<std::int32_t>(TNProperty_NextElement, 7);
+    TestLinkView* pView = m_pView;
+    m_pView = nil;
+    std::latch inside(1);
+    int nCountsBefore = 0;
+    HooksOf(pView).beforeQueueing = [&, pView](const QueuedCall&)
+    {
+        if (pView->m_nCountsOfOwners != nCountsBefore)
+            return; // the later ones
+        inside.count_down();
+        // Until the owner has found that it is the last.
+        while (pView->m_nCountsOfOwners == nCountsBefore)
+            std::this_thread::yield();
+        for (int n = 0; n < 100; ++n)
+            std::this_thread::yield();
+    };
+    nCountsBefore = pView->m_nCountsOfOwners;
+    std::thread notifier([&] { m_plugIn.Raise(TNProperty_Elements); });
+    inside.wait();
+    [pView release];
+    notifier.join();
+    ASSERT_EQ([TestLinkView liveViews], 1) << "the queued call owns the view";
+
+    std::thread(
+        [&]
+        {
+            m_plugIn.Raise(TNProperty_Elements);
+            m_plugIn.Raise(TNProperty_Elements);
+            m_plugIn.Raise(kTNProperty_CurrentCaptureLength);
+        })
+        .join();
+    testing::internal::CaptureStderr();
+    RunQueuedCalls();
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(CountOf("Set", TNProperty_ElementDone), 3) << "an acknowledge for each";
+    EXPECT_EQ(ProgressReads(), 1);
+    EXPECT_EQ([TestLinkView liveViews], 0);
+}
 } // namespace

@@ -1,4 +1,5 @@
 #import "tests/TarvaneLinkAU/LinkViewFixture.h"
+#include "tests/support/DecimalComma.h"
 
 #include <limits>
 
@@ -173,6 +174,56 @@ TEST_F(LinkView, SecondSetAUMovesTheListenersOver)
     EXPECT_EQ(records[6].m_pUnit, m_plugIn.Unit(2));
     EXPECT_NE(records[0].m_pListener, records[5].m_pListener);
     EXPECT_EQ(m_plugIn.ListenerCount(), 4u);
+}
+
+TEST_F(LinkView, SetAUTakesNothingBackWithoutAPlugIn)
+{
+    [m_pView addListeners];
+    m_plugIn.ForgetRecords();
+    [m_pView setAU:m_plugIn.Unit()];
+    EXPECT_EQ(m_plugIn.Lines().front(), "CreateListener(default mode, 0.1 s)");
+    for (AudioUnitPropertyID nProperty : {64000u, 64004u, 64006u, 64010u})
+        AudioUnitRemovePropertyListenerWithUserData(nullptr, nProperty, ViewEventListener, m_pView);
+}
+
+TEST_F(LinkView, RemoveListenersWithoutAPlugInDoesNothing)
+{
+    [m_pView removeListeners];
+    EXPECT_THAT(m_plugIn.Lines(), IsEmpty());
+}
+
+TEST_F(LinkView, SetAUInitialisesTheMutexEachTime)
+{
+    for (int nPlugIn : {1, 2})
+    {
+        [m_pView lockTransportPosition];
+        ASSERT_FALSE([m_pView transportPositionIsFree]);
+        [m_pView setAU:m_plugIn.Unit(nPlugIn)];
+        EXPECT_TRUE([m_pView transportPositionIsFree]) << nPlugIn;
+    }
+}
+
+TEST_F(LinkView, SecondSetAUEndsTheAudioSuiteForm)
+{
+    Attach();
+    [m_pView setAudioSuite:true];
+    [m_pView setAU:m_plugIn.Unit(2)];
+    ASSERT_EQ(m_events.Scripts().size(), 4u);
+    EXPECT_THAT(m_events.Scripts()[2], testing::StartsWith("if(SelectScriptDocument()) then\n"));
+    EXPECT_THAT(m_events.Scripts()[3], testing::StartsWith("if(SelectScriptDocument()) then\n"));
+}
+
+TEST_F(LinkView, MenuGetsItsDelegateBehindTheFills)
+{
+    int nFills = 0;
+    m_events.m_whileSending = [&]
+    {
+        ++nFills;
+        EXPECT_EQ([[[m_pView trackButton] menu] delegate], nil);
+    };
+    Attach();
+    EXPECT_EQ(nFills, 2);
+    EXPECT_EQ([[[m_pView trackButton] menu] delegate], m_pView);
 }
 
 TEST_F(LinkView, SecondSetAUStartsTheThrottleAfresh)
@@ -356,7 +407,62 @@ TEST_F(LinkView, MenuAndSwitchForgetTheViewWhenItGoes)
     [pSwitch release];
 }
 
+TEST_F(LinkView, WhatOthersHaveSetStaysTheirs)
+{
+    Attach();
+    NSPopUpButton* pButton = [[m_pView trackButton] retain];
+    TKToggleSwitch* pSwitch = [[m_pView captureSwitch] retain];
+    TestLinkView* pOther = [[TestLinkView alloc] initWithFrame:NSZeroRect];
+    [[pButton menu] setDelegate:pOther];
+    [pButton setTarget:pOther];
+    [pSwitch SetDelegate:pOther];
+    [m_pView release];
+    m_pView = nil;
+    EXPECT_EQ([[pButton menu] delegate], pOther);
+    EXPECT_EQ([pButton target], pOther);
+    EXPECT_EQ([pSwitch Delegate], pOther);
+    [[pButton menu] setDelegate:nil];
+    [pButton release];
+    [pSwitch release];
+    [pOther release];
+}
+
+TEST_F(LinkView, CallsThatComeWhenTheViewIsGoneAreDropped)
+{
+    Attach();
+    TarvaneLink_CocoaView* pGone = m_pView;
+    [m_pView release];
+    m_pView = nil;
+    ASSERT_EQ([TestLinkView liveViews], 0);
+    m_plugIn.ForgetRecords();
+    for (AudioUnitPropertyID nProperty : {64000u, 64004u, 64006u, 64010u, 64001u})
+        ViewEventListener(pGone, m_plugIn.Unit(), nProperty, 0, 0);
+    RunQueuedCalls();
+    EXPECT_THAT(m_plugIn.Lines(), IsEmpty());
+}
+
 #pragma mark Notifications
+
+TEST_F(LinkView, DispatchPassesTheViewAndNeitherWaitsNorHoldsTheLock)
+{
+    Attach();
+    std::vector<std::string> selectors;
+    HooksOf(m_pView).beforeQueueing = [&](const QueuedCall& call)
+    {
+        selectors.push_back(call.strSelector);
+        EXPECT_EQ(call.idObject, m_pView) << call.strSelector;
+        EXPECT_FALSE(call.fWaits) << call.strSelector;
+        EXPECT_TRUE([m_pView transportPositionIsFree]) << call.strSelector;
+    };
+    m_plugIn.SetValue<std::int32_t>(TNProperty_NextElement, -1);
+    Raise(TNProperty_Elements);
+    Raise(TNProperty_ArmCapture);
+    Raise(kTNProperty_CurrentCaptureLength);
+    EXPECT_THAT(selectors, ElementsAre("TNProperty_Elements", "TNProperty_ArmCapture",
+                                       "kTNProperty_CurrentCaptureLength"));
+    RunQueuedCalls();
+    HooksOf(m_pView).beforeQueueing = nullptr;
+}
 
 TEST_F(LinkView, EachNotificationOf64004QueuesItsOwnCall)
 {
@@ -424,6 +530,38 @@ TEST_F(LinkView, OneProgressNotificationIn21GetsThrough)
             passed.push_back(n);
     }
     EXPECT_THAT(passed, ElementsAre(0, 21, 42, 63));
+}
+
+TEST_F(LinkView, ThrottleOf20HoldsBeforeThereIsAPlugIn)
+{
+    std::vector<int> passed;
+    for (int n = 0; n < 43; ++n)
+    {
+        const int nBefore = ProgressReads();
+        [m_pView PropertyChanged:kTNProperty_CurrentCaptureLength Element:0];
+        RunQueuedCalls();
+        if (ProgressReads() > nBefore)
+            passed.push_back(n);
+    }
+    EXPECT_THAT(passed, ElementsAre(0, 21, 42));
+}
+
+TEST_F(LinkView, UpdateIsInTheQueueUntilItHasBeenShown)
+{
+    Attach();
+    int nShown = 0;
+    HooksOf(m_pView).inUpdateCapture = [&]
+    {
+        ++nShown;
+        EXPECT_TRUE([m_pView progressInQueue]);
+        EXPECT_TRUE([m_pView transportPositionIsFree]);
+    };
+    Raise(kTNProperty_CurrentCaptureLength);
+    EXPECT_TRUE([m_pView progressInQueue]);
+    RunQueuedCalls();
+    EXPECT_EQ(nShown, 1);
+    EXPECT_FALSE([m_pView progressInQueue]);
+    HooksOf(m_pView).inUpdateCapture = nullptr;
 }
 
 TEST_F(LinkView, ProgressIsReadInEightBytes)
@@ -532,6 +670,32 @@ TEST_F(LinkView, ProgressIsShownInGreyWhileArmed)
     EXPECT_EQ(ErrorLine(), "Capturing Audio: 12.3 sec");
     EXPECT_EQ(AdviceLine(), "");
     EXPECT_TRUE([[[m_pView errorLine] textColor] isEqual:Colour(0.8, 0.8, 0.8)]);
+}
+
+TEST_F(LinkView, ProgressHasADecimalPointInEveryLocale)
+{
+    Attach();
+    Arm();
+    for (const char* szLocale : {"de_DE.UTF-8", "tr_TR.UTF-8"})
+    {
+        TarvaneTests::DecimalComma locale(szLocale);
+        [m_pView UpdateCapture:12345.67];
+        EXPECT_EQ(ErrorLine(), "Capturing Audio: 12345.7 sec");
+    }
+}
+
+TEST_F(LinkView, ProgressIsAsLongAsItsNumber)
+{
+    Attach();
+    Arm();
+    [m_pView UpdateCapture:-std::numeric_limits<double>::max()];
+    EXPECT_EQ(ErrorLine().size(), std::string("Capturing Audio: - sec").size() + 309 + 2);
+    [m_pView UpdateCapture:std::numeric_limits<double>::infinity()];
+    EXPECT_EQ(ErrorLine(), "Capturing Audio: inf sec");
+    [m_pView UpdateCapture:std::numeric_limits<double>::quiet_NaN()];
+    EXPECT_EQ(ErrorLine(), "Capturing Audio: nan sec");
+    [m_pView UpdateCapture:0.25];
+    EXPECT_EQ(ErrorLine(), "Capturing Audio: 0.2 sec") << "to the nearest, and then to the even one";
 }
 
 TEST_F(LinkView, ProgressIsNotShownWhileTheSwitchIsOff)

@@ -1,4 +1,5 @@
 #import "tests/TarvaneLinkAU/LinkViewFixture.h"
+#include "tests/support/ReplacedMethod.h"
 
 #include <limits>
 
@@ -96,6 +97,24 @@ TEST_F(TrackMenu, EmptyListGivesAnEmptyMenu)
     Fill({});
     EXPECT_EQ([Button() numberOfItems], 0);
     EXPECT_EQ([Button() indexOfSelectedItem], -1);
+}
+
+TEST_F(TrackMenu, EmptyListSelectsNothingWhateverIsStored)
+{
+    Attach();
+    static std::vector<NSInteger> selected;
+    selected.clear();
+    TarvaneTests::ReplacedMethod select([NSPopUpButton class], @selector(selectItemAtIndex:),
+                                        [](id, SEL, NSInteger nItem) { selected.push_back(nItem); });
+    for (std::int32_t nTrack : {0, 5, -1})
+    {
+        Store(nTrack);
+        Fill({});
+    }
+    EXPECT_THAT(selected, IsEmpty());
+    Store(5);
+    Fill({"Vox", "Bass"});
+    EXPECT_THAT(selected, ElementsAre(1));
 }
 
 TEST_F(TrackMenu, FailedListGivesAnEmptyMenuAndNoMessageByItself)

@@ -3,6 +3,7 @@
 #include "colours/ComponentsColors.h"
 #import "controls/GraphicUtils.h"
 #include "tests/support/RecordingCoreGraphics.h"
+#include "tests/support/ReplacedMethod.h"
 
 using testing::ElementsAre;
 
@@ -28,6 +29,7 @@ static std::string Codes(CComponentCode face, CComponentCode border)
 
 - (void)SetDelegate:(id)idDelegate
 {
+    [super SetDelegate:idDelegate];
     m_calls.push_back(idDelegate == nil ? "SetDelegate nil" : "SetDelegate");
 }
 
@@ -110,6 +112,23 @@ TEST_F(ViewAppearance, BackgroundIsThePaletteEntryFromLeftToRight)
               Flipped:false];
     EXPECT_FALSE(drawn.empty());
     EXPECT_EQ(drawn, TarvaneTests::GraphicsCalls());
+}
+
+TEST_F(ViewAppearance, BackgroundIsFlippedWhenTheViewIs)
+{
+    static std::vector<bool> flipped;
+    flipped.clear();
+    TarvaneTests::ReplacedMethod fill(
+        object_getClass([GraphicUtils class]),
+        @selector(FillRect:Color:Background:Rect:FillDirection:Flipped:),
+        [](id, SEL, CGContextRef, CComponentCode, CComponentCode, CGRect, FillDirection,
+           bool fFlipped) { flipped.push_back(fFlipped); });
+    for (bool fFlipped : {true, false})
+    {
+        m_pView->m_fFlipped = fFlipped;
+        [m_pView drawRect:NSZeroRect];
+    }
+    EXPECT_THAT(flipped, ElementsAre(true, false));
 }
 
 TEST_F(ViewAppearance, PartThatIsAskedForIsIgnored)

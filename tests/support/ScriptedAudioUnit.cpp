@@ -72,7 +72,13 @@ void ScriptedAudioUnit::ClearValue(AudioUnitPropertyID nProperty, AudioUnitEleme
 void ScriptedAudioUnit::Raise(AudioUnitPropertyID nProperty, AudioUnitElement nElement, int nUnit)
 {
     std::shared_lock lock(m_listenersMutex);
-    for (const Listener& listener : m_listeners)
+    std::vector<Listener> seen;
+    if (m_fRemovesWithoutWaiting)
+    {
+        seen = m_listeners;
+        lock.unlock();
+    }
+    for (const Listener& listener : m_fRemovesWithoutWaiting ? seen : m_listeners)
     {
         if (listener.m_pUnit == Unit(nUnit) && listener.m_nProperty == nProperty)
             listener.m_pProc(listener.m_pUserData, listener.m_pUnit, nProperty,

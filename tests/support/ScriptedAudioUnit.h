@@ -20,8 +20,8 @@ namespace TarvaneTests
 /// failures the test writes down, and a record of what it was asked, in order and to the byte.
 ///
 /// One object at a time; while it lives it is the framework. Every operation may be called on any
-/// thread. Removing a listener returns only when no call of it is under way, as the view is
-/// promised.
+/// thread. Removing a listener returns only when no call of it is under way, unless a test asks for
+/// a plug-in that does not wait.
 ///
 ///     ScriptedAudioUnit plugIn;
 ///     plugIn.SetValue<std::int32_t>(TNProperty_NextElement, 3);
@@ -80,6 +80,10 @@ public:
     /// What every Set answers from now on.
     void FailSet(OSStatus nStatus) { m_nSetStatus = nStatus; }
 
+    /// From now on a listener is removed at once: whoever raises a property at that moment goes on
+    /// to call it, for as long as it takes to get through the list.
+    void RemoveWithoutWaiting() { m_fRemovesWithoutWaiting = true; }
+
     /// Called behind each record, on the thread of the call.
     std::function<void(const Record&)> m_onCall;
 
@@ -131,6 +135,7 @@ private:
     OSStatus m_nDisposeStatus = 0;
     OSStatus m_nSetStatus = 0;
     int m_nListenersMade = 0;
+    bool m_fRemovesWithoutWaiting = false;
 };
 
 } // namespace TarvaneTests

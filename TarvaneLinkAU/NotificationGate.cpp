@@ -1,0 +1,24 @@
+#include "TarvaneLinkAU/NotificationGate.h"
+
+constinit CNotificationGate CNotificationGate::s_gates[kStaticGates];
+
+CNotificationGate& CNotificationGate::OpenFor(const void* pView)
+{
+    CNotificationGate* pGate = &FirstFor(pView);
+    for (const void* pNobody = nullptr; !pGate->m_pView.compare_exchange_strong(pNobody, pView);
+         pNobody = nullptr)
+    {
+        CNotificationGate* pNext = pGate->m_pNext.load();
+        if (pNext == nullptr)
+        {
+            auto* pMore = new CNotificationGate;
+            if (pGate->m_pNext.compare_exchange_strong(pNext, pMore))
+                pNext = pMore;
+            else
+                delete pMore;
+        }
+        pGate = pNext;
+    }
+    pGate->m_nState.fetch_and(~(kClosed | kPaused));
+    return *pGate;
+}
