@@ -27,6 +27,8 @@ function(tarvane_add_library target alias)
   add_library(${target} STATIC ${arg_SOURCES})
   add_library(TarvaneLink::${alias} ALIAS ${target})
   tarvane_target_defaults(${target})
+  # Products and sums are rounded one by one on every processor: positions of takes follow from them.
+  target_compile_options(${target} PRIVATE -ffp-contract=off)
   target_link_libraries(${target} PUBLIC ${arg_LINK})
 endfunction()
 
