@@ -6,7 +6,6 @@
 // are.
 #pragma once
 
-#include "Graphics/TGLFileIdType.h"
 #include "colours/ComponentColour.h"
 #import "controls/GraphicUtils.h"
 

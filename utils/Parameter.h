@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Graphics/TGLFileIdType.h"
+#include "utils/TGLFileIdType.h"
 #include "utils/ByteString.h"
 
 #include <map>
