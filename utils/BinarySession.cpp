@@ -49,7 +49,8 @@ CParameterBlock::SessionNames AssignTokens(std::map<std::string, int>& map)
 }
 
 /// A save goes over the tree twice: first it counts the names and the bytes that do not depend on
-/// them, then it hands out the tokens and writes.
+/// them, then it hands out the tokens and writes. Where a class derived outside takes part, its own
+/// GetSize and Save have the word, once the tokens are set.
 class CSessionWriter
 {
 public:
@@ -76,13 +77,17 @@ public:
         return m_names;
     }
 
-    unsigned long GetSizeOfBody() const { return m_nSize; }
+    /// Whether SetTokensAndSave writes what Save would.
+    bool WritesAll() const { return m_fOwnClassesAlone; }
 
     void SetTokens()
     {
         SetToken(m_root);
         WalkParameters(m_root, [this](CParameter& parameter) { SetToken(parameter); });
     }
+
+    /// What SetTokensAndSave will write.
+    unsigned long GetSizeOfBody() const { return m_nSize; }
 
     unsigned char* SetTokensAndSave(unsigned char* pDest)
     {
@@ -101,7 +106,9 @@ public:
 private:
     void CountRecord(const CParameter& parameter)
     {
-        m_nSize += GetSizeOfRecordPayload(parameter);
+        const unsigned long nPayload = GetSizeOfRecordPayload(parameter);
+        m_fOwnClassesAlone &= nPayload != 0;
+        m_nSize += nPayload;
         const CByteString& strName = parameter.m_strName;
         if (strName.empty())
             m_nSize += GetSizeOfToken(0);
@@ -121,6 +128,7 @@ private:
     CNameIndex m_index;
     CParameterBlock::SessionNames m_names;
     unsigned long m_nSize = 0;
+    bool m_fOwnClassesAlone = true;
 };
 } // namespace
 
@@ -219,18 +227,24 @@ unsigned long CParameterBlock::SaveBinarySessionToMemory(__CFData* pData)
     if (!writer.HasNames())
         return 0;
     const SessionNames& names = writer.OrderNames();
+    if (!writer.WritesAll())
+        writer.SetTokens();
     const unsigned long nHeader = GetSizeOfHeader(&names);
-    const unsigned long nSize = nHeader + writer.GetSizeOfBody();
-    CFDataSetLength(pData, static_cast<CFIndex>(nSize + kSpareBytes));
+    const unsigned long nBody = writer.WritesAll() ? writer.GetSizeOfBody() : GetSize();
+    CFDataSetLength(pData, static_cast<CFIndex>(nHeader + nBody + kSpareBytes));
     unsigned char* pDest = CFDataGetMutableBytePtr(pData);
     if (!pDest)
     {
         writer.SetTokens();
         return 0;
     }
+    // A data object that was longer before has its old bytes there.
+    std::memset(pDest + nHeader + nBody, 0, kSpareBytes);
     SaveHeader(nHeader, &names, pDest);
+    if (!writer.WritesAll())
+        return nHeader + Save(nBody, pDest + nHeader);
     writer.SetTokensAndSave(pDest + nHeader);
-    return nSize;
+    return nHeader + nBody;
 }
 
 int CParameterBlock::SaveBinarySession(CFileName* pFile)

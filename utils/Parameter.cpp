@@ -2,8 +2,20 @@
 
 #include "utils/Assertion.h"
 #include "utils/ParameterFormat.h"
+#include "utils/ParameterSlabs.h"
 
 using namespace ParameterFormat;
+
+void CParameter::operator delete(CParameter* pParameter, std::destroying_delete_t)
+{
+    const bool fInSlab = pParameter->IsInSlab();
+    void* pMemory = dynamic_cast<void*>(pParameter); // A class outside may have other bases, too.
+    pParameter->~CParameter();
+    if (fInSlab)
+        CParameterSlabs::GiveBack(pMemory);
+    else
+        ::operator delete(pMemory);
+}
 
 unsigned long CParameter::GetSizeOfName() const
 {

@@ -1,9 +1,10 @@
 #pragma once
 
-#include "utils/TGLFileIdType.h"
 #include "utils/ByteString.h"
+#include "utils/TGLFileIdType.h"
 
 #include <map>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,9 @@ public:
     CParameter(const CParameter&) = delete;
 
     virtual ~CParameter() = default;
+
+    /// For delete as anywhere: what a load or a copy has made may lie in memory that it shares.
+    static void operator delete(CParameter* pParameter, std::destroying_delete_t);
 
     /// The bytes of name field and payload, which Save writes. The type tag is not among them: it
     /// belongs to the block that holds the parameter.
@@ -75,6 +79,12 @@ protected:
     /// Tags 1 to 9 belong to the classes declared here and in ParameterBlock.h.
     explicit CParameter(int nType) : m_nType(nType) {}
     CParameter(int nType, const char* pName) : m_nType(nType), m_strName(pName) {}
+
+private:
+    friend class CParameterPool;
+
+    void MarkAsInSlab() { m_strName.SetOwnersBit(); }
+    bool IsInSlab() const { return m_strName.GetOwnersBit(); }
 };
 
 /// What the value classes share. Each is built empty, from a name and a value (a null name is the

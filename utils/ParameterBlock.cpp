@@ -26,7 +26,7 @@ void DeleteValues(CParameterList& entries) noexcept
         else
             delete pEntry;
     }
-    entries.truncate(nBlocks);
+    entries.resize(nBlocks);
     std::reverse(entries.begin(), entries.end());
 }
 
@@ -110,12 +110,13 @@ void Append(CParameterList& parameters, std::unique_ptr<CParameter> pNew)
 } // namespace
 
 CParameterBlock::CParameterBlock(const char* pName, const CParameterBlock* pSource)
-    : CParameter(kType, pName)
+    : CParameterBlock()
 {
+    m_strName = pName;
     CopyParameters(pSource);
 }
 
-CParameterBlock::CParameterBlock(const CParameter* pSource) : CParameter(kType)
+CParameterBlock::CParameterBlock(const CParameter* pSource) : CParameterBlock()
 {
     if (!pSource)
         return;

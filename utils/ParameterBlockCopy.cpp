@@ -13,10 +13,10 @@ CParameter* CopyValue(CParameterPool& pool, const CParameter& source)
 {
     const auto copy = [&pool]<class Parameter>(const Parameter& value) -> CParameter*
     {
-        auto* pCopy = pool.Make<Parameter>();
+        std::unique_ptr<Parameter> pCopy(pool.Make<Parameter>());
         pCopy->m_strName = value.m_strName;
         ValueOf(*pCopy) = ValueOf(value);
-        return pCopy;
+        return pCopy.release();
     };
     return VisitValue(source, static_cast<CParameter*>(nullptr), copy);
 }
@@ -24,10 +24,10 @@ CParameter* CopyValue(CParameterPool& pool, const CParameter& source)
 /// Name and token alone; what it holds follows.
 CParameterBlock* CopyEmptyBlock(CParameterPool& pool, const CParameter& source)
 {
-    auto* pCopy = pool.Make<CParameterBlock>();
+    std::unique_ptr<CParameterBlock> pCopy(pool.Make<CParameterBlock>());
     pCopy->m_strName = source.m_strName;
     pCopy->m_nToken = source.m_nToken;
-    return pCopy;
+    return pCopy.release();
 }
 
 /// Null for what cannot be copied: a null entry or a tag of nobody's.
@@ -102,10 +102,11 @@ private:
 
 void CParameterBlock::CopyParameters(const CParameterBlock* pSource)
 {
-    // The old contents go last, for the source may be among them. A block copied onto itself finds
-    // nothing to copy.
+    // The old contents go last, for the source may be among them; the list keeps its capacity. A
+    // block copied onto itself finds nothing to copy.
     CParameterBlock old;
-    old.m_vParameters.swap(m_vParameters);
+    old.m_vParameters = m_vParameters;
+    m_vParameters.clear();
     if (!pSource)
         return;
 

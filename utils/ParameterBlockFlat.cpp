@@ -2,6 +2,8 @@
 #include "utils/ParameterBlockLoader.h"
 #include "utils/ParameterRecord.h"
 
+#include <memory>
+
 using namespace ParameterFormat;
 
 namespace
@@ -11,7 +13,11 @@ unsigned long GetSizeOfContents(const CParameterBlock& block)
 {
     unsigned long nSize = kSizeOfCount;
     WalkParameters(block,
-                   [&nSize](const CParameter& parameter) { nSize += GetSizeOfRecord(parameter); });
+                   [&nSize](const CParameter& parameter)
+                   {
+                       nSize += GetSizeOfRecord(parameter);
+                       return IsOwnBlock(parameter);
+                   });
     return nSize;
 }
 
@@ -19,7 +25,11 @@ unsigned long SaveContents(unsigned char* pDest, const CParameterBlock& block)
 {
     unsigned char* pNext = pDest + SaveCount(pDest, block);
     WalkParameters(block,
-                   [&pNext](const CParameter& parameter) { pNext = SaveRecord(pNext, parameter); });
+                   [&pNext](const CParameter& parameter)
+                   {
+                       pNext = SaveRecord(pNext, parameter);
+                       return IsOwnBlock(parameter);
+                   });
     return static_cast<unsigned long>(pNext - pDest);
 }
 } // namespace
@@ -37,10 +47,24 @@ unsigned long CParameterBlock::Save(unsigned long, unsigned char* pDest) const
 
 unsigned char* CParameterBlock::CreateBlock(unsigned long* pSize) const
 {
-    *pSize = GetSizeOfContents(*this);
-    auto* pBuffer = new unsigned char[*pSize];
-    SaveContents(pBuffer, *this);
-    return pBuffer;
+    const unsigned long nSize = GetSizeOfContents(*this);
+    std::unique_ptr<unsigned char[]> pBuffer(new unsigned char[nSize]);
+    unsigned char* pNext = pBuffer.get() + SaveCount(pBuffer.get(), *this);
+    for (const CParameter* pEntry : m_vParameters)
+    {
+        if (!pEntry)
+            continue;
+        if (unsigned char* pEnd = SaveOwnRecord(pNext, *pEntry))
+        {
+            pNext = pEnd;
+            continue;
+        }
+        pNext += Write(pNext, static_cast<std::uint32_t>(pEntry->m_nType));
+        // Here, unlike in Save, what Save returns moves on.
+        pNext += pEntry->Save(static_cast<unsigned long>(pBuffer.get() + nSize - pNext), pNext);
+    }
+    *pSize = nSize;
+    return pBuffer.release();
 }
 
 long CParameterBlock::Load(std::vector<std::string>* pNames, unsigned long nSize,

@@ -3,6 +3,7 @@
 #include "utils/ParameterFormat.h"
 #include "utils/ParameterPool.h"
 
+#include <algorithm>
 #include <memory>
 
 using namespace ParameterFormat;
@@ -63,22 +64,24 @@ public:
         if (m_nSize < kSizeOfCount)
             return 0;
         const std::uint32_t nCount = LoadCount();
+        if (nCount == 0)
+            return static_cast<long>(kSizeOfCount);
+        // Every entry takes its tag at the least.
+        m_root.m_vParameters.reserve(std::min<unsigned long>(nCount, m_nRemaining / kSizeOfTag));
         m_levels.push_back({&m_root, 0, nCount, m_nRemaining});
         while (m_levels.size() > 1 || m_levels.back().nToRead > 0)
         {
             const bool fFinished = m_levels.back().nToRead == 0;
-            if (fFinished ? FinishBlock() : LoadEntry())
-                continue;
-            FinishRoot(m_levels.size() > 1 ? m_levels[1].nFirstEntry : m_entries.size());
-            return kFailed;
+            if (!(fFinished ? FinishBlock() : LoadEntry()))
+                return kFailed;
         }
-        FinishRoot(m_entries.size());
         return static_cast<long>(m_nSize - m_nRemaining);
     }
 
 private:
-    /// A block whose entries are being read. Finished entries wait in m_entries, so that each list
-    /// is made once, in its right size.
+    /// A block whose entries are being read. The root gets each as it is read: a progress sink may
+    /// look, and what is there stays after any failure. All others wait in m_entries, so that each
+    /// list is made once, in its right size.
     struct Level
     {
         CParameterBlock* pBlock;
@@ -117,9 +120,18 @@ private:
             return LoadValue<CSInt64Parameter>();
         default:
             // Nobody knows how long an unknown record is: the next tag is read from right here.
-            m_entries.push_back(nullptr);
+            Append(nullptr);
             return true;
         }
+    }
+
+    void Append(std::unique_ptr<CParameter> pEntry)
+    {
+        if (m_levels.size() == 1)
+            m_root.m_vParameters.push_back(pEntry.get());
+        else
+            m_entries.push_back(pEntry.get());
+        pEntry.release();
     }
 
     template <class Parameter> bool LoadValue()
@@ -131,16 +143,16 @@ private:
         if (IsFailure(nName + nPayload))
             return false;
         Advance(nName + nPayload);
-        m_entries.push_back(pValue.get());
-        pValue.release();
+        Append(std::move(pValue));
         return true;
     }
 
     void BeginBlock()
     {
         std::unique_ptr<CParameterBlock> pBlock(m_pool.Make<CParameterBlock>());
-        pBlock->m_pProgress = m_root.m_pProgress;
-        pBlock->m_nProgressTotal = m_root.m_nProgressTotal;
+        const CParameterBlock& parent = *m_levels.back().pBlock;
+        pBlock->m_pProgress = parent.m_pProgress;
+        pBlock->m_nProgressTotal = parent.m_nProgressTotal;
         const std::uint32_t nRemainingBefore = m_nRemaining;
         Advance(m_names.Load(*pBlock, m_nRemaining, m_pNext));
         const std::uint32_t nCount = m_nRemaining < kSizeOfCount ? 0 : LoadCount();
@@ -156,26 +168,24 @@ private:
         const Level level = m_levels.back();
         if (IsFailure(level.nRemainingBefore - m_nRemaining))
             return false;
-        MoveEntries(level.nFirstEntry, m_entries.size(), *level.pBlock);
-        if (m_root.m_pProgress && m_root.m_nProgressTotal != 0 &&
-            m_root.m_pProgress->Update(m_root.m_nProgressTotal - m_nRemaining))
+        MoveEntries(level.nFirstEntry, *level.pBlock);
+        const CParameterBlock& parent = *m_levels[m_levels.size() - 2].pBlock;
+        if (parent.m_pProgress && parent.m_nProgressTotal != 0 &&
+            parent.m_pProgress->Update(parent.m_nProgressTotal - m_nRemaining))
             return false;
-        m_entries.push_back(level.pBlock);
         m_levels.pop_back();
+        Append(std::unique_ptr<CParameter>(level.pBlock));
         return true;
     }
 
-    /// Hands the root its entries; all others belong to blocks that were not finished.
-    void FinishRoot(std::size_t nEntries) { MoveEntries(0, nEntries, m_root); }
-
-    void MoveEntries(std::size_t nFirst, std::size_t nEnd, CParameterBlock& block)
+    /// Hands a block its entries, which are the last ones.
+    void MoveEntries(std::size_t nFirst, CParameterBlock& block)
     {
         const auto first = m_entries.begin() + static_cast<std::ptrdiff_t>(nFirst);
-        const auto last = m_entries.begin() + static_cast<std::ptrdiff_t>(nEnd);
-        block.m_vParameters.reserve(nEnd - nFirst, m_pool.GetSlabs());
-        for (auto it = first; it != last; ++it)
-            block.m_vParameters.push_back(*it);
-        m_entries.erase(first, last);
+        auto& entries = block.m_vParameters;
+        entries.reserve(m_entries.size() - nFirst, m_pool.GetSlabs());
+        entries.insert(entries.end(), first, m_entries.end());
+        m_entries.erase(first, m_entries.end());
     }
 
     std::uint32_t LoadCount()

@@ -1,70 +1,75 @@
 #pragma once
 
+#include "utils/ParameterSlabs.h"
+
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <utility>
+#include <new>
+#include <type_traits>
+#include <vector>
 
 class CParameter;
-class CParameterSlabs;
 
-/// The entries of a block: a vector of pointers, which it does not own. It differs from std::vector
-/// in its size and in that a load can put its storage where it puts the parameters.
-class CParameterList
+/// Lets a load and a copy put the storage of a list where they put its parameters: the storage that
+/// a list gets while a CUseSlabs lives comes from there, all other from the heap. Pieces of slabs
+/// lie 8 bytes beside the multiples of 16 on which the heap's lie; that tells them apart.
+template <class Entry> class CListAllocator
 {
 public:
-    using value_type = CParameter*;
-    using iterator = CParameter**;
-    using const_iterator = CParameter* const*;
+    using value_type = Entry;
+    using is_always_equal = std::true_type;
 
+    CListAllocator() = default;
+    template <class Other> CListAllocator(const CListAllocator<Other>&) noexcept {}
+
+    Entry* allocate(std::size_t nCount)
+    {
+        const std::size_t nBytes = nCount * sizeof(Entry);
+        if (CParameterSlabs* pSlabs = CUseSlabs::pInUse;
+            pSlabs && nBytes <= CParameterSlabs::kMostAtOnce)
+            return static_cast<Entry*>(pSlabs->TakeBesideSixteen(nBytes));
+        return static_cast<Entry*>(::operator new(nBytes));
+    }
+    void deallocate(Entry* pStorage, std::size_t) noexcept
+    {
+        if (reinterpret_cast<std::uintptr_t>(pStorage) % 16 != 0)
+            CParameterSlabs::GiveBack(pStorage);
+        else
+            ::operator delete(pStorage);
+    }
+
+    friend bool operator==(CListAllocator, CListAllocator) { return true; }
+};
+static_assert(__STDCPP_DEFAULT_NEW_ALIGNMENT__ >= 16, "the heap's pieces are told by their place");
+
+/// The entries of a block: a vector of pointers, which it does not own; a copy of it holds the same
+/// pointers. It is no std::vector<CParameter*> by type, for the sake of its storage, and converts
+/// from and to one by value: a std::vector<CParameter*>& or an iterator of one does not bind to it.
+class CParameterList : public std::vector<CParameter*, CListAllocator<CParameter*>>
+{
+public:
+    using vector::vector;
     CParameterList() = default;
-    CParameterList(const CParameterList&) = delete;
-    CParameterList& operator=(const CParameterList&) = delete;
-    ~CParameterList() { FreeStorage(); }
-
-    iterator begin() noexcept { return m_pFirst; }
-    iterator end() noexcept { return m_pFirst + m_nSize; }
-    const_iterator begin() const noexcept { return m_pFirst; }
-    const_iterator end() const noexcept { return m_pFirst + m_nSize; }
-
-    std::size_t size() const noexcept { return m_nSize; }
-    std::size_t capacity() const noexcept { return m_nCapacity; }
-    bool empty() const noexcept { return m_nSize == 0; }
-
-    CParameter*& operator[](std::size_t nIndex) noexcept { return m_pFirst[nIndex]; }
-    CParameter* operator[](std::size_t nIndex) const noexcept { return m_pFirst[nIndex]; }
-    CParameter*& front() noexcept { return m_pFirst[0]; }
-    CParameter* front() const noexcept { return m_pFirst[0]; }
-    CParameter*& back() noexcept { return m_pFirst[m_nSize - 1]; }
-    CParameter* back() const noexcept { return m_pFirst[m_nSize - 1]; }
-
-    void push_back(CParameter* pEntry)
+    CParameterList(const std::vector<CParameter*>& entries) : vector(entries.begin(), entries.end())
     {
-        if (m_nSize == m_nCapacity)
-            Grow();
-        m_pFirst[m_nSize++] = pEntry;
     }
-    void pop_back() noexcept { --m_nSize; }
-    /// Takes the entry out, which is then the caller's.
-    iterator erase(iterator position) noexcept;
-    /// The capacity stays.
-    void clear() noexcept { m_nSize = 0; }
-    /// Keeps the first nSize entries, of at least as many.
-    void truncate(std::size_t nSize) noexcept { m_nSize = static_cast<std::uint32_t>(nSize); }
+    operator std::vector<CParameter*>() const { return {begin(), end()}; }
+
+    using vector::reserve;
     /// From the slabs, if given and if it fits; otherwise from the heap, as all later growth.
-    void reserve(std::size_t nCapacity, CParameterSlabs* pSlabs = nullptr);
-    void swap(CParameterList& other) noexcept;
-
-private:
-    void Grow();
-    void FreeStorage() noexcept
+    void reserve(std::size_t nCapacity, CParameterSlabs* pSlabs)
     {
-        if (m_pFirst)
-            ReleaseStorage();
+        const CUseSlabs use(pSlabs);
+        reserve(nCapacity);
     }
-    void ReleaseStorage() noexcept;
 
-    CParameter** m_pFirst = nullptr;
-    std::uint32_t m_nSize = 0;
-    std::uint32_t m_nCapacity : 31 = 0;
-    std::uint32_t m_fInSlab : 1 = 0;
+    friend bool operator==(const CParameterList& a, const CParameterList& b)
+    {
+        return std::equal(a.begin(), a.end(), b.begin(), b.end());
+    }
+    friend bool operator==(const CParameterList& a, const std::vector<CParameter*>& b)
+    {
+        return std::equal(a.begin(), a.end(), b.begin(), b.end());
+    }
 };

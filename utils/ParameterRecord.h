@@ -4,10 +4,12 @@
 #include "utils/ParameterWalk.h"
 
 #include <algorithm>
+#include <typeinfo>
 
 /// What stands in a flat block for one of its parameters: u32 type tag, then the flat form. For a
 /// block that is its name field and its count; the records of its own parameters follow. A walk
-/// over the tree gives all records in their order.
+/// over the tree gives all records in their order. A parameter of a class derived outside writes
+/// itself, with what it holds, and no walk goes into it.
 namespace ParameterFormat
 {
 inline unsigned long SaveCount(unsigned char* pDest, const CParameterBlock& block)
@@ -17,34 +19,76 @@ inline unsigned long SaveCount(unsigned char* pDest, const CParameterBlock& bloc
     return Write(pDest, static_cast<std::uint32_t>(entries.size() - nNulls));
 }
 
-/// Without tag and name field.
+/// Of this very class: what another class has made of GetSize and Save is not known here.
+template <class Parameter> bool IsExactly(const CParameter& parameter)
+{
+    return typeid(parameter) == typeid(Parameter);
+}
+
+/// Calls visit with a value parameter as what it is, if it is of its tag's very class, and returns
+/// the result; otherwise other.
+template <typename Result, typename Visit>
+Result VisitOwnValue(const CParameter& parameter, Result other, Visit&& visit)
+{
+    return VisitValue(parameter, other,
+                      [other, &visit]<class Parameter>(const Parameter& value)
+                      { return IsExactly<Parameter>(value) ? visit(value) : other; });
+}
+
+inline bool IsOwnBlock(const CParameter& parameter)
+{
+    return IsBlock(parameter) && IsExactly<CParameterBlock>(parameter);
+}
+
+/// Without tag and name field; 0 for what its own GetSize alone knows.
 inline unsigned long GetSizeOfRecordPayload(const CParameter& parameter)
 {
-    if (IsBlock(parameter))
+    if (IsOwnBlock(parameter))
         return kSizeOfCount;
-    const unsigned long nSize = VisitValue(
-        parameter, 0ul, [](const auto& value) { return GetSizeOfPayload(ValueOf(value)); });
-    return nSize != 0 ? nSize : parameter.GetSize() - parameter.GetSizeOfName();
+    return VisitOwnValue(parameter, 0ul,
+                         [](const auto& value) { return GetSizeOfPayload(ValueOf(value)); });
 }
 
 inline unsigned long GetSizeOfRecord(const CParameter& parameter)
 {
-    return kSizeOfTag + GetSizeOfNameField(parameter) + GetSizeOfRecordPayload(parameter);
+    const unsigned long nPayload = GetSizeOfRecordPayload(parameter);
+    return kSizeOfTag +
+           (nPayload != 0 ? GetSizeOfNameField(parameter) + nPayload : parameter.GetSize());
 }
 
-/// Returns the place behind the record.
+/// Writes the record of a value of its tag's very class, or of a block without the records of its
+/// contents, and returns the place behind it; null for what its own Save alone can write.
+inline unsigned char* SaveOwnRecord(unsigned char* pDest, const CParameter& parameter)
+{
+    const auto save = [pDest, &parameter](const auto& value)
+    {
+        unsigned char* pNext = pDest + Write(pDest, static_cast<std::uint32_t>(parameter.m_nType));
+        pNext += SaveNameField(pNext, parameter);
+        return pNext + SavePayload(pNext, ValueOf(value));
+    };
+    // A file id is left to its own Save, which refuses.
+    if (parameter.m_nType == CFileIdTypeParameter::kType)
+        return nullptr;
+    return VisitOwnValue(parameter, static_cast<unsigned char*>(nullptr), save);
+}
+
+inline unsigned char* SaveOwnBlockRecord(unsigned char* pDest, const CParameter& block)
+{
+    pDest += Write(pDest, static_cast<std::uint32_t>(block.m_nType));
+    pDest += SaveNameField(pDest, block);
+    return pDest + SaveCount(pDest, static_cast<const CParameterBlock&>(block));
+}
+
+/// Returns the place behind the record, which is where its GetSize says.
 inline unsigned char* SaveRecord(unsigned char* pDest, const CParameter& parameter)
 {
+    if (IsOwnBlock(parameter))
+        return SaveOwnBlockRecord(pDest, parameter);
+    if (unsigned char* pEnd = SaveOwnRecord(pDest, parameter))
+        return pEnd;
+    const unsigned long nSize = parameter.GetSize();
     pDest += Write(pDest, static_cast<std::uint32_t>(parameter.m_nType));
-    unsigned char* pPayload = pDest + SaveNameField(pDest, parameter);
-    if (IsBlock(parameter))
-        return pPayload + SaveCount(pPayload, static_cast<const CParameterBlock&>(parameter));
-    unsigned char* pEnd = nullptr;
-    // A file id is left to its own Save, which refuses.
-    if (parameter.m_nType != CFileIdTypeParameter::kType)
-        pEnd = VisitValue(parameter, pEnd,
-                          [pPayload](const auto& value)
-                          { return pPayload + SavePayload(pPayload, ValueOf(value)); });
-    return pEnd ? pEnd : pDest + parameter.Save(parameter.GetSize(), pDest);
+    parameter.Save(nSize, pDest);
+    return pDest + nSize;
 }
 } // namespace ParameterFormat

@@ -31,6 +31,17 @@ public:
         return std::exchange(m_pFree, m_pFree + nSize);
     }
 
+    /// A piece that lies 8 bytes behind a multiple of 16, where no piece of the heap lies.
+    void* TakeBesideSixteen(std::size_t nSize)
+    {
+        if (reinterpret_cast<std::uintptr_t>(m_pFree) % 16 == 0 && m_nLeft >= 8)
+        {
+            m_pFree += 8;
+            m_nLeft -= 8;
+        }
+        return Take(nSize); // A slab begins with such a place.
+    }
+
     static void GiveBack(void* pPiece) noexcept
     {
         Drop(reinterpret_cast<Slab*>(reinterpret_cast<std::uintptr_t>(pPiece) & ~(kSlabSize - 1)));
@@ -57,7 +68,25 @@ private:
     void LeaveSlab() noexcept;
     static void Free(Slab* pSlab) noexcept;
 
+    static_assert(sizeof(Slab) % 16 == 8);
+
     Slab* m_pSlab = nullptr; ///< Its slab counts this object as a piece.
     std::byte* m_pFree = nullptr;
     std::size_t m_nLeft = 0;
+};
+
+/// While it lives, the lists of parameters that grow on this thread do so in these slabs; null: on
+/// the heap.
+class CUseSlabs
+{
+public:
+    explicit CUseSlabs(CParameterSlabs* pSlabs) : m_pBefore(std::exchange(pInUse, pSlabs)) {}
+    CUseSlabs(const CUseSlabs&) = delete;
+    CUseSlabs& operator=(const CUseSlabs&) = delete;
+    ~CUseSlabs() { pInUse = m_pBefore; }
+
+    static inline thread_local CParameterSlabs* pInUse = nullptr;
+
+private:
+    CParameterSlabs* m_pBefore;
 };

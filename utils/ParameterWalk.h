@@ -2,6 +2,7 @@
 
 #include "utils/ParameterBlock.h"
 
+#include <type_traits>
 #include <vector>
 
 inline bool IsBlock(const CParameter& parameter)
@@ -10,8 +11,9 @@ inline bool IsBlock(const CParameter& parameter)
 }
 
 /// Calls visit(CParameter&) for every parameter below a block, each block before its contents, null
-/// entries left out. visit may change what it is given, but not the shape of the tree. What is
-/// still to be done lies on the heap, and a chain of only children needs none of it.
+/// entries left out. A visit that returns a bool is asked whether to go into the block that it was
+/// given. It may change what it is given, but not the shape of the tree. What is still to be done
+/// lies on the heap, and a chain of only children needs none of it.
 template <typename Visit> void WalkParameters(const CParameterBlock& root, Visit&& visit)
 {
     struct Rest
@@ -38,8 +40,13 @@ template <typename Visit> void WalkParameters(const CParameterBlock& root, Visit
         CParameter* pEntry = *rest.pNext++;
         if (!pEntry)
             continue;
-        visit(*pEntry);
-        if (!IsBlock(*pEntry))
+        if constexpr (std::is_void_v<decltype(visit(*pEntry))>)
+        {
+            visit(*pEntry);
+            if (!IsBlock(*pEntry))
+                continue;
+        }
+        else if (!visit(*pEntry))
             continue;
         if (rest.pNext != rest.pEnd)
             waiting.push_back(rest);

@@ -154,6 +154,21 @@ TEST(BinarySession, DataObjectHasThirtyTwoSpareZeroBytes)
     CFRelease(pData);
 }
 
+TEST(BinarySession, SpareBytesOfAReusedDataObjectAreZero)
+{
+    CParameterBlock large, root;
+    for (int i = 0; i < 50; ++i)
+        large.AddParameter("Mod", -1);
+    FillExample(root);
+    CFMutableDataRef pData = CFDataCreateMutable(kCFAllocatorDefault, 0);
+    large.SaveBinarySessionToMemory(pData);
+    EXPECT_EQ(root.SaveBinarySessionToMemory(pData), 79u);
+    EXPECT_EQ(CFDataGetLength(pData), 111);
+    const std::string all(reinterpret_cast<const char*>(CFDataGetBytePtr(pData)), 111);
+    EXPECT_EQ(all, Example() + std::string(32, '\0'));
+    CFRelease(pData);
+}
+
 TEST(BinarySession, WorkedExampleLoads)
 {
     CParameterBlock root;
@@ -710,4 +725,29 @@ TEST(BinarySession, OrderIsByUseAlone)
 TEST(BinarySession, MagicIsTheClassConstant)
 {
     EXPECT_EQ(CParameterBlock::m_strBinaryHeader, "[TNE Binary Session File]");
+}
+
+TEST(BinarySession, HeaderAppendsItsNames)
+{
+    ExactBuffer buffer(Bytes().Magic().U32(100).U32(4).U32(1).Text("Mod").U8(0).U8(0));
+    std::vector<std::string> names{"of the caller"};
+    EXPECT_EQ(CParameterBlock::LoadHeader(buffer.Size(), &names, buffer.Get()), 42u);
+    EXPECT_EQ(names, (std::vector<std::string>{"of the caller", "", "Mod"}));
+}
+
+TEST(BinarySession, EveryLoadedEntryIsOfItsTagsClass)
+{
+    CParameterBlock root;
+    for (int i = 0; i < 300; ++i)
+    {
+        CParameterBlock nested;
+        nested.AddParameter("Text", "text");
+        nested.AddParameter("Real", 1.0);
+        nested.AddParameter("Flag", true);
+        root.AddParameter("Nested", &nested);
+        root.AddParameter("Int", i);
+    }
+    CParameterBlock loaded;
+    EXPECT_EQ(LoadSession(loaded, SaveSession(root)), 0);
+    ExpectClassesOfTags(loaded);
 }

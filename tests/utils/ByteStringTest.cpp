@@ -8,8 +8,8 @@
 
 namespace
 {
-const std::string strInside(15, 'i');
-const std::string strLong(16, 'l');
+const std::string strInside(14, 'i');
+const std::string strLong(15, 'l');
 } // namespace
 
 TEST(ByteString, TakesSixteenBytes)
@@ -109,6 +109,44 @@ TEST(ByteString, EqualTextsHashTheSame)
         EXPECT_EQ(CByteString(text).Hash(), CByteString(text).Hash()) << nLength;
     }
     EXPECT_NE(CByteString("a").Hash(), CByteString("b").Hash());
+}
+
+TEST(ByteString, LentTextIsSharedWithNobody)
+{
+    CByteString source(strLong);
+    const CByteString before(source);
+    char& c = source[0];
+    const CByteString copy(source);
+    c = 'X';
+    EXPECT_EQ(source, "X" + strLong.substr(1));
+    EXPECT_EQ(copy, strLong);
+    EXPECT_EQ(before, strLong);
+    CByteString assigned;
+    assigned = source;
+    c = 'Y';
+    EXPECT_EQ(source[0], 'Y');
+    EXPECT_EQ(assigned[0], 'X');
+}
+
+TEST(ByteString, ReadingAConstantOneKeepsItsTextShared)
+{
+    const CByteString first(strLong);
+    const CByteString second(first);
+    EXPECT_EQ(first[0], 'l');
+    EXPECT_EQ(*first.begin(), 'l');
+    EXPECT_EQ(first.c_str(), second.c_str());
+}
+
+TEST(ByteString, ShrunkToAShortTextItComparesAsOne)
+{
+    for (const std::string& text : {strInside, strLong, std::string(40, 'x')})
+    {
+        CByteString string(text);
+        string.resize(3);
+        EXPECT_TRUE(string.HasSameBytes(CByteString(text.substr(0, 3))));
+        string.clear();
+        EXPECT_TRUE(string.HasSameBytes(CByteString()));
+    }
 }
 
 TEST(ByteString, NamesThatDifferAnywhereHashFarApart)

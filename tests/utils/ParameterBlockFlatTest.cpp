@@ -203,6 +203,56 @@ TEST(FlatBlock, NullEntriesAreSkippedByEveryWalk)
     EXPECT_EQ(saved.m_vParameters.size(), 2u);
 }
 
+TEST(FlatBlock, CountOfZeroOrBelowGivesFourWhateverTheSize)
+{
+    for (const std::uint32_t nCount : {0u, 0xFFFFFFFFu, 0x80000000u})
+    {
+        ExactBuffer buffer(Bytes().U32(nCount));
+        for (const unsigned long nSize : {4ul, 0xFFFFFFFFul, 0x100000000ul, 0x100000003ul, ~0ul})
+        {
+            CParameterBlock root;
+            EXPECT_EQ(root.LoadBlock(nullptr, nSize, buffer.Get()), 4) << nCount << ' ' << nSize;
+        }
+    }
+}
+
+TEST(FlatBlock, RemainingBytesAreCountedInTheLow32BitsOfTheSize)
+{
+    // Behind the count: nothing at all, as far as the low 32 bits go.
+    ExactBuffer buffer(Bytes().U32(1).U32(2).U32(0).U32(7));
+    CParameterBlock root;
+    EXPECT_EQ(root.LoadBlock(nullptr, 0x100000004ul, buffer.Get()), -1);
+    EXPECT_EQ(root.LoadBlock(nullptr, 0x100000010ul, buffer.Get()), 0x100000010);
+    EXPECT_EQ(At<CIntParameter>(root, 0).m_nValue, 7);
+}
+
+TEST(FlatBlock, NameOfABlockIsReadFromTheLow32BitsOfTheSize)
+{
+    // Two bytes hold no name; the count is then read from where the name would begin.
+    ExactBuffer buffer(Bytes().U32(0).U32(1));
+    CParameterBlock root;
+    root.m_strName = "Old";
+    EXPECT_EQ(root.Load(nullptr, 0x100000002ul, buffer.Get()), 4);
+    EXPECT_EQ(root.m_strName, "Old");
+}
+
+TEST(FlatBlock, EveryEntryIsOfItsTagsClass)
+{
+    Bytes bytes;
+    const std::size_t nRounds = 150;
+    bytes.U32(nRounds * 9);
+    for (std::size_t i = 0; i < nRounds; ++i)
+    {
+        bytes.U32(1).U32(0).Counted("text").U32(2).U32(0).U32(1).U32(3).U32(0).F64(1);
+        bytes.U32(4).U32(0).U64(1).U32(5).U32(0).U64(1).U64(1).U32(6).U32(0).U32(1);
+        bytes.U32(2).U32(0).U32(1).U32(7).U32(0).U8(1).U32(8).U32(0).F32(1).U32(9).U32(0).U64(1);
+    }
+    CParameterBlock root;
+    EXPECT_EQ(LoadBlock(root, bytes), static_cast<long>(bytes.Get().size()));
+    EXPECT_EQ(root.m_vParameters.size(), nRounds * 9);
+    ExpectClassesOfTags(root);
+}
+
 TEST(FlatBlock, TagThatDoesNotFitFailsAndKeepsTheEntriesBefore)
 {
     for (std::size_t nRest = 0; nRest < 4; ++nRest)
@@ -438,4 +488,80 @@ TEST(FlatBlockProgress, ValuesAloneAreNotReported)
     CParameterBlock root(&sink, 17);
     LoadBlock(root, Bytes().U32(1).U32(2).Counted("V").U32(5));
     EXPECT_TRUE(sink.calls.empty());
+}
+
+TEST(FlatBlockProgress, SinkSeesEachEntryAppendedBehindTheUpdateBeforeIt)
+{
+    class CLooking : public CProgress
+    {
+    public:
+        bool Update(unsigned long) override
+        {
+            sizes.push_back(pRoot->m_vParameters.size());
+            return false;
+        }
+        const CParameterBlock* pRoot = nullptr;
+        std::vector<std::size_t> sizes;
+    };
+    const std::string bytes = Bytes()
+                                  .U32(5)
+                                  .U32(2)
+                                  .Counted("V")
+                                  .U32(5)
+                                  .U32(6)
+                                  .Counted("A")
+                                  .U32(1)
+                                  .U32(6)
+                                  .Counted("B")
+                                  .U32(0)
+                                  .U32(77)
+                                  .U32(2)
+                                  .Counted("V")
+                                  .U32(5)
+                                  .U32(6)
+                                  .Counted("C")
+                                  .U32(0);
+    CLooking sink;
+    CParameterBlock root(&sink, bytes.size());
+    sink.pRoot = &root;
+    EXPECT_EQ(LoadBlock(root, bytes), static_cast<long>(bytes.size()));
+    // Inside A, behind A, behind C, which itself is appended only then.
+    EXPECT_EQ(sink.sizes, (std::vector<std::size_t>{1, 1, 4}));
+    EXPECT_EQ(root.m_vParameters.size(), 5u);
+}
+
+TEST(FlatBlockProgress, EveryBlockAsksTheSinkThatItWasGiven)
+{
+    class CLeaving : public CProgress
+    {
+    public:
+        bool Update(unsigned long) override
+        {
+            ++nCalls;
+            pRoot->m_pProgress = nullptr;
+            return false;
+        }
+        CParameterBlock* pRoot = nullptr;
+        int nCalls = 0;
+    };
+    const std::string bytes = Bytes()
+                                  .U32(2)
+                                  .U32(6)
+                                  .Counted("A")
+                                  .U32(2)
+                                  .U32(6)
+                                  .Counted("B")
+                                  .U32(0)
+                                  .U32(6)
+                                  .Counted("C")
+                                  .U32(0)
+                                  .U32(6)
+                                  .Counted("D")
+                                  .U32(0);
+    CLeaving sink;
+    CParameterBlock root(&sink, bytes.size());
+    sink.pRoot = &root;
+    LoadBlock(root, bytes);
+    EXPECT_EQ(sink.nCalls, 2) << "A has the sink still, for B and C; the root has none for A and D";
+    EXPECT_EQ(At<CParameterBlock>(root, 1).m_pProgress, nullptr);
 }

@@ -226,6 +226,53 @@ TEST(ParameterBlock, FindParameterTakesTheFirstOfItsNameAndType)
     EXPECT_EQ(nInt, 1);
 }
 
+TEST(ParameterBlock, FirstOfANameIsFoundForEveryType)
+{
+    CParameterBlock block, first, second;
+    first.AddParameter("I am", 1);
+    second.AddParameter("I am", 2);
+    block.AddParameter("X", "first");
+    block.AddParameter("X", "second");
+    block.AddParameter("X", 1.0);
+    block.AddParameter("X", 2.0);
+    block.AddParameter("X", 1ull);
+    block.AddParameter("X", 2ull);
+    block.AddParameter("X", 1ll);
+    block.AddParameter("X", 2ll);
+    block.AddParameter("X", TGL::FileIdType{1, 1});
+    block.AddParameter("X", TGL::FileIdType{2, 2});
+    block.AddParameter("X", &first);
+    block.AddParameter("X", &second);
+    block.AddParameter("X", true);
+    block.AddParameter("X", false);
+    block.AddParameter("X", 1.0F);
+    block.AddParameter("X", 2.0F);
+    std::string string;
+    double dDouble = 0;
+    unsigned long long nUInt64 = 0;
+    long long nSInt64 = 0;
+    TGL::FileIdType id{};
+    CParameterBlock* pBlock = nullptr;
+    bool bBool = false;
+    float fFloat = 0;
+    EXPECT_TRUE(block.FindParameter("X", &string, nullptr));
+    EXPECT_TRUE(block.FindParameter("X", &dDouble, 0.0));
+    EXPECT_TRUE(block.FindParameter("X", &nUInt64, 0));
+    EXPECT_TRUE(block.FindParameter("X", &nSInt64, 0));
+    EXPECT_TRUE(block.FindParameter("X", &id));
+    EXPECT_TRUE(block.FindParameter("X", &pBlock));
+    EXPECT_TRUE(block.FindParameter("X", &bBool, false));
+    EXPECT_TRUE(block.FindParameter("X", &fFloat, 0.0F));
+    EXPECT_EQ(string, "first");
+    EXPECT_EQ(dDouble, 1.0);
+    EXPECT_EQ(nUInt64, 1u);
+    EXPECT_EQ(nSInt64, 1);
+    EXPECT_EQ(id.nFileKey, 1);
+    EXPECT_EQ(At<CIntParameter>(*pBlock, 0).m_nValue, 1);
+    EXPECT_TRUE(bBool);
+    EXPECT_EQ(fFloat, 1.0F);
+}
+
 TEST(ParameterBlock, NamesAreComparedWhole)
 {
     const std::string strLong(40, 'n');
@@ -234,6 +281,7 @@ TEST(ParameterBlock, NamesAreComparedWhole)
     block.AddParameter(strLong.c_str(), 2);
     block.AddParameter("exactly15bytes!", 3);
     block.AddParameter("exactly16 bytes!", 4);
+    block.AddParameter("only 14 bytes!", 5);
     int nInt = 0;
     EXPECT_FALSE(block.FindParameter("Mod", &nInt, 0));
     EXPECT_FALSE(block.FindParameter("Mode ", &nInt, 0));
@@ -246,6 +294,8 @@ TEST(ParameterBlock, NamesAreComparedWhole)
     EXPECT_EQ(nInt, 3);
     EXPECT_TRUE(block.FindParameter("exactly16 bytes!", &nInt, 0));
     EXPECT_EQ(nInt, 4);
+    EXPECT_TRUE(block.FindParameter("only 14 bytes!", &nInt, 0));
+    EXPECT_EQ(nInt, 5);
 }
 
 TEST(ParameterBlock, FoundBlockStaysOwnedAndCanBeChanged)
@@ -408,6 +458,63 @@ TEST(ParameterBlock, CopyHasNoProgress)
     const CParameterBlock byParameter(static_cast<CParameter*>(&source));
     EXPECT_EQ(byParameter.m_pProgress, nullptr);
     EXPECT_EQ(byParameter.m_nProgressTotal, 0u);
+}
+
+TEST(ParameterBlock, CopiesOfNestedBlocksHaveNoProgressEither)
+{
+    class CSink : public CProgress
+    {
+        bool Update(unsigned long) override { return false; }
+    } sink;
+    CParameterBlock source(&sink, 9), nested;
+    source.AddParameter("Nested", &nested);
+    At<CParameterBlock>(source, 0).m_pProgress = &sink;
+    At<CParameterBlock>(source, 0).m_nProgressTotal = 9;
+    CParameterBlock copy;
+    copy.CopyParameters(&source);
+    EXPECT_EQ(At<CParameterBlock>(copy, 0).m_pProgress, nullptr);
+    EXPECT_EQ(At<CParameterBlock>(copy, 0).m_nProgressTotal, 0u);
+}
+
+TEST(ParameterBlock, AssignmentOfEitherFormCopiesNeitherTokenNorProgress)
+{
+    class CSink : public CProgress
+    {
+        bool Update(unsigned long) override { return false; }
+    } sourceSink, targetSink;
+    CParameterBlock source(&sourceSink, 9);
+    source.m_nToken = 5;
+    CParameterBlock target(&targetSink, 8);
+    target.m_nToken = 4;
+    target = source;
+    target = static_cast<CParameter&>(source);
+    EXPECT_EQ(target.m_nToken, 4);
+    EXPECT_EQ(target.m_pProgress, &targetSink);
+    EXPECT_EQ(target.m_nProgressTotal, 8u);
+    EXPECT_EQ(target.m_nType, 6);
+}
+
+TEST(ParameterBlock, CopyKeepsTheCapacityOfTheList)
+{
+    CParameterBlock source, target;
+    source.AddParameter("V", 1);
+    target.m_vParameters.reserve(500);
+    AddEverything(target);
+    target.CopyParameters(&source);
+    EXPECT_GE(target.m_vParameters.capacity(), 500u);
+    EXPECT_EQ(target.m_vParameters.size(), 1u);
+    target.CopyParameters(nullptr);
+    EXPECT_GE(target.m_vParameters.capacity(), 500u);
+}
+
+TEST(ParameterBlock, EveryCopyIsOfItsTagsClass)
+{
+    CParameterBlock source;
+    for (int i = 0; i < 200; ++i)
+        AddEverything(source);
+    CParameterBlock copy;
+    copy.CopyParameters(&source);
+    ExpectClassesOfTags(copy);
 }
 
 TEST(ParameterBlock, CopySkipsNullsAndForeignTags)

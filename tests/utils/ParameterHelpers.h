@@ -46,6 +46,9 @@ inline int LoadSession(CParameterBlock& block, const std::string& bytes)
 /// The session's bytes, without the spare ones.
 std::string SaveSession(CParameterBlock& block);
 
+/// Every entry, nested ones too, is of the very class that its tag says.
+void ExpectClassesOfTags(const CParameterBlock& block);
+
 template <class Parameter> Parameter& At(const CParameterBlock& block, std::size_t nIndex)
 {
     return dynamic_cast<Parameter&>(*block.m_vParameters[nIndex]);

@@ -103,6 +103,34 @@ TEST_F(ParameterList, ReserveGivesJustThatAndNeverLess)
     }
 }
 
+TEST_F(ParameterList, CopyHoldsTheSamePointersInStorageOfItsOwn)
+{
+    CParameterSlabs slabs;
+    CParameterList list;
+    list.reserve(2, &slabs);
+    Append(list, 0, 2);
+    CParameterList copy(list);
+    list[0] = P(5);
+    EXPECT_EQ(All(copy), Expected({0, 1}));
+    copy = list;
+    EXPECT_EQ(All(copy), Expected({5, 1}));
+}
+
+TEST_F(ParameterList, StorageFromSlabsIsToldFromTheHeaps)
+{
+    // Of every size, one behind the other: where one ends must not decide where the next begins.
+    CParameterSlabs slabs;
+    std::vector<CParameterList> lists(600);
+    for (std::size_t i = 0; i < lists.size(); ++i)
+    {
+        lists[i].reserve(i % 9 + 1, &slabs);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(lists[i].data()) % 16, 8u);
+        Append(lists[i], i, i % 9 + 1);
+    }
+    for (std::size_t i = 0; i < lists.size(); ++i)
+        EXPECT_EQ(lists[i].back(), P(i + i % 9));
+}
+
 TEST_F(ParameterList, OutlivesTheSlabsItCameFrom)
 {
     CParameterList list;

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <type_traits>
 #include <typeinfo>
 
 namespace
@@ -539,4 +540,76 @@ TEST(Parameter, ValuesAreStoredUnaligned)
         EXPECT_EQ(target.Load(nullptr, source.GetSize(), pPlace), 13);
         EXPECT_EQ(target.m_dValue, 12.25);
     }
+}
+
+TEST(Parameter, NameIsReadFromTheLow32BitsOfTheSizeAndTheValueFromTheWhole)
+{
+    // Two bytes, as far as the low 32 bits go: no name, and the value stands where it would.
+    ExactBuffer buffer(Bytes().U32(7));
+    CIntParameter parameter("Old", 1);
+    EXPECT_EQ(parameter.Load(nullptr, 0x100000002ul, buffer.Get()), 4);
+    EXPECT_EQ(parameter.m_strName, "Old");
+    EXPECT_EQ(parameter.m_nValue, 7);
+
+    ExactBuffer text(Bytes().U32(3).Text("abc"));
+    CStringParameter string("Old", "");
+    EXPECT_EQ(string.Load(nullptr, 0x100000002ul, text.Get()), 7);
+    EXPECT_EQ(string.m_strValue, "abc");
+}
+
+TEST(Parameter, FieldsStandInTheirOrder)
+{
+    const auto at = [](const auto& parameter, const auto& field)
+    { return reinterpret_cast<const char*>(&field) - reinterpret_cast<const char*>(&parameter); };
+    const CIntParameter parameter;
+    static_assert(std::is_same_v<decltype(CParameter::m_nType), const int>);
+    static_assert(std::is_same_v<decltype(CParameter::m_nToken), int>);
+    constexpr std::ptrdiff_t nTable = sizeof(void*);
+    EXPECT_EQ(at(parameter, parameter.m_nType), nTable);
+    EXPECT_EQ(at(parameter, parameter.m_nToken), nTable + 4);
+    EXPECT_EQ(at(parameter, parameter.m_strName), nTable + 8);
+    constexpr std::ptrdiff_t nValue = nTable + 8 + sizeof(CByteString);
+    EXPECT_EQ(sizeof(CParameter), static_cast<std::size_t>(nValue));
+    EXPECT_EQ(at(parameter, parameter.m_nValue), nValue);
+    const CStringParameter string;
+    EXPECT_EQ(at(string, string.m_strValue), nValue);
+    const CParameterBlock block;
+    EXPECT_EQ(at(block, block.m_vParameters), nValue);
+    const auto nBehindList = nValue + static_cast<std::ptrdiff_t>(sizeof(CParameterList));
+    EXPECT_EQ(at(block, block.m_pProgress), nBehindList);
+    EXPECT_EQ(at(block, block.m_nProgressTotal), nBehindList + nTable);
+    EXPECT_EQ(sizeof(block), static_cast<std::size_t>(nBehindList + 2 * nTable));
+}
+
+TEST(Parameter, VirtualOperationsStandInTheirOrder)
+{
+    // The table of virtual functions has two destructors, the second of which deletes.
+    using Size = unsigned long(const CParameter*);
+    using Save = unsigned long(const CParameter*, unsigned long, unsigned char*);
+    using Load = long(CParameter*, std::vector<std::string>*, unsigned long, unsigned char*);
+    using Assign = CParameter&(CParameter*, CParameter*);
+    using Destroy = void(CParameter*);
+    const auto check = [](CParameter* pParameter, CParameter* pOther)
+    {
+        void** const table = *reinterpret_cast<void***>(pParameter);
+        const std::string flat = SaveFlat(*pParameter);
+        EXPECT_EQ(reinterpret_cast<Size*>(table[2])(pParameter), flat.size());
+        std::string bytes(flat.size(), '\0');
+        auto* pBytes = reinterpret_cast<unsigned char*>(bytes.data());
+        EXPECT_EQ(reinterpret_cast<Save*>(table[3])(pParameter, 0, pBytes), flat.size());
+        EXPECT_EQ(bytes, flat);
+        EXPECT_EQ(reinterpret_cast<Load*>(table[4])(pOther, nullptr, flat.size(), pBytes),
+                  static_cast<long>(flat.size()));
+        EXPECT_EQ(SaveFlat(*pOther), flat);
+        pParameter->m_strName = "Other";
+        EXPECT_EQ(&reinterpret_cast<Assign*>(table[5])(pOther, pParameter), pOther);
+        EXPECT_EQ(pOther->m_strName, "Other");
+        reinterpret_cast<Destroy*>(table[1])(pOther);
+        delete pParameter;
+    };
+    check(new CIntParameter("Name", 5), new CIntParameter);
+    auto* pBlock = new CParameterBlock;
+    pBlock->m_strName = "Name";
+    pBlock->AddParameter("V", 1);
+    check(pBlock, new CParameterBlock);
 }
