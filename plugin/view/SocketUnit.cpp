@@ -1,10 +1,14 @@
 #include "plugin/view/SocketUnit.h"
 
+#include "TarvaneLinkAU/TarvaneLinkProperties.h"
 #include "apps/support/UnitComponent.h"
+#include "plugin/view/DeliveryWatch.h"
 #include "plugin/view/PlugInConnection.h"
 
 #include <atomic>
 #include <cstring>
+#include <mutex>
+#include <shared_mutex>
 
 namespace Tarvane
 {
@@ -12,7 +16,25 @@ namespace
 {
 
 std::atomic<CPlugInConnection*> s_pConnection{nullptr};
-std::atomic<CSocketUnit*> s_pUnit{nullptr};
+// Held while a notification is raised: a unit goes only when none is under way.
+std::shared_mutex s_unitMutex;
+CSocketUnit* s_pUnit = nullptr;
+
+// Ahead of the acknowledge, which says no more than that it was delivered or not.
+void TellOutcome(CPlugInConnection& connection, const void* pData, UInt32 nSize)
+{
+    TNElementAck ack;
+    if (nSize != sizeof ack)
+        return;
+    std::memcpy(&ack, pData, sizeof ack);
+    const CDeliveryReport report = ConcludeDelivery(ack.fNotDelivered != 0);
+    CFrame frame{.kind = FrameKind::Outcome,
+                 .nId = static_cast<std::uint32_t>(report.outcome),
+                 .nElement = static_cast<std::uint32_t>(ack.nElement)};
+    frame.data.resize(sizeof report.dExpectedPosition);
+    std::memcpy(frame.data.data(), &report.dExpectedPosition, sizeof report.dExpectedPosition);
+    connection.Tell(frame, report.strWords);
+}
 
 } // namespace
 
@@ -26,17 +48,20 @@ AudioComponent CSocketUnit::Register(CPlugInConnection& connection)
 
 void CSocketUnit::Raise(AudioUnitPropertyID nId)
 {
-    if (CSocketUnit* pUnit = s_pUnit)
-        pUnit->m_listeners.Notify(pUnit->m_pUnit, nId, kAudioUnitScope_Global, 0);
+    const std::shared_lock lock(s_unitMutex);
+    if (s_pUnit != nullptr)
+        s_pUnit->m_listeners.Notify(s_pUnit->m_pUnit, nId, kAudioUnitScope_Global, 0);
 }
 
 CSocketUnit::CSocketUnit()
 {
+    const std::unique_lock lock(s_unitMutex);
     s_pUnit = this;
 }
 
 CSocketUnit::~CSocketUnit()
 {
+    const std::unique_lock lock(s_unitMutex);
     s_pUnit = nullptr;
 }
 
@@ -70,6 +95,8 @@ OSStatus CSocketUnit::GetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope
         return kAudioUnitErr_InvalidScope;
     if (pData == nullptr || pnSize == nullptr)
         return kAudioUnitErr_InvalidParameter;
+    if (nId == TNProperty_ElementInfo)
+        BeginDelivery();
     const auto reply = s_pConnection.load()->Ask(
         {.kind = FrameKind::Get, .nId = nId, .nElement = nElement, .nSize = *pnSize});
     if (!reply)
@@ -90,6 +117,8 @@ OSStatus CSocketUnit::SetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope
         return kAudioUnitErr_InvalidScope;
     if (pData == nullptr || nSize > kMaxFrameData)
         return kAudioUnitErr_InvalidPropertyValue;
+    if (nId == TNProperty_ElementDone)
+        TellOutcome(*s_pConnection, pData, nSize);
     const auto* pBytes = static_cast<const std::uint8_t*>(pData);
     const auto reply = s_pConnection.load()->Ask({.kind = FrameKind::Set,
                                                   .nId = nId,

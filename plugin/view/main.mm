@@ -6,8 +6,10 @@
 #include "apps/support/CommandLine.h"
 #import "apps/support/MainThread.h"
 #import "apps/support/ViewFactory.h"
+#include "plugin/view/DeliveryWatch.h"
 #import "plugin/view/EmbeddedView.h"
 #include "plugin/view/PlugInConnection.h"
+#include "plugin/view/ServerWatch.h"
 #include "plugin/view/SocketUnit.h"
 
 #import <AppKit/AppKit.h>
@@ -78,6 +80,7 @@ int RunView(char** argv)
         HideIcon();
         OpenApplication(argv);
         [EmbeddedView outliveDisplayErrors];
+        WatchDeliveries();
         OpenView(connection);
     }
     catch (const std::exception& error)
@@ -87,6 +90,7 @@ int RunView(char** argv)
         throw;
     }
     [pool drain];
+    const CServerWatch watch([&] { connection.Tell({.kind = FrameKind::ServerAppeared}); });
     connection.Tell({.kind = FrameKind::Ready});
     [NSApp run];
     return kExitDone;

@@ -1,0 +1,28 @@
+// Hears when a server appears.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+namespace Tarvane
+{
+
+// Main thread, but for the call.
+class CServerWatch
+{
+public:
+    // Calls, on a thread of its own, each time that a server begins to receive events: not for one
+    // that is there already, but for one that is there once a bus that was gone is back. The call
+    // must not destroy the watch.
+    explicit CServerWatch(std::function<void()> appeared);
+    // Returns when no call is under way.
+    ~CServerWatch();
+    CServerWatch(const CServerWatch&) = delete;
+    CServerWatch& operator=(const CServerWatch&) = delete;
+
+private:
+    class CThread;
+    std::unique_ptr<CThread> m_pThread;
+};
+
+} // namespace Tarvane
