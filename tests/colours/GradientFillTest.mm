@@ -1,5 +1,6 @@
 #include "tests/colours/ColourFixture.h"
 #include "tests/support/DecimalComma.h"
+#include "tests/support/LiveObjects.h"
 #include "tests/support/VirtualTable.h"
 
 #include <limits>
@@ -226,6 +227,25 @@ TEST_F(GradientFill, CreateWithoutStopsStillAsksThePlatform)
     fill.Create(m_space);
     EXPECT_NE(fill.m_refGradient, nullptr);
     EXPECT_EQ(Painted(fill), "DrawLinearGradient [] 0 0 0 1 options 3");
+}
+
+TEST_F(GradientFill, CreateKeepsNothingButTheGradient)
+{
+    CGradientFill fill(CComponentCode(1, 2));
+    AddGrey(fill, 0.0);
+    AddGrey(fill, 1.0);
+    const auto create = [&]
+    {
+        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+        fill.Create(m_space);
+        [pool drain];
+    };
+    create();
+    const long nObjects = LiveObjects();
+    const size_t nGraphicsObjects = TarvaneTests::LiveGraphicsObjects();
+    create();
+    EXPECT_EQ(LiveObjects(), nObjects);
+    EXPECT_EQ(TarvaneTests::LiveGraphicsObjects(), nGraphicsObjects);
 }
 
 TEST_F(GradientFill, DeleteColorKnowsItsOwnStopsOnly)

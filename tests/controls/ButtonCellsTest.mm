@@ -443,6 +443,17 @@ TEST_F(ButtonCells, PopUpTitleFollowsControlSizeAndStaysCentred)
     ExpectTitleStyle(8.0, NSCenterTextAlignment);
 }
 
+TEST_F(ButtonCells, DrawingKeepsNothing)
+{
+    EXPECT_EQ(TarvaneTests::ObjectsKeptBy([&] { DrawTitle(); }), 0);
+    EXPECT_EQ(TarvaneTests::ObjectsKeptBy([&] { DrawPopUp(); }), 0);
+    for (const int nStyle : {0, 1})
+    {
+        gnAppStyle = nStyle;
+        EXPECT_EQ(TarvaneTests::ObjectsKeptBy([&] { Bezel(m_button, m_view); }), 0);
+    }
+}
+
 TEST_F(ButtonCells, PopUpWithoutASelectedItemDrawsNoTitle)
 {
     [m_popUp removeAllItems];

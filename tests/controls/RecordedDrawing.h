@@ -2,6 +2,8 @@
 // images, texts and the look-up of resources. Nothing is painted.
 #pragma once
 
+#include "tests/support/LiveObjects.h"
+
 #import <AppKit/AppKit.h>
 
 #include <string>
@@ -49,6 +51,21 @@ class RecordedDrawing
     static constexpr NSSize kTextSize = {40, 14};
     static constexpr NSSize kImageSize = {17, 13};
 };
+
+// How many objects a drawing leaves behind, once it has been drawn before and its pool is drained.
+template <typename Drawing> long ObjectsKeptBy(Drawing draw)
+{
+    const auto drawInPool = [&]
+    {
+        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+        draw();
+        [pool drain];
+    };
+    drawInPool();
+    const long nBefore = LiveObjects();
+    drawInPool();
+    return LiveObjects() - nBefore;
+}
 
 // The calls that begin with one of the words.
 std::vector<std::string> CallsThatBegin(const std::vector<std::string>& words);

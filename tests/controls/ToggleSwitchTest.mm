@@ -465,6 +465,14 @@ TEST_F(ToggleSwitch, BoundsWithAnOriginAreLiveAndPaintedWhereTheyAre)
     [window release];
 }
 
+TEST_F(ToggleSwitch, DrawingKeepsNothing)
+{
+    SetAllColours();
+    SetImages();
+    [m_switch SetLabel:@"Take" XOffset:3];
+    EXPECT_EQ(TarvaneTests::ObjectsKeptBy([&] { [m_switch drawRect:NSZeroRect]; }), 0);
+}
+
 TEST_F(ToggleSwitch, AsksForTheContextOnceADrawing)
 {
     const int nBefore = m_drawing.ContextsAsked();

@@ -7,8 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstring>
+#include <filesystem>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <sys/stat.h>
@@ -41,6 +44,12 @@ std::optional<CFileIOException> FailureOf(const std::function<void()>& operation
         return failure;
     }
     return std::nullopt;
+}
+
+// Of the whole process.
+std::ptrdiff_t OpenDescriptors()
+{
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
 // Opens files of a folder that is gone afterwards.
@@ -393,14 +402,27 @@ TEST_F(FileIO, ReadsAndWritesNothingWhileClosed)
     EXPECT_EQ(m_file.WriteString("take", true), 0u);
 }
 
+TEST_F(FileIO, CloseAndASecondOpenGiveTheDescriptorBack)
+{
+    const std::ptrdiff_t nBefore = OpenDescriptors();
+    Open("first", true, true);
+    EXPECT_EQ(OpenDescriptors(), nBefore + 1);
+    Open("second", true, true);
+    EXPECT_EQ(OpenDescriptors(), nBefore + 1);
+    m_file.Close();
+    EXPECT_EQ(OpenDescriptors(), nBefore);
+}
+
 TEST_F(FileIO, DestructionClosesTheFile)
 {
+    const std::ptrdiff_t nBefore = OpenDescriptors();
     auto pFile = std::make_unique<CFileIO>();
     const CFileName file(m_folder.Path("file").c_str());
     pFile->Open(&file, true, true);
     pFile->Write(3, Bytes("abc"));
     pFile.reset();
     EXPECT_EQ(m_folder.Content("file"), "abc");
+    EXPECT_EQ(OpenDescriptors(), nBefore);
 }
 
 namespace
