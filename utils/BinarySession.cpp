@@ -98,7 +98,7 @@ public:
                        [this, &pDest](CParameter& parameter)
                        {
                            SetToken(parameter);
-                           pDest = SaveRecord(pDest, parameter);
+                           pDest = SaveOwnRecord(pDest, parameter);
                        });
         return pDest;
     }
@@ -106,9 +106,8 @@ public:
 private:
     void CountRecord(const CParameter& parameter)
     {
-        const unsigned long nPayload = GetSizeOfRecordPayload(parameter);
-        m_fOwnClassesAlone &= nPayload != 0;
-        m_nSize += nPayload;
+        m_fOwnClassesAlone &= IsOwnClass(parameter);
+        m_nSize += GetSizeOfOwnPayload(parameter);
         const CByteString& strName = parameter.m_strName;
         if (strName.empty())
             m_nSize += GetSizeOfToken(0);

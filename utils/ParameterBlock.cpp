@@ -1,4 +1,5 @@
 #include "utils/ParameterBlock.h"
+#include "utils/ParameterPool.h"
 
 #include <algorithm>
 #include <memory>
@@ -23,8 +24,8 @@ void DeleteValues(CParameterList& entries) noexcept
     {
         if (AsBlock(pEntry))
             entries[nBlocks++] = pEntry;
-        else
-            delete pEntry;
+        else if (pEntry)
+            CParameterPool::DeleteValue(pEntry);
     }
     entries.resize(nBlocks);
     std::reverse(entries.begin(), entries.end());

@@ -54,9 +54,9 @@ unsigned char* CParameterBlock::CreateBlock(unsigned long* pSize) const
     {
         if (!pEntry)
             continue;
-        if (unsigned char* pEnd = SaveOwnRecord(pNext, *pEntry))
+        if (IsOwnClass(*pEntry) && !IsBlock(*pEntry))
         {
-            pNext = pEnd;
+            pNext = SaveOwnRecord(pNext, *pEntry);
             continue;
         }
         pNext += Write(pNext, static_cast<std::uint32_t>(pEntry->m_nType));

@@ -4,6 +4,7 @@
 #include "utils/ParameterWalk.h"
 
 #include <algorithm>
+#include <iterator>
 #include <typeinfo>
 
 /// What stands in a flat block for one of its parameters: u32 type tag, then the flat form. For a
@@ -19,73 +20,70 @@ inline unsigned long SaveCount(unsigned char* pDest, const CParameterBlock& bloc
     return Write(pDest, static_cast<std::uint32_t>(entries.size() - nNulls));
 }
 
-/// Of this very class: what another class has made of GetSize and Save is not known here.
-template <class Parameter> bool IsExactly(const CParameter& parameter)
-{
-    return typeid(parameter) == typeid(Parameter);
-}
+/// By type tag.
+inline const std::type_info* const kClasses[] = {
+    nullptr,
+    &typeid(CStringParameter),
+    &typeid(CIntParameter),
+    &typeid(CDoubleParameter),
+    &typeid(CUInt64Parameter),
+    &typeid(CFileIdTypeParameter),
+    &typeid(CParameterBlock),
+    &typeid(CBoolParameter),
+    &typeid(CFloatParameter),
+    &typeid(CSInt64Parameter),
+};
 
-/// Calls visit with a value parameter as what it is, if it is of its tag's very class, and returns
-/// the result; otherwise other.
-template <typename Result, typename Visit>
-Result VisitOwnValue(const CParameter& parameter, Result other, Visit&& visit)
+/// Whether it is of its tag's very class. What a class derived outside makes of GetSize and Save it
+/// alone knows. The addresses are compared: where a class has several, the long way is taken.
+inline bool IsOwnClass(const CParameter& parameter)
 {
-    return VisitValue(parameter, other,
-                      [other, &visit]<class Parameter>(const Parameter& value)
-                      { return IsExactly<Parameter>(value) ? visit(value) : other; });
+    const auto nTag = static_cast<unsigned int>(parameter.m_nType);
+    return nTag < std::size(kClasses) && &typeid(parameter) == kClasses[nTag];
 }
 
 inline bool IsOwnBlock(const CParameter& parameter)
 {
-    return IsBlock(parameter) && IsExactly<CParameterBlock>(parameter);
+    return IsBlock(parameter) && IsOwnClass(parameter);
 }
 
-/// Without tag and name field; 0 for what its own GetSize alone knows.
-inline unsigned long GetSizeOfRecordPayload(const CParameter& parameter)
+/// Of one of our own class, without tag and name field.
+inline unsigned long GetSizeOfOwnPayload(const CParameter& parameter)
 {
-    if (IsOwnBlock(parameter))
-        return kSizeOfCount;
-    return VisitOwnValue(parameter, 0ul,
-                         [](const auto& value) { return GetSizeOfPayload(ValueOf(value)); });
+    return VisitValue(parameter, kSizeOfCount,
+                      [](const auto& value) { return GetSizeOfPayload(ValueOf(value)); });
 }
 
 inline unsigned long GetSizeOfRecord(const CParameter& parameter)
 {
-    const unsigned long nPayload = GetSizeOfRecordPayload(parameter);
-    return kSizeOfTag +
-           (nPayload != 0 ? GetSizeOfNameField(parameter) + nPayload : parameter.GetSize());
+    return kSizeOfTag + (IsOwnClass(parameter)
+                             ? GetSizeOfNameField(parameter) + GetSizeOfOwnPayload(parameter)
+                             : parameter.GetSize());
 }
 
-/// Writes the record of a value of its tag's very class, or of a block without the records of its
-/// contents, and returns the place behind it; null for what its own Save alone can write.
+/// Of one of our own class; returns the place behind the record.
 inline unsigned char* SaveOwnRecord(unsigned char* pDest, const CParameter& parameter)
 {
-    const auto save = [pDest, &parameter](const auto& value)
+    pDest += Write(pDest, static_cast<std::uint32_t>(parameter.m_nType));
+    unsigned char* pPayload = pDest + SaveNameField(pDest, parameter);
+    if (IsBlock(parameter))
+        return pPayload + SaveCount(pPayload, static_cast<const CParameterBlock&>(parameter));
+    const auto save = [pDest, pPayload](const auto& value)
     {
-        unsigned char* pNext = pDest + Write(pDest, static_cast<std::uint32_t>(parameter.m_nType));
-        pNext += SaveNameField(pNext, parameter);
-        return pNext + SavePayload(pNext, ValueOf(value));
+        // A file id is left to its own Save, which refuses.
+        if constexpr (requires { value.m_idValue; })
+            return pDest + value.Save(value.GetSize(), pDest);
+        else
+            return pPayload + SavePayload(pPayload, ValueOf(value));
     };
-    // A file id is left to its own Save, which refuses.
-    if (parameter.m_nType == CFileIdTypeParameter::kType)
-        return nullptr;
-    return VisitOwnValue(parameter, static_cast<unsigned char*>(nullptr), save);
-}
-
-inline unsigned char* SaveOwnBlockRecord(unsigned char* pDest, const CParameter& block)
-{
-    pDest += Write(pDest, static_cast<std::uint32_t>(block.m_nType));
-    pDest += SaveNameField(pDest, block);
-    return pDest + SaveCount(pDest, static_cast<const CParameterBlock&>(block));
+    return VisitValue(parameter, pPayload, save);
 }
 
 /// Returns the place behind the record, which is where its GetSize says.
 inline unsigned char* SaveRecord(unsigned char* pDest, const CParameter& parameter)
 {
-    if (IsOwnBlock(parameter))
-        return SaveOwnBlockRecord(pDest, parameter);
-    if (unsigned char* pEnd = SaveOwnRecord(pDest, parameter))
-        return pEnd;
+    if (IsOwnClass(parameter))
+        return SaveOwnRecord(pDest, parameter);
     const unsigned long nSize = parameter.GetSize();
     pDest += Write(pDest, static_cast<std::uint32_t>(parameter.m_nType));
     parameter.Save(nSize, pDest);

@@ -59,6 +59,28 @@ public:
     void Take(const CParameterBlock& root) override { m_bytes = Json::to_cbor(ToJson(root)); }
     std::size_t GetSize() const override { return m_bytes.size(); }
     void Load() override { m_tree.emplace(Json::from_cbor(m_bytes)); }
+    void Build(const BuiltShape& shape) override
+    {
+        const auto fill = [&shape](Json& list, int nTrack)
+        {
+            AddValues(nTrack, shape,
+                      [&list](const char* pName, const auto& value)
+                      {
+                          list.push_back(pName);
+                          list.push_back(value);
+                      });
+        };
+        m_tree.emplace(Json::array());
+        if (shape.nTracks == 0)
+            fill(*m_tree, 0);
+        for (int nTrack = 0; nTrack < shape.nTracks; ++nTrack)
+        {
+            Json track = Json::array();
+            fill(track, nTrack);
+            m_tree->push_back("Track");
+            m_tree->push_back(std::move(track));
+        }
+    }
     void Free() override { m_tree.reset(); }
     void Save() override { Json::to_cbor(*m_tree); }
     double Walk() override { return Sum(*m_tree); }

@@ -5,6 +5,7 @@
 #include <flatbuffers/flexbuffers.h>
 
 #include <cstdlib>
+#include <optional>
 #include <type_traits>
 
 namespace Bench
@@ -14,14 +15,14 @@ namespace
 {
 
 /// Names may stand twice in a block, so that a block is a list of names and values.
-void Build(const CParameterBlock& block, flexbuffers::Builder& builder)
+void Write(const CParameterBlock& block, flexbuffers::Builder& builder)
 {
     const std::size_t nStart = builder.StartVector();
     for (const CParameter* pEntry : block.m_vParameters)
     {
         builder.String(pEntry->m_strName.c_str(), pEntry->m_strName.size());
         if (pEntry->m_nType == CParameterBlock::kType)
-            Build(static_cast<const CParameterBlock&>(*pEntry), builder);
+            Write(static_cast<const CParameterBlock&>(*pEntry), builder);
         else
             ParameterFormat::VisitValue(
                 *pEntry, false,
@@ -53,7 +54,8 @@ double Sum(flexbuffers::Reference value)
     return dSum;
 }
 
-/// There is no tree: a load copies the bytes and checks them.
+/// There is no tree: a load copies the bytes and checks them, and what a program builds are the
+/// bytes, which a save finishes.
 class CFlexBuffers : public CPeer
 {
 public:
@@ -62,7 +64,7 @@ public:
     {
         m_pTree = &root;
         flexbuffers::Builder builder(flexbuffers::BUILDER_FLAG_SHARE_KEYS_AND_STRINGS);
-        Build(root, builder);
+        Write(root, builder);
         builder.Finish();
         m_bytes = builder.GetBuffer();
     }
@@ -73,11 +75,52 @@ public:
         if (!flexbuffers::VerifyBuffer(m_loaded.data(), m_loaded.size(), nullptr))
             std::abort();
     }
-    void Free() override { std::vector<std::uint8_t>().swap(m_loaded); }
+    void Build(const BuiltShape& shape) override
+    {
+        auto& builder = m_built.emplace(flexbuffers::BUILDER_FLAG_SHARE_KEYS_AND_STRINGS);
+        const auto fill = [&](int nTrack)
+        {
+            AddValues(
+                nTrack, shape,
+                [&builder](const char* pName, const auto& value)
+                {
+                    builder.String(pName);
+                    if constexpr (std::is_same_v<decltype(value), const char* const&>)
+                        builder.String(value);
+                    else if constexpr (std::is_same_v<decltype(value), const long long&>)
+                        builder.Int(value);
+                    else if constexpr (std::is_same_v<decltype(value), const unsigned long long&>)
+                        builder.UInt(value);
+                    else
+                        builder.Add(value);
+                });
+        };
+        m_nStart = builder.StartVector();
+        if (shape.nTracks == 0)
+            fill(0);
+        for (int nTrack = 0; nTrack < shape.nTracks; ++nTrack)
+        {
+            builder.String("Track");
+            const std::size_t nStart = builder.StartVector();
+            fill(nTrack);
+            builder.EndVector(nStart, false, false);
+        }
+    }
+    void Free() override
+    {
+        std::vector<std::uint8_t>().swap(m_loaded);
+        m_built.reset();
+    }
     void Save() override
     {
+        if (m_built)
+        {
+            m_built->EndVector(m_nStart, false, false);
+            m_built->Finish();
+            return;
+        }
         flexbuffers::Builder builder(flexbuffers::BUILDER_FLAG_SHARE_KEYS_AND_STRINGS);
-        Build(*m_pTree, builder);
+        Write(*m_pTree, builder);
         builder.Finish();
     }
     double Walk() override { return Sum(flexbuffers::GetRoot(m_loaded)); }
@@ -86,6 +129,8 @@ private:
     const CParameterBlock* m_pTree = nullptr;
     std::vector<std::uint8_t> m_bytes;
     std::vector<std::uint8_t> m_loaded;
+    std::optional<flexbuffers::Builder> m_built;
+    std::size_t m_nStart = 0;
 };
 
 } // namespace

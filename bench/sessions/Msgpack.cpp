@@ -79,6 +79,40 @@ public:
     }
     std::size_t GetSize() const override { return m_bytes.size(); }
     void Load() override { m_handle = msgpack::unpack(m_bytes.data(), m_bytes.size()); }
+    void Build(const BuiltShape& shape) override
+    {
+        auto zone = std::make_unique<msgpack::zone>();
+        const auto makeMap = [&zone](int nEntries)
+        {
+            msgpack::object map;
+            map.type = msgpack::type::MAP;
+            map.via.map.size = static_cast<std::uint32_t>(nEntries);
+            map.via.map.ptr = static_cast<msgpack::object_kv*>(zone->allocate_align(
+                sizeof(msgpack::object_kv) * static_cast<std::size_t>(nEntries),
+                MSGPACK_ZONE_ALIGNOF(msgpack::object_kv)));
+            return map;
+        };
+        const auto makeTrack = [&](int nTrack)
+        {
+            const msgpack::object track = makeMap(shape.nValuesPerTrack);
+            msgpack::object_kv* pNext = track.via.map.ptr;
+            AddValues(nTrack, shape,
+                      [&](const char* pName, const auto& value)
+                      {
+                          pNext->key = msgpack::object(pName, *zone);
+                          pNext->val = msgpack::object(value, *zone);
+                          ++pNext;
+                      });
+            return track;
+        };
+        const msgpack::object root = shape.nTracks == 0 ? makeTrack(0) : makeMap(shape.nTracks);
+        for (int nTrack = 0; nTrack < shape.nTracks; ++nTrack)
+        {
+            root.via.map.ptr[nTrack].key = msgpack::object("Track", *zone);
+            root.via.map.ptr[nTrack].val = makeTrack(nTrack);
+        }
+        m_handle = msgpack::object_handle(root, std::move(zone));
+    }
     void Free() override { m_handle = msgpack::object_handle(); }
     void Save() override
     {

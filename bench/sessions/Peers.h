@@ -1,6 +1,7 @@
 // The same tree in other formats, each by its own library. Every peer owns what it loads.
 #pragma once
 
+#include "bench/sessions/BuiltTree.h"
 #include "utils/ParameterBlock.h"
 
 #include <memory>
@@ -19,9 +20,11 @@ public:
     virtual void Take(const CParameterBlock& root) = 0;
     virtual std::size_t GetSize() const = 0;
 
-    virtual void Load() = 0;   // from the bytes
-    virtual void Free() = 0;   // what Load has made
-    virtual void Save() = 0;   // what Load has made, into memory of its own
+    virtual void Load() = 0; // from the bytes
+    // As a program would, value by value and track by track.
+    virtual void Build(const BuiltShape& shape) = 0;
+    virtual void Free() = 0;   // what Load or Build has made
+    virtual void Save() = 0;   // what Load or Build has made, into memory of its own
     virtual double Walk() = 0; // every value
 };
 

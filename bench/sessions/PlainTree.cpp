@@ -1,5 +1,6 @@
 #include "bench/sessions/PlainTree.h"
 
+#include <type_traits>
 #include <utility>
 
 namespace Bench
@@ -64,6 +65,37 @@ PlainNode* BuildPlain(const CParameterBlock& block)
                 open.emplace_back(static_cast<const CParameterBlock*>(pEntry),
                                   pNode->children.back());
         }
+    }
+    return pTop;
+}
+
+PlainNode* BuildPlain(const BuiltShape& shape)
+{
+    const auto add = [](PlainNode& parent, const char* pName)
+    {
+        parent.children.push_back(new PlainNode);
+        parent.children.back()->strName = pName;
+        return parent.children.back();
+    };
+    const auto fill = [&](PlainNode& track, int nTrack)
+    {
+        AddValues(nTrack, shape,
+                  [&](const char* pName, const auto& value)
+                  {
+                      if constexpr (std::is_same_v<decltype(value), const char* const&>)
+                          add(track, pName)->value = std::string(value);
+                      else
+                          add(track, pName)->value = value;
+                  });
+    };
+    auto* pTop = new PlainNode;
+    if (shape.nTracks == 0)
+        fill(*pTop, 0);
+    for (int nTrack = 0; nTrack < shape.nTracks; ++nTrack)
+    {
+        PlainNode* pTrack = add(*pTop, "Track");
+        pTrack->fBlock = true;
+        fill(*pTrack, nTrack);
     }
     return pTop;
 }

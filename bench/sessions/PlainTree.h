@@ -1,6 +1,7 @@
 // The floors: the same tree as plain objects, one allocation and one string a node.
 #pragma once
 
+#include "bench/sessions/BuiltTree.h"
 #include "utils/ParameterBlock.h"
 
 #include <cstdint>
@@ -21,6 +22,7 @@ struct PlainNode
 
 // Any depth. The caller frees it with Free.
 PlainNode* BuildPlain(const CParameterBlock& block);
+PlainNode* BuildPlain(const BuiltShape& shape);
 void Free(PlainNode* pNode);
 
 // Adds all numbers and all lengths of strings, each name compared with those that are looked for:

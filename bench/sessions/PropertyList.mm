@@ -25,15 +25,18 @@ NSNumber* Number(unsigned long long nValue)
     return [NSNumber numberWithLongLong:static_cast<long long>(nValue)];
 }
 
+id Object(const char* pText) { return [NSString stringWithUTF8String:pText]; }
+template <class Value> id Object(Value value) { return Number(value); }
+
 /// Names may stand twice in a block, so that a block is a list of names and values.
-NSArray* Build(const CParameterBlock& block)
+NSArray* ListOf(const CParameterBlock& block)
 {
     NSMutableArray* list = [NSMutableArray array];
     for (const CParameter* pEntry : block.m_vParameters)
     {
         [list addObject:Text(pEntry->m_strName)];
         if (pEntry->m_nType == CParameterBlock::kType)
-            [list addObject:Build(static_cast<const CParameterBlock&>(*pEntry))];
+            [list addObject:ListOf(static_cast<const CParameterBlock&>(*pEntry))];
         else
             ParameterFormat::VisitValue(*pEntry, false,
                                         [list](const auto& parameter)
@@ -77,7 +80,7 @@ class CPropertyList : public CPeer
     void Take(const CParameterBlock& root) override
     {
         NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-        m_bytes = [Serialize(Build(root)) retain];
+        m_bytes = [Serialize(ListOf(root)) retain];
         [pool release];
     }
     std::size_t GetSize() const override { return [m_bytes length]; }
@@ -88,6 +91,25 @@ class CPropertyList : public CPeer
                                                             options:NSPropertyListImmutable
                                                              format:NULL
                                                               error:NULL] retain];
+        [pool release];
+    }
+    void Build(const BuiltShape& shape) override
+    {
+        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+        NSMutableArray* root = [[NSMutableArray alloc] init];
+        for (int nTrack = 0; nTrack < shape.nTracks; ++nTrack)
+        {
+            NSMutableArray* track = [NSMutableArray array];
+            AddValues(nTrack, shape,
+                      [track](const char* pName, const auto& value)
+                      {
+                          [track addObject:[NSString stringWithUTF8String:pName]];
+                          [track addObject:Object(value)];
+                      });
+            [root addObject:@"Track"];
+            [root addObject:track];
+        }
+        m_tree = root;
         [pool release];
     }
     void Free() override

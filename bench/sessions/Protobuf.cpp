@@ -48,6 +48,58 @@ void Fill(const CParameterBlock& block, bench::Block& message)
     }
 }
 
+void SetValue(bench::Value& value, const char* pText)
+{
+    value.set_text(pText);
+}
+void SetValue(bench::Value& value, int n)
+{
+    value.set_int_(n);
+}
+void SetValue(bench::Value& value, double d)
+{
+    value.set_real(d);
+}
+void SetValue(bench::Value& value, unsigned long long n)
+{
+    value.set_uint64(n);
+}
+void SetValue(bench::Value& value, bool b)
+{
+    value.set_flag(b);
+}
+void SetValue(bench::Value& value, float f)
+{
+    value.set_single(f);
+}
+void SetValue(bench::Value& value, long long n)
+{
+    value.set_int64(n);
+}
+
+void FillTrack(const BuiltShape& shape, int nTrack, bench::Block& track)
+{
+    AddValues(nTrack, shape,
+              [&track](const char* pName, const auto& value)
+              {
+                  bench::Value& next = *track.add_values();
+                  next.set_name(pName);
+                  SetValue(next, value);
+              });
+}
+
+void BuildMessage(const BuiltShape& shape, bench::Block& root)
+{
+    if (shape.nTracks == 0)
+        FillTrack(shape, 0, root);
+    for (int nTrack = 0; nTrack < shape.nTracks; ++nTrack)
+    {
+        bench::Value& entry = *root.add_values();
+        entry.set_name("Track");
+        FillTrack(shape, nTrack, *entry.mutable_block());
+    }
+}
+
 double Sum(const bench::Block& block)
 {
     double dSum = 0;
@@ -84,6 +136,12 @@ public:
         if (!m_pTree->ParseFromString(m_bytes))
             std::abort();
     }
+    void Build(const BuiltShape& shape) override
+    {
+        m_pArena = std::make_unique<google::protobuf::Arena>();
+        m_pTree = google::protobuf::Arena::CreateMessage<bench::Block>(m_pArena.get());
+        BuildMessage(shape, *m_pTree);
+    }
     void Free() override { m_pArena.reset(); }
     void Save() override { m_pTree->SerializeAsString(); }
     double Walk() override { return Sum(*m_pTree); }
@@ -110,6 +168,7 @@ public:
         if (!m_tree.emplace().ParseFromString(m_bytes))
             std::abort();
     }
+    void Build(const BuiltShape& shape) override { BuildMessage(shape, m_tree.emplace()); }
     void Free() override { m_tree.reset(); }
     void Save() override { m_tree->SerializeAsString(); }
     double Walk() override { return Sum(*m_tree); }

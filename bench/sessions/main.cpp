@@ -1,10 +1,10 @@
 // bench-sessions: loading, saving, freeing and walking sessions, beside other formats and beside
 // the least that such work can cost. With --benchmark_repetitions=9 and
 // --benchmark_enable_random_interleaving=true the figures are steady.
-#include "bench/support/Measure.h"
 #include "bench/sessions/Peers.h"
 #include "bench/sessions/PlainTree.h"
 #include "bench/sessions/Trees.h"
+#include "bench/support/Measure.h"
 #include "utils/ParameterWalk.h"
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -79,6 +79,24 @@ public:
     }
     std::size_t GetSize() const override { return m_bytes.size(); }
     void Load() override { LoadSession(m_root.emplace(), m_bytes); }
+    void Build(const BuiltShape& shape) override
+    {
+        const auto fill = [&shape](CParameterBlock& block, int nTrack)
+        {
+            AddValues(nTrack, shape,
+                      [&block](const char* pName, const auto& value)
+                      { block.AddParameter(pName, value); });
+        };
+        m_root.emplace();
+        if (shape.nTracks == 0)
+            fill(*m_root, 0);
+        for (int nTrack = 0; nTrack < shape.nTracks; ++nTrack)
+        {
+            CParameterBlock track;
+            fill(track, nTrack);
+            m_root->AddParameter("Track", &track);
+        }
+    }
     void Free() override { m_root.reset(); }
     void Save() override
     {
@@ -121,6 +139,31 @@ void RegisterPeer(CPeer& peer)
                                      dSink = peer.Walk();
                                  },
                                  [&peer] { dSink = peer.Walk(); }, [&peer] { peer.Free(); }});
+}
+
+/// Building a tree, and saving it cold.
+void RegisterBuilding(const std::string& strTree, CPeer& peer, const BuiltShape& shape)
+{
+    const std::string strName = peer.Name();
+    const auto free = [&peer] { peer.Free(); };
+    Register(strTree + "build/" + strName,
+             {[] { malloc_trim(0); }, [&peer, shape] { peer.Build(shape); }, free});
+    Register(strTree + "save built/" + strName, {[&peer, shape]
+                                                 {
+                                                     peer.Build(shape);
+                                                     malloc_trim(0);
+                                                 },
+                                                 [&peer] { peer.Save(); }, free});
+}
+
+void RegisterBuildingOfPlainNodes(const std::string& strTree, const BuiltShape& shape)
+{
+    static PlainNode* pPlain;
+    Register(
+        strTree + "build/plain nodes",
+        {[] { malloc_trim(0); }, [shape] { pPlain = BuildPlain(shape); }, [] { Free(pPlain); }});
+    Expect(strTree + "build/tarvane", strTree + "build/plain nodes", 1.2);
+    Expect(strTree + "save built/tarvane", strTree + "save built/msgpack-cxx", 0.9);
 }
 
 void RegisterFloors(const CParameterBlock& root)
@@ -279,6 +322,15 @@ int main(int argc, char** argv)
     for (CPeer* pPeer : peers)
         RegisterPeer(*pPeer);
     RegisterFloors(source);
+    for (CPeer* pPeer : peers)
+        if (pPeer == propertyList.get())
+            RegisterBuilding("small ", *pPeer, kBuiltSmall);
+        else
+            for (const auto& [strTree, shape] :
+                 {std::pair("", kBuiltTracks), {"flat ", kBuiltFlat}})
+                RegisterBuilding(strTree, *pPeer, shape);
+    RegisterBuildingOfPlainNodes("", kBuiltTracks);
+    RegisterBuildingOfPlainNodes("flat ", kBuiltFlat);
     RegisterOperations("", session, source);
     RegisterOwn("flat ", flat, flatSource);
     RegisterOwn("deep ", deep, deepSource);
