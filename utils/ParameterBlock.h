@@ -31,8 +31,9 @@ public:
 /// A parameter of a class derived outside is asked for its own GetSize and Save; a copy of it is of
 /// its tag's class. Blocks of such classes that lie in one another are gone through by recursion.
 ///
-/// No lock: one thread at a time uses a tree. No operation else recurses on the call stack, whatever
-/// the depth of the tree, and each costs time in proportion to the bytes or parameters it goes through.
+/// No lock: one thread at a time uses a tree. No operation else recurses on the call stack,
+/// whatever the depth of the tree, and each costs time in proportion to the bytes or parameters it
+/// goes through.
 ///
 /// Two flat forms: CreateBlock and LoadBlock below, names inline; and the binary session, where the
 /// names are pooled. A session, as a file or in memory, without padding or alignment,
