@@ -40,6 +40,18 @@ function(tarvane_add_program target)
   target_link_libraries(${target} PRIVATE ${arg_LINK})
 endfunction()
 
+# tarvane_install_program(<target>)
+# The program and its manual page, where there is one, beside the libraries and the bundle.
+function(tarvane_install_program target)
+  if(NOT APPLE)
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/../lib")
+  endif()
+  install(TARGETS ${target} RUNTIME DESTINATION bin BUNDLE DESTINATION bin)
+  if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${target}.1")
+    install(FILES "${CMAKE_CURRENT_SOURCE_DIR}/${target}.1" DESTINATION share/man/man1)
+  endif()
+endfunction()
+
 # tarvane_add_plugin(<target> SOURCES ... [LINK ...])
 # A library that is loaded while a program runs, called as its target is.
 function(tarvane_add_plugin target)
