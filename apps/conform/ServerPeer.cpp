@@ -1,12 +1,13 @@
 #include "apps/conform/ServerPeer.h"
 
+#include "apps/support/DecimalNumber.h"
 #include "apps/support/EventDescriptor.h"
 #include "utils/UnicodeText.h"
 
 #include <Carbon/Carbon.h>
 
-#include <charconv>
 #include <cstdlib>
+#include <optional>
 
 namespace Tarvane::Conform
 {
@@ -182,12 +183,10 @@ std::string Quoted(const std::string& strText)
 
 double Number(const std::string& strLine)
 {
-    double dNumber = 0.0;
-    const auto [pEnd, error] =
-        std::from_chars(strLine.data(), strLine.data() + strLine.size(), dNumber);
-    if (error != std::errc() || pEnd != strLine.data() + strLine.size())
+    const std::optional<double> number = DecimalFrom<double>(strLine);
+    if (!number)
         throw CBroken("a number was to be printed, and " + Quoted(strLine) + " came");
-    return dNumber;
+    return *number;
 }
 
 } // namespace Tarvane::Conform

@@ -1,9 +1,9 @@
 #include "apps/host/Options.h"
 
 #include "apps/support/ChildProcess.h"
+#include "apps/support/DecimalNumber.h"
 #include "apps/support/DubFile.h"
 
-#include <charconv>
 #include <cmath>
 #include <optional>
 #include <stdexcept>
@@ -45,16 +45,13 @@ double SpeedOf(const std::string& strSpeed)
     {
         return 0;
     }
-    double dSpeed = 0;
-    const auto [pEnd, error] =
-        std::from_chars(strSpeed.data(), strSpeed.data() + strSpeed.size(), dSpeed);
-    if (error != std::errc() || pEnd != strSpeed.data() + strSpeed.size() || !(dSpeed > 0) ||
-        !std::isfinite(dSpeed))
+    const std::optional<double> speed = DecimalFrom<double>(strSpeed);
+    if (!speed || !(*speed > 0))
     {
         throw CUsageError("--speed " + strSpeed +
                           " is no speed - give a number above 0, 1 for real time, or max.");
     }
-    return dSpeed;
+    return *speed;
 }
 
 std::vector<CCaptureSource> PlaceFiles(const HostOptions& options)

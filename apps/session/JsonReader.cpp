@@ -1,6 +1,7 @@
 #include "apps/session/EntryText.h"
 #include "apps/session/Json.h"
 #include "apps/support/CommandLine.h"
+#include "apps/support/DecimalNumber.h"
 
 #include <nlohmann/json.hpp>
 
@@ -92,11 +93,10 @@ template <typename Float, typename Bits> Float Real(const Scalar& value, const c
             return std::bit_cast<Float>(nBits);
         Refuse("\"" + text + "\" is no " + pType + ".");
     }
-    Float number = 0;
-    const auto result = std::from_chars(text.data(), pEnd, number);
-    if (value.kind != Scalar::kNumber || result.ec != std::errc() || result.ptr != pEnd)
+    const std::optional<Float> number = DecimalFrom<Float>(text);
+    if (value.kind != Scalar::kNumber || !number)
         Refuse("\"" + text + "\" is no " + pType + ".");
-    return number;
+    return *number;
 }
 
 /// Reads by events, so that depth costs no call stack.

@@ -85,8 +85,8 @@ private:
                                            AudioUnitPropertyListenerProc pProc)
     {
         return InstanceOf(pSelf).unit.Listeners().Remove(nId, pProc)
-                   ? noErr
-                   : kAudioUnitErr_InvalidParameter;
+                   ? OSStatus(noErr)
+                   : OSStatus(kAudioUnitErr_InvalidParameter);
     }
 
     static OSStatus RemovePropertyListenerWithUserData(void* pSelf, AudioUnitPropertyID nId,
@@ -94,8 +94,8 @@ private:
                                                        void* pUserData)
     {
         return InstanceOf(pSelf).unit.Listeners().Remove(nId, pProc, pUserData)
-                   ? noErr
-                   : kAudioUnitErr_InvalidParameter;
+                   ? OSStatus(noErr)
+                   : OSStatus(kAudioUnitErr_InvalidParameter);
     }
 
     static OSStatus Open(void* pSelf, AudioComponentInstance pUnit)
