@@ -83,7 +83,7 @@ Finding FindingOf(const PlugInRule& rule, const nlohmann::json& told)
 
 Finding ExamineApart(const PlugInRule& rule, const PlugInOptions& options)
 {
-    CChildProcess child({(ProgramFolder() / "tarvane-conform").string(), "plugin",
+    CChildProcess child({ProgramNamed("tarvane-conform").string(), "plugin",
                          options.strLibrary, "--timeout", Seconds(options.dTimeout), "--examine",
                          rule.szId});
     const double dLimit = kTimeoutsARule * options.dTimeout;

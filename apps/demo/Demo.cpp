@@ -66,7 +66,7 @@ std::vector<std::string> FilesOf(const DemoOptions& options)
 
 std::string Program(const char* szName)
 {
-    return (ProgramFolder() / szName).string();
+    return ProgramNamed(szName).string();
 }
 
 double Seconds(double dFrames, double dSampleRate)

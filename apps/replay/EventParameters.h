@@ -3,7 +3,7 @@
 
 #include "apps/replay/Recording.h"
 
-#include <AE/AppleEvents.h>
+#include <Carbon/Carbon.h>
 
 #include <set>
 

@@ -3,9 +3,16 @@
 #include "apps/server/EndSignals.h"
 
 #import <Foundation/Foundation.h>
+#include <TarvanePlatform/Application.h>
 
 namespace Tarvane::Server
 {
+namespace
+{
+
+constexpr double kForEver = 1e9; // seconds
+
+} // namespace
 
 CServerLoop::CServerLoop() : m_pPool([[NSAutoreleasePool alloc] init])
 {
@@ -23,12 +30,7 @@ void CServerLoop::RunUntilEnd(const CEndSignals& signals)
                                                          closeOnDealloc:NO];
     [handle waitForDataInBackgroundAndNotify];
     while (!signals.HasCome())
-    {
-        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-        [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode
-                                 beforeDate:[NSDate distantFuture]];
-        [pool drain];
-    }
+        TarvaneHandleEvents(kForEver);
     [handle release];
 }
 

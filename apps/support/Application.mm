@@ -1,5 +1,6 @@
 #import "apps/support/Application.h"
 
+#include "apps/support/ActivationPolicy.h"
 #include "apps/support/ApplicationArguments.h"
 #include "apps/support/CommandLine.h"
 #include "apps/support/ServiceProvider.h"
@@ -29,6 +30,7 @@ void OpenApplication(char** argv)
         throw CUsageError("no window can be opened here - start it on a desktop, or under "
                           "scripts/with-desktop.");
     }
+    StandInFront();
 }
 
 void StopApplication()

@@ -72,7 +72,9 @@ private:
     std::unique_ptr<State> m_pState;
 };
 
-// The folder that holds the program now running, to find its neighbours by.
+// The folder that holds the program now running, or its application where programs are in such.
 std::filesystem::path ProgramFolder();
+// One of the programs beside it, for a child: an application's own file, not the application.
+std::filesystem::path ProgramNamed(const std::string& strName);
 
 } // namespace Tarvane

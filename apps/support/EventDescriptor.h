@@ -1,7 +1,7 @@
 // A descriptor of the Apple event interface, owned.
 #pragma once
 
-#include <AE/AppleEvents.h>
+#include <Carbon/Carbon.h>
 
 namespace Tarvane
 {

@@ -1,7 +1,7 @@
 // How a program comes to receive Apple events.
 #pragma once
 
-#include <AE/AppleEvents.h>
+#include <Carbon/Carbon.h>
 
 namespace Tarvane
 {

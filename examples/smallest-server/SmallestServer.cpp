@@ -1,7 +1,7 @@
 // The smallest server that keeps every MUST of the script contract (docs/integrators.md): two
 // tracks in memory. The document lives in Lua, and so do the functions that scripts call; each
 // script has variables of its own.
-#include <AE/AppleEvents.h>
+#include <Carbon/Carbon.h>
 #include <CoreFoundation/CoreFoundation.h>
 #include <TarvanePlatform/Application.h>
 
@@ -154,5 +154,5 @@ int main()
     std::puts("ready");
     std::fflush(stdout);
     for (;;)
-        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 1e9, false);
+        TarvaneHandleEvents(1e9);
 }

@@ -1,9 +1,9 @@
 # platform_add_bundle(<target> NAME name PRINCIPAL_CLASS class WHOLE libraries...
-#                     [LINK libraries...] RESOURCES files...)
+#                     [LINK libraries...] RESOURCES files... [INSTALL])
 # A loadable bundle as GNUstep wants it: <name>.bundle/<name> beside Resources/Info-gnustep.plist.
 # WHOLE libraries go in with every object file: classes that only a nib names have no other user.
 function(platform_add_bundle target)
-  cmake_parse_arguments(arg "" "NAME;PRINCIPAL_CLASS" "WHOLE;LINK;RESOURCES" ${ARGN})
+  cmake_parse_arguments(arg "INSTALL" "NAME;PRINCIPAL_CLASS" "WHOLE;LINK;RESOURCES" ${ARGN})
   set(bundle "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${arg_NAME}.bundle")
 
   file(CONFIGURE OUTPUT "${CMAKE_CURRENT_BINARY_DIR}/Info-gnustep.plist" @ONLY CONTENT [[
@@ -38,4 +38,8 @@ function(platform_add_bundle target)
   list(JOIN arg_WHOLE "," whole)
   set_property(TARGET ${target} PROPERTY LINK_LIBRARY_OVERRIDE "WHOLE_ARCHIVE,${whole}")
   target_link_libraries(${target} PRIVATE ${arg_WHOLE} ${arg_LINK})
+  if(arg_INSTALL)
+    install(TARGETS ${target} LIBRARY DESTINATION "lib/${arg_NAME}.bundle")
+    install(FILES ${resources} DESTINATION "lib/${arg_NAME}.bundle/Resources")
+  endif()
 endfunction()

@@ -1,34 +1,23 @@
 # platform_add_bundle(<target> NAME name PRINCIPAL_CLASS class WHOLE libraries...
-#                     [LINK libraries...] RESOURCES files...)
+#                     [LINK libraries...] RESOURCES files... [INSTALL])
 # A loadable bundle as macOS wants it, with the nibs compiled. WHOLE libraries go in with every
 # object file: classes that only a nib names have no other user.
 function(platform_add_bundle target)
-  cmake_parse_arguments(arg "" "NAME;PRINCIPAL_CLASS" "WHOLE;LINK;RESOURCES" ${ARGN})
+  cmake_parse_arguments(arg "INSTALL" "NAME;PRINCIPAL_CLASS" "WHOLE;LINK;RESOURCES" ${ARGN})
   set(bundle "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${arg_NAME}.bundle")
 
-  file(CONFIGURE OUTPUT "${CMAKE_CURRENT_BINARY_DIR}/Info.plist" @ONLY CONTENT [[
-<?xml version="1.0" encoding="UTF-8"?>
-<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
-<plist version="1.0">
-<dict>
-    <key>CFBundleExecutable</key><string>@arg_NAME@</string>
-    <key>CFBundleIdentifier</key><string>org.tarvane.@arg_NAME@</string>
-    <key>CFBundleInfoDictionaryVersion</key><string>6.0</string>
-    <key>CFBundleName</key><string>@arg_NAME@</string>
-    <key>CFBundlePackageType</key><string>BNDL</string>
-    <key>CFBundleVersion</key><string>@PROJECT_VERSION@</string>
-    <key>NSPrincipalClass</key><string>@arg_PRINCIPAL_CLASS@</string>
-</dict>
-</plist>
-]])
+  configure_file("${PROJECT_SOURCE_DIR}/platform/macos/Bundle.plist.in"
+    "${CMAKE_CURRENT_BINARY_DIR}/${target}.plist" @ONLY)
   set(files)
-  find_program(IBTOOL ibtool REQUIRED)
   foreach(source IN LISTS arg_RESOURCES)
     cmake_path(GET source EXTENSION LAST_ONLY extension)
     cmake_path(GET source STEM LAST_ONLY stem)
     if(extension STREQUAL ".xib")
+      find_program(IBTOOL ibtool REQUIRED)
       set(nib "${CMAKE_CURRENT_BINARY_DIR}/${stem}.nib")
-      add_custom_command(OUTPUT "${nib}" COMMAND "${IBTOOL}" --compile "${nib}" "${source}"
+      add_custom_command(OUTPUT "${nib}"
+        COMMAND "${IBTOOL}" --minimum-deployment-target "${CMAKE_OSX_DEPLOYMENT_TARGET}"
+          --compile "${nib}" "${source}"
         DEPENDS "${source}" VERBATIM)
       list(APPEND files "${nib}")
     else()
@@ -42,9 +31,17 @@ function(platform_add_bundle target)
   tarvane_target_defaults(${target})
   set_target_properties(${target} PROPERTIES
     BUNDLE TRUE BUNDLE_EXTENSION bundle OUTPUT_NAME "${arg_NAME}"
-    MACOSX_BUNDLE_INFO_PLIST "${CMAKE_CURRENT_BINARY_DIR}/Info.plist"
+    MACOSX_BUNDLE_INFO_PLIST "${CMAKE_CURRENT_BINARY_DIR}/${target}.plist"
     TARVANE_BUNDLE "${bundle}")
   list(JOIN arg_WHOLE "," whole)
   set_property(TARGET ${target} PROPERTY LINK_LIBRARY_OVERRIDE "WHOLE_ARCHIVE,${whole}")
   target_link_libraries(${target} PRIVATE ${arg_WHOLE} ${arg_LINK})
+  # All that a host needs to find, templates of the C++ library left out as well.
+  target_link_options(${target} PRIVATE
+    "LINKER:-exported_symbol,_OBJC_CLASS_$_${arg_PRINCIPAL_CLASS}"
+    "LINKER:-exported_symbol,_OBJC_METACLASS_$_${arg_PRINCIPAL_CLASS}")
+  platform_sign(${target} "$<TARGET_BUNDLE_DIR:${target}>")
+  if(arg_INSTALL)
+    install(TARGETS ${target} LIBRARY DESTINATION lib)
+  endif()
 endfunction()

@@ -23,4 +23,9 @@ std::filesystem::path ProgramFolder()
     return std::filesystem::read_symlink("/proc/self/exe").parent_path();
 }
 
+std::filesystem::path ProgramNamed(const std::string& strName)
+{
+    return ProgramFolder() / strName;
+}
+
 } // namespace Tarvane

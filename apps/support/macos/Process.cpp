@@ -16,7 +16,17 @@ std::filesystem::path ProgramFolder()
     _NSGetExecutablePath(nullptr, &nSize);
     std::string strPath(nSize, '\0');
     _NSGetExecutablePath(strPath.data(), &nSize);
-    return std::filesystem::canonical(strPath.c_str()).parent_path();
+    const auto folder = std::filesystem::canonical(strPath.c_str()).parent_path();
+    // NAME.app/Contents/MacOS
+    const auto application = folder.parent_path().parent_path();
+    return application.extension() == ".app" ? application.parent_path() : folder;
+}
+
+std::filesystem::path ProgramNamed(const std::string& strName)
+{
+    const auto application = ProgramFolder() / (strName + ".app");
+    return std::filesystem::exists(application) ? application / "Contents" / "MacOS" / strName
+                                                : ProgramFolder() / strName;
 }
 
 } // namespace Tarvane

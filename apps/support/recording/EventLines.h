@@ -3,7 +3,7 @@
 
 #include "apps/support/recording/RecordedText.h"
 
-#include <AE/AppleEvents.h>
+#include <Carbon/Carbon.h>
 
 #include <string_view>
 #include <vector>

@@ -1,0 +1,13 @@
+#include "apps/support/ActivationPolicy.h"
+
+#import <AppKit/AppKit.h>
+
+namespace Tarvane
+{
+
+void StandInFront()
+{
+    [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular];
+}
+
+} // namespace Tarvane
