@@ -1,0 +1,3 @@
+#pragma once
+
+extern "C" int sched_yield(void);
