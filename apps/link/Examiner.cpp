@@ -4,6 +4,8 @@
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
 #include "utils/FileIO/FileName.h"
 
+#include <Carbon/Carbon.h>
+
 namespace Tarvane::Link
 {
 
@@ -47,6 +49,13 @@ CExaminer::Reply CExaminer::AskDuplicate(const std::string& strPath, int nFrames
 Finding NoReplyFinding(const std::string& strCheck, const CExaminer::Reply& reply)
 {
     Finding finding{strCheck, Verdict::Problem, "", "", reply.outcome};
+    if (reply.nStatus == errAEEventNotPermitted)
+    {
+        finding.strText = "events to the server are forbidden: " + reply.strMessage;
+        finding.strAdvice = szNotPermittedAdvice;
+        finding.strAdvice[0] = 'T';
+        return finding;
+    }
     switch (reply.outcome)
     {
     case Outcome::NotRunning:

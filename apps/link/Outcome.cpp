@@ -34,6 +34,8 @@ const char* HintForStatus(int nStatus)
     case errAEEventNotHandled:
         return "the application of that signature takes no script events. A server handles class "
                "'TKNE', id 'LCmd'.";
+    case errAEEventNotPermitted:
+        return szNotPermittedAdvice;
     case bufferIsSmall:
         return "the script or the answer is over 16 MiB. Ask for less at a time.";
     default:

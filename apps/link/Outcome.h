@@ -40,4 +40,11 @@ int EventStatusIn(const std::string& strMessage);
 // add.
 std::string HintFor(Outcome outcome, const CTarvaneScript& link);
 
+// What to do about errAEEventNotPermitted, on whatever system it comes.
+inline constexpr char szNotPermittedAdvice[] =
+    "the system does not let this program send events to the server. On macOS allow it in System "
+    "Settings, Privacy & Security, Automation; where the program is not listed there, its "
+    "Info.plist lacks NSAppleEventsUsageDescription or, if it is hardened, its signature lacks the "
+    "automation entitlement. On Linux a policy of the session bus forbids it.";
+
 } // namespace Tarvane::Link

@@ -215,6 +215,16 @@ TEST_F(DoctorTest, AServerThatGoesAwayEndsTheExamination)
     EXPECT_EQ(Checks(ran).back(), "functions");
 }
 
+TEST_F(DoctorTest, EventsThatTheSystemForbidsAreToldWithTheRemedy)
+{
+    AnswerStatus("", -1743);
+    const Ran ran = Examine();
+    EXPECT_EQ(ran.nExitCode, 5);
+    ExpectFinding(ran, "server", "problem", "events to the server are forbidden: AEError ID:-1743");
+    EXPECT_THAT(Find(ran, "server")["advice"].get<std::string>(),
+                HasSubstr("Privacy & Security, Automation"));
+}
+
 TEST_F(DoctorTest, OfALongAnswerTheBeginningIsShownInWholeCharacters)
 {
     Answer("print(\"V", std::string(59, 'a') + "\xC3\xB6" + std::string(100000, 'b'));

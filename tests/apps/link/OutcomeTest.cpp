@@ -87,7 +87,8 @@ TEST_F(OutcomeTest, NoUsableAnswerSaysWhatToDo)
 {
     const std::vector<std::pair<OSErr, const char*>> cases{
         {-609, "went away"}, {-1701, "has no 'Rslt'"}, {-1700, "not of type 'utxt'"},
-        {-1708, "'LCmd'"},   {-607, "16 MiB"},         {-1234, "--trace"}};
+        {-1708, "'LCmd'"},   {-607, "16 MiB"},         {-1743, "NSAppleEventsUsageDescription"},
+        {-1234, "--trace"}};
     for (const auto& [status, szWords] : cases)
     {
         const std::string strScript = "status " + std::to_string(status);
