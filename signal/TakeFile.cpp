@@ -2,6 +2,8 @@
 
 #include "signal/TakeFolder.h"
 
+#include <TarvanePlatform/FileSync.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
@@ -95,7 +97,7 @@ void SyncFolder(const fs::path& folder)
     const int nFolder = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (nFolder >= 0)
     {
-        ::fsync(nFolder);
+        TarvaneSyncFile(nFolder);
         ::close(nFolder);
     }
 }
@@ -242,7 +244,7 @@ void CTakeFile::Publish()
         Fail("cannot finish the capture " + m_path.string());
     }
     m_pFile = nullptr;
-    if (::fsync(m_nFile) != 0)
+    if (TarvaneSyncFile(m_nFile) != 0)
     {
         Fail("cannot write the capture into " + m_path.parent_path().string());
     }

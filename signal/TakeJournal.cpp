@@ -3,6 +3,8 @@
 #include "signal/TakeFile.h"
 #include "signal/TakeFolder.h"
 
+#include <TarvanePlatform/FileSync.h>
+
 #include <boost/crc.hpp>
 #include <nlohmann/json.hpp>
 
@@ -196,7 +198,7 @@ bool WriteLine(int nFile, const std::string& strLine)
     errno = 0;
     return ::write(nFile, strWhole.data(), strWhole.size()) ==
                static_cast<ssize_t>(strWhole.size()) &&
-           ::fsync(nFile) == 0;
+           TarvaneSyncFile(nFile) == 0;
 }
 
 } // namespace

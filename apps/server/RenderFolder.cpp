@@ -2,6 +2,8 @@
 
 #include "apps/server/RegionReader.h"
 
+#include <TarvanePlatform/FileSync.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
@@ -103,7 +105,7 @@ void CopyAudio(const Region& region, const std::filesystem::path& path)
 void Sync(const std::filesystem::path& path)
 {
     const int nFile = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    const bool fSynced = nFile >= 0 && fsync(nFile) == 0;
+    const bool fSynced = nFile >= 0 && TarvaneSyncFile(nFile) == 0;
     const int nError = errno;
     if (nFile >= 0)
         close(nFile);

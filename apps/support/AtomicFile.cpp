@@ -1,5 +1,7 @@
 #include "apps/support/AtomicFile.h"
 
+#include <TarvanePlatform/FileSync.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -52,7 +54,7 @@ void WriteAll(int nFile, std::string_view bytes, const std::filesystem::path& pa
 void SyncFolder(const std::filesystem::path& folder)
 {
     const CDescriptor descriptor(folder, O_RDONLY | O_DIRECTORY);
-    if (fsync(descriptor.Get()) != 0)
+    if (TarvaneSyncFile(descriptor.Get()) != 0)
         Fail("cannot sync ", folder);
 }
 
@@ -62,7 +64,7 @@ void WriteSynced(const std::filesystem::path& path, std::string_view bytes, mode
     WriteAll(descriptor.Get(), bytes, path);
     if (fchmod(descriptor.Get(), nMode) != 0)
         Fail("cannot set the permissions of ", path);
-    if (fsync(descriptor.Get()) != 0)
+    if (TarvaneSyncFile(descriptor.Get()) != 0)
         Fail("cannot sync ", path);
 }
 

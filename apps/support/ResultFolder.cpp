@@ -2,6 +2,8 @@
 
 #include "apps/support/CommandLine.h"
 
+#include <TarvanePlatform/FileSync.h>
+
 #include <cerrno>
 #include <fcntl.h>
 #include <fstream>
@@ -35,7 +37,7 @@ bool WriteAll(int nFile, std::string_view bytes)
         }
         bytes.remove_prefix(nWritten > 0 ? static_cast<size_t>(nWritten) : 0);
     }
-    return ::fsync(nFile) == 0;
+    return TarvaneSyncFile(nFile) == 0;
 }
 
 // A list that somebody has edited must not lead out of the folder.

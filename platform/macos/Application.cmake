@@ -20,9 +20,10 @@ function(platform_make_application target)
     --entitlements "${PROJECT_SOURCE_DIR}/platform/macos/Automation.entitlements")
 endfunction()
 
-# platform_add_resources(<application> FILES...)
-# Files that the application finds in its bundle.
+# platform_add_resources(<program> FILES...)
+# Files that the program finds in its main bundle, which it is made into.
 function(platform_add_resources target)
   target_sources(${target} PRIVATE ${ARGN})
   set_source_files_properties(${ARGN} PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
+  set_target_properties(${target} PROPERTIES MACOSX_BUNDLE TRUE)
 endfunction()
