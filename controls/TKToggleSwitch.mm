@@ -5,15 +5,28 @@
 
 @implementation TKToggleSwitch
 
-- (id)initWithFrame:(NSRect)frame
+- (void)setDefaults
 {
-    self = [super initWithFrame:frame];
-    if (!self)
-        return nil;
     m_fDrawButton = true;
     m_fEnabled = true;
     m_fRadius = gfDefaultRadius;
     m_nLabelColor = ccControlText;
+}
+
+- (id)initWithFrame:(NSRect)frame
+{
+    self = [super initWithFrame:frame];
+    if (self)
+        [self setDefaults];
+    return self;
+}
+
+// Nibs may make it by either of the two. Looks are not archived.
+- (id)initWithCoder:(NSCoder*)coder
+{
+    self = [super initWithCoder:coder];
+    if (self)
+        [self setDefaults];
     return self;
 }
 

@@ -577,6 +577,19 @@ TEST_F(ToggleSwitch, CornerIsTheDefaultRadius)
     EXPECT_EQ(CallsThatBegin({"MoveToPoint"}).at(0), "MoveToPoint 4 0");
 }
 
+TEST_F(ToggleSwitch, RestoredFromAnArchiveHasTheSameDefaults)
+{
+    NSData* data = [NSKeyedArchiver archivedDataWithRootObject:m_switch];
+    TKToggleSwitch* back = [NSKeyedUnarchiver unarchiveObjectWithData:data];
+    ASSERT_TRUE([back isKindOfClass:[TKToggleSwitch class]]);
+    [back SetUpColorsFace:Code(kOnUpFace) Border:Code(kOnUpBorder)];
+    TarvaneTests::ResetGraphicsCalls();
+    [back drawRect:NSZeroRect];
+    EXPECT_EQ(CallsThatBegin({"MoveToPoint"}).at(0), "MoveToPoint 4 0");
+    [back mouseUp:Event(NSLeftMouseUp, kInside)];
+    EXPECT_EQ([back state], 1);
+}
+
 TEST_F(ToggleSwitch, FillsRunDiagonallyAsTheViewIsFlipped)
 {
     AppCreateDefaultColoursDesigner();
