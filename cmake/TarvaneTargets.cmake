@@ -41,12 +41,17 @@ function(tarvane_add_program target)
 endfunction()
 
 # tarvane_install_program(<target>)
-# The program and its manual page, where there is one, beside the libraries and the bundle.
+# The program, its resources and its manual page, where there is one, beside the libraries and the
+# bundle.
 function(tarvane_install_program target)
   if(NOT APPLE)
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/../lib")
   endif()
   install(TARGETS ${target} RUNTIME DESTINATION bin BUNDLE DESTINATION bin)
+  get_target_property(resources ${target} TARVANE_RESOURCES)
+  if(resources)
+    install(FILES ${resources} DESTINATION "bin/Resources/${target}")
+  endif()
   if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${target}.1")
     install(FILES "${CMAKE_CURRENT_SOURCE_DIR}/${target}.1" DESTINATION share/man/man1)
   endif()
