@@ -12,8 +12,10 @@ pid_t ServerProcess()
 {
     pid_t process = -1;
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-    for (NSRunningApplication* application in [[NSWorkspace sharedWorkspace] runningApplications])
+    NSArray* applications = [[NSWorkspace sharedWorkspace] runningApplications];
+    for (NSUInteger n = 0; n < [applications count]; ++n)
     {
+        NSRunningApplication* application = [applications objectAtIndex:n];
         NSBundle* bundle = [NSBundle bundleWithURL:[application bundleURL]];
         if ([[bundle objectForInfoDictionaryKey:@"CFBundleSignature"] isEqual:@"TkNe"])
             process = [application processIdentifier];
