@@ -285,7 +285,10 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
 
 - (void)Dispatch:(SEL)selHandler
 {
+    // A thread of the plug-in's has no pool: what the platform leaves behind goes here.
+    NSAutoreleasePool* pPool = [[NSAutoreleasePool alloc] init];
     [self performSelectorOnMainThread:selHandler withObject:self waitUntilDone:NO];
+    [pPool drain];
 }
 
 - (void)DispatchProgress:(SEL)selHandler

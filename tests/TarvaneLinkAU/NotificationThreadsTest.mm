@@ -9,6 +9,41 @@
 
 namespace
 {
+std::atomic<int> nLeftBehind = 0;
+}
+
+// What a platform may leave behind when it is handed a call.
+@interface LeftBehind : NSObject
+@end
+
+@implementation LeftBehind
+- (id)init
+{
+    self = [super init];
+    ++nLeftBehind;
+    return self;
+}
+- (void)dealloc
+{
+    --nLeftBehind;
+    [super dealloc];
+}
+@end
+
+@interface LeavingView : TarvaneLink_CocoaView
+@end
+
+@implementation LeavingView
+- (void)performSelectorOnMainThread:(SEL)selector withObject:(id)object waitUntilDone:(BOOL)fWait
+{
+    (void)selector, (void)object, (void)fWait;
+    [[[LeftBehind alloc] init] autorelease];
+    EXPECT_EQ(nLeftBehind, 1);
+}
+@end
+
+namespace
+{
 class NotificationThreads : public LinkViewFixture
 {
   protected:
@@ -320,5 +355,18 @@ TEST_F(NotificationThreads, NothingIsLostWhenTheLastOwnerLetsGoBeforeACallIsQueu
     EXPECT_EQ(CountOf("Set", TNProperty_ElementDone), 3) << "an acknowledge for each";
     EXPECT_EQ(ProgressReads(), 1);
     EXPECT_EQ([TestLinkView liveViews], 0);
+}
+
+TEST_F(NotificationThreads, NothingIsLeftBehindOnAThreadWithoutAPool)
+{
+    LeavingView* pView = [[LeavingView alloc] initWithFrame:NSZeroRect];
+    std::thread(
+        [pView]
+        {
+            [pView PropertyChanged:TNProperty_Elements Element:0];
+            EXPECT_EQ(nLeftBehind, 0);
+        })
+        .join();
+    [pView release];
 }
 } // namespace
