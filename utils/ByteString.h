@@ -286,12 +286,13 @@ public:
     }
     friend std::strong_ordering operator<=>(const CByteString& a, const CByteString& b) noexcept
     {
-        return a.View() <=> b.View();
+        // Not every C++ library orders views by <=>.
+        return a.View().compare(b.View()) <=> 0;
     }
     template <ByteStringText Other>
     friend std::strong_ordering operator<=>(const CByteString& a, const Other& b) noexcept
     {
-        return a.View() <=> std::string_view(b);
+        return a.View().compare(std::string_view(b)) <=> 0;
     }
 
     template <class Traits>
