@@ -66,6 +66,17 @@ std::string TimesText(const TNRegionTimes& times)
            FixedText(times.dStart, kDecimals) + " " + FixedText(times.dEnd, kDecimals);
 }
 
+// Counts a progress notification, and tells whether it is one to swallow. A function, since a
+// message to the view costs a fifth of what a swallowed notification may cost.
+bool IsSwallowed(std::atomic<std::int32_t>& nUpdateTimeout)
+{
+    const std::int32_t nTimeout = nUpdateTimeout.load(std::memory_order_relaxed);
+    // It falls for as long as an update waits, which may be for ever.
+    if (nTimeout > std::numeric_limits<std::int32_t>::min())
+        nUpdateTimeout.store(nTimeout - 1, std::memory_order_relaxed);
+    return nTimeout > 0;
+}
+
 // Text of the server need not be UTF-8. It is shown all the same, byte by byte: a track without a
 // menu item would shift every later one away from its number.
 NSString* TextFromServer(const std::string& strText)
@@ -273,10 +284,12 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
     case TNProperty_CurrentSampleInTimeLine:
         // Kept with its leading underscore: no such handler exists, and the update that is never
         // finished ends the progress display. Plug-ins raise 64010.
-        [self DispatchProgress:@selector(_TNProperty_CurrentSampleInTimeLine)];
+        if (!IsSwallowed(m_nPositionUpdateTimeout))
+            [self DispatchProgress:@selector(_TNProperty_CurrentSampleInTimeLine)];
         break;
     case kTNProperty_CurrentCaptureLength:
-        [self DispatchProgress:@selector(kTNProperty_CurrentCaptureLength)];
+        if (!IsSwallowed(m_nPositionUpdateTimeout))
+            [self DispatchProgress:@selector(kTNProperty_CurrentCaptureLength)];
         break;
     default:
         break;
@@ -293,13 +306,6 @@ void ParameterListenerDispatcher(void* pUserData, void* pObject,
 
 - (void)DispatchProgress:(SEL)selHandler
 {
-    std::int32_t nTimeout = m_nPositionUpdateTimeout.load(std::memory_order_relaxed);
-    // It falls for as long as an update waits, which may be for ever.
-    if (nTimeout > std::numeric_limits<std::int32_t>::min())
-        m_nPositionUpdateTimeout.store(nTimeout - 1, std::memory_order_relaxed);
-    if (nTimeout > 0)
-        return;
-
     pthread_mutex_lock(&m_mutexTransportPosition);
     if (m_fTransportPositionInQueue)
     {

@@ -184,7 +184,7 @@ TEST_F(CaptureDelivery, ExceptionOfTheFileNameEndsTheDeliveryWithoutAnAcknowledg
         TarvaneTests::ReplacedMethod chosen([NSPopUpButton class], @selector(indexOfSelectedItem),
                                             [](id, SEL) -> NSInteger
                                             {
-                                                TarvaneTests::g_fNewFails = true;
+                                                TarvaneTests::g_fNextNewFails = true;
                                                 return 0;
                                             });
         testing::internal::CaptureStderr();
@@ -196,7 +196,7 @@ TEST_F(CaptureDelivery, ExceptionOfTheFileNameEndsTheDeliveryWithoutAnAcknowledg
         {
             fPassed = true;
         }
-        TarvaneTests::g_fNewFails = false;
+        TarvaneTests::g_fNextNewFails = false;
         testing::internal::GetCapturedStderr();
     }
     EXPECT_TRUE(fPassed);

@@ -2,12 +2,14 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
-thread_local bool TarvaneTests::g_fNewFails = false;
+thread_local bool TarvaneTests::g_fNextNewFails = false;
 
 void* operator new(std::size_t nSize)
 {
-    void* p = TarvaneTests::g_fNewFails ? nullptr : std::malloc(nSize != 0 ? nSize : 1);
+    const bool fFails = std::exchange(TarvaneTests::g_fNextNewFails, false);
+    void* p = fFails ? nullptr : std::malloc(nSize != 0 ? nSize : 1);
     if (p == nullptr)
         throw std::bad_alloc();
     return p;

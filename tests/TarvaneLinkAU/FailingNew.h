@@ -1,10 +1,10 @@
-// A program whose memory runs out when a test says so.
+// A program that runs short of memory once, when a test says so.
 #pragma once
 
 namespace TarvaneTests
 {
 
-// While it is true, operator new throws std::bad_alloc on this thread.
-extern thread_local bool g_fNewFails;
+// When it is true, the next operator new on this thread throws std::bad_alloc, and makes it false.
+extern thread_local bool g_fNextNewFails;
 
 } // namespace TarvaneTests

@@ -134,7 +134,7 @@ ViewHooks& HooksOf(TestLinkView* pView) { return *static_cast<ViewHooks*>(pView-
 
 - (void)lockTransportPosition
 {
-    pthread_mutex_lock(&m_mutexTransportPosition);
+    pthread_mutex_trylock(&m_mutexTransportPosition);
 }
 
 - (bool)transportPositionIsFree

@@ -441,6 +441,17 @@ TEST_F(LinkView, CallsThatComeWhenTheViewIsGoneAreDropped)
     EXPECT_THAT(m_plugIn.Lines(), IsEmpty());
 }
 
+TEST_F(LinkView, NextViewAtTheAddressIsHeard)
+{
+    const void* pAddress = m_pView;
+    [m_pView release];
+    m_pView = nil;
+    CNotificationGate& gate = CNotificationGate::OpenFor(pAddress);
+    EXPECT_TRUE(bool(CNotificationGate::CPass(pAddress, CNotificationGate::Kind::Other)));
+    gate.CloseBehindTheLast([] { return true; });
+    gate.Abandon();
+}
+
 #pragma mark Notifications
 
 TEST_F(LinkView, DispatchPassesTheViewAndNeitherWaitsNorHoldsTheLock)
