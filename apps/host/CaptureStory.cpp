@@ -89,6 +89,16 @@ bool CCaptureEntry::IsGood() const
     return Outcome() == CaptureOutcome::Delivered || Outcome() == CaptureOutcome::Duplicate;
 }
 
+std::string WordOfDelivery(const CCaptureEntry& entry)
+{
+    if (entry.Outcome() != CaptureOutcome::Delivered)
+    {
+        return "";
+    }
+    return Length(entry.report.Frames(), entry.report.dSampleRate) + " delivered to " +
+           entry.words.strTrack;
+}
+
 std::string TellCapture(const CCaptureEntry& entry)
 {
     const CCaptureReport& report = entry.report;

@@ -37,6 +37,9 @@ struct CCaptureEntry
     bool IsGood() const;
 };
 
+// A delivered capture in a few words, UTF-8; empty for every other one, which the view tells of.
+std::string WordOfDelivery(const CCaptureEntry& entry);
+
 // Lines with their line ends.
 std::string TellCapture(const CCaptureEntry& entry);
 

@@ -355,6 +355,7 @@ void CHost::Tell(const CCaptureReport& report)
     {
         m_nExitCode = kExitFailed;
     }
+    m_pView->ShowWord(WordOfDelivery(entry));
     std::fputs(TellCapture(entry).c_str(), m_pStory);
     std::fflush(m_pStory);
     WriteResults();

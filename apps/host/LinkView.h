@@ -41,6 +41,10 @@ class CLinkView
     // when the view has none.
     bool OpenMenu();
 
+    // Behind the window's title, for what the view has no words for; empty for the title alone.
+    // Text that is UTF-8.
+    void ShowWord(const std::string& strWord);
+
     // What the window's content looks like now, as PNG. Throws std::runtime_error when the picture
     // cannot be taken.
     std::string Picture();

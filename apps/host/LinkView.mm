@@ -19,6 +19,8 @@ std::string FromNSString(NSString* strText)
     return szText != nullptr ? szText : "";
 }
 
+NSString* const kTitle = @"Tarvane Link";
+
 NSWindow* MakeWindow(NSView* view)
 {
     const NSRect frame = {{120, 320}, [view frame].size};
@@ -28,7 +30,10 @@ NSWindow* MakeWindow(NSView* view)
                     backing:NSBackingStoreBuffered
                       defer:NO];
     [window setReleasedWhenClosed:NO];
-    [window setTitle:@"Tarvane Link"];
+    [window setTitle:kTitle];
+    // So that the window manager offers no other size.
+    [window setContentMinSize:frame.size];
+    [window setContentMaxSize:frame.size];
     [window setContentView:view];
     [window makeKeyAndOrderFront:nil];
     return window;
@@ -140,6 +145,16 @@ bool CLinkView::OpenMenu()
     [cell attachPopUpWithFrame:[menu bounds] inView:menu];
     [cell dismissPopUp];
     return menu != nil;
+}
+
+void CLinkView::ShowWord(const std::string& strWord)
+{
+    NSString* title =
+        strWord.empty()
+            ? kTitle
+            : [NSString stringWithFormat:@"%@ - %@", kTitle,
+                                         [NSString stringWithUTF8String:strWord.c_str()]];
+    [m_window setTitle:title];
 }
 
 std::string CLinkView::Picture()

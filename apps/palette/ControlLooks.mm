@@ -128,7 +128,10 @@ NSView* MakeCellGrid(CellMaker fnMake)
         CGFloat y = 3 * kLineHeight - 3;
         for (const Size& size : sizes)
         {
-            AddDetail(group, size.strName, 0, y + 2, kNameWidth);
+            if (nStyle != 0)
+            {
+                AddDetail(group, size.strName, 0, y + 2, kNameWidth);
+            }
             int nColumn = 0;
             for (const auto look : {CButtonLook::Up, CButtonLook::Held, CButtonLook::Disabled})
             {

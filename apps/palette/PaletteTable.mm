@@ -16,11 +16,11 @@ namespace
 
 constexpr CGFloat kRowHeight = 56;
 constexpr CGFloat kHeaderHeight = 42;
-constexpr CGFloat kTextWidth = 230;
+constexpr CGFloat kTextWidth = 222;
 constexpr CGFloat kSwatchWidth = 44;
 constexpr CGFloat kSwatchHeight = 44;
 constexpr CGFloat kSwatchGap = 6;
-constexpr CGFloat kColumnGap = 14;
+constexpr CGFloat kColumnGap = 18;
 constexpr CGFloat kColumnWidth = 2 * kSwatchWidth + kSwatchGap + kColumnGap;
 
 // What an X window has room for; a palette of use has a dozen.
@@ -124,7 +124,7 @@ void AddHeader(NSView* table)
     for (const Column& column : kColumns)
     {
         [table addSubview:MakeWords(CWords::Section, ToNSString(column.szName),
-                                    NSMakeRect(x - 2, 0, kColumnWidth, 18))];
+                                    NSMakeRect(x - 2, 0, kColumnWidth - 6, 18))];
         [table addSubview:MakeWords(CWords::Detail, @"plain",
                                     NSMakeRect(x - 2, 18, kSwatchWidth, 15))];
         [table addSubview:MakeWords(CWords::Detail, @"rounded",

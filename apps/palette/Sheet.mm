@@ -30,9 +30,9 @@ namespace Tarvane
 namespace
 {
 
-constexpr CGFloat kMargin = 24;
+constexpr CGFloat kMargin = 20;
 constexpr CGFloat kTitleHeight = 40;
-constexpr CGFloat kGutter = 28;
+constexpr CGFloat kGutter = 20;
 
 // Groups one below the other, each under its name.
 class CSheetColumn

@@ -2,6 +2,7 @@
 
 #include "apps/support/ActivationPolicy.h"
 #include "apps/support/ApplicationArguments.h"
+#include "apps/support/ApplicationIcon.h"
 #include "apps/support/CommandLine.h"
 #include "apps/support/ServiceProvider.h"
 
@@ -16,6 +17,7 @@ void OpenApplication(char** argv)
 {
     HideArguments(argv);
     OfferNoServices();
+    ShowNoIconWindow();
     bool fOpen = false;
     try
     {

@@ -33,6 +33,7 @@ class LinkBundle : public testing::Test
 
     // What the nib has connected.
     id Outlet(const char* szName);
+    NSView* MessageFrame() { return Outlet("m_viewFrame"); }
     NSPopUpButton* Tracks() { return Outlet("m_btnTracks"); }
     NSTextField* ErrorLine() { return Outlet("m_textError"); }
     NSTextField* AdviceLine() { return Outlet("m_textAdvice"); }

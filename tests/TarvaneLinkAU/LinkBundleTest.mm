@@ -112,6 +112,45 @@ TEST_F(LinkBundle, TracksThatTheServerRenamesAreShownAtOnce)
     EXPECT_NE(window.Look(Tracks()), strFoley);
 }
 
+TEST_F(LinkBundle, WithoutAServerTheButtonSaysSoAndNothingCanBeChosen)
+{
+    CDesktopWindow window(m_pView);
+    window.PointAway();
+    m_events.FailSend(-600);
+    m_plugIn.Raise(TNProperty_ArmCapture);
+    ASSERT_TRUE(window.RunUntil([&] { return [Tracks() numberOfItems] == 0; }));
+    EXPECT_EQ([Tracks() indexOfSelectedItem], -1);
+    EXPECT_TRUE(window.IsUpToDate(Tracks()));
+    const std::string strPlaceholder = window.Look(Tracks());
+
+    m_events.FailSend(-600);
+    const std::size_t nCommands = m_events.Commands().size();
+    window.Click(Tracks());
+    ASSERT_TRUE(window.RunUntil([&] { return m_events.Commands().size() > nCommands; }));
+    window.PointAway();
+    EXPECT_EQ([Tracks() indexOfSelectedItem], -1);
+    EXPECT_TRUE(Written(TNProperty_SelectedTrack).empty());
+
+    // Beside a button that says nothing, with the keyboard as the click has left it.
+    [Tracks() addItemWithTitle:@""];
+    [Tracks() selectItemAtIndex:0];
+    [[m_pView window] makeFirstResponder:nil];
+    EXPECT_NE(window.Look(Tracks()), strPlaceholder);
+}
+
+TEST_F(LinkBundle, ButtonThatHasTheKeyboardShowsIt)
+{
+    CDesktopWindow window(m_pView);
+    window.PointAway();
+    [[m_pView window] makeFirstResponder:nil];
+    const std::string strWithout = window.Look(Tracks());
+    [[m_pView window] makeFirstResponder:Tracks()];
+    EXPECT_TRUE(window.IsUpToDate(Tracks()));
+    EXPECT_NE(window.Look(Tracks()), strWithout);
+    [[m_pView window] makeFirstResponder:nil];
+    EXPECT_EQ(window.Look(Tracks()), strWithout);
+}
+
 TEST_F(LinkBundle, EachOfTwoViewsInOneWindowShowsItsOwnChoice)
 {
     NSView* pOther = MakeView(NSZeroSize);

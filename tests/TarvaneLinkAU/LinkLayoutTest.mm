@@ -1,4 +1,7 @@
 #import "tests/TarvaneLinkAU/LinkBundleFixture.h"
+#import "tests/support/DesktopWindow.h"
+
+#include "TarvaneLinkAU/TarvaneLinkProperties.h"
 
 #include <objc/runtime.h>
 
@@ -43,14 +46,12 @@ CGFloat TextWidth(NSString* pText, NSFont* pFont)
 class LinkLayout : public LinkBundle
 {
   protected:
-    NSTextField* MessageFrame() { return Outlet("m_viewFrame"); }
-
     // All of the view's texts that say the same at all times.
     std::vector<NSTextField*> Labels()
     {
         std::vector<NSTextField*> labels;
         for (NSTextField* pText : Texts())
-            if (pText != ErrorLine() && pText != AdviceLine() && pText != MessageFrame())
+            if (pText != ErrorLine() && pText != AdviceLine())
                 labels.push_back(pText);
         return labels;
     }
@@ -107,8 +108,8 @@ TEST_F(LinkLayout, OutletsHoldTheControlsOfThisProject)
         {"m_textError", "ColoredTextField"},
         {"m_textAdvice", "ColoredTextField"},
         {"m_switchCapture", "TKToggleSwitch"},
-        {"m_btnTracks", "NSPopUpButton"},
-        {"m_viewFrame", "NSTextField"}};
+        {"m_btnTracks", "TKPopUpButton"},
+        {"m_viewFrame", "TKInsetFrame"}};
     EXPECT_EQ(ClassName(m_pView), "TarvaneLink_CocoaView");
     for (const auto& [szOutlet, szClass] : outlets)
     {
@@ -116,6 +117,7 @@ TEST_F(LinkLayout, OutletsHoldTheControlsOfThisProject)
         EXPECT_TRUE([Outlet(szOutlet) isDescendantOf:m_pView]) << szOutlet;
     }
     EXPECT_EQ(ClassName([Tracks() cell]), "TKPopUpButtonCell");
+    EXPECT_EQ(ClassName([ErrorLine() cell]), "TKMessageCell");
     EXPECT_FALSE([Tracks() pullsDown]);
     EXPECT_TRUE([Outlet("uiParam1Slider") isHidden]) << "it stands for no parameter";
 }
@@ -204,12 +206,34 @@ TEST_F(LinkLayout, LabelsStandOutFromTheLightestOfTheGround)
                                                  alpha:1];
     for (NSTextField* pLabel : Labels())
         EXPECT_GE(Contrast([pLabel textColor], pGround), 4.5) << Utf8([pLabel stringValue]);
-    EXPECT_TRUE([MessageFrame() drawsBackground]);
-    NSColor* pFrame = [MessageFrame() backgroundColor];
-    EXPECT_GE(Contrast([AdviceLine() textColor], pFrame), 4.5);
-    // The red of errors is given; on this ground it is as legible as it gets.
+}
+
+// Measured on the screen: a dark text has a ground of its own.
+TEST_F(LinkLayout, MessagesStandOutFromWhatIsBehindThem)
+{
+    CDesktopWindow window(m_pView);
+    window.PointAway();
+    const auto ground = [&](NSTextField* pLine, CGFloat dX)
+    {
+        window.Look(pLine);
+        return window.ColourAt(pLine, NSMakePoint(dX, NSMidY([pLine bounds])));
+    };
+    const CGFloat dBehind = NSWidth([ErrorLine() bounds]) - 4; // what is said
+    m_events.FailSend(-600);
+    m_plugIn.Raise(TNProperty_ArmCapture);
+    ASSERT_TRUE(window.RunUntil([&] { return [[AdviceLine() stringValue] length] > 0; }));
     NSColor* pRed = [NSColor colorWithCalibratedRed:0.8 green:0.0 blue:0.0 alpha:1.0];
-    EXPECT_GE(Contrast(pRed, pFrame), 3.4);
+    EXPECT_GE(Contrast(pRed, ground(ErrorLine(), 2)), 4.5);
+    EXPECT_GE(Contrast([AdviceLine() textColor], ground(AdviceLine(), dBehind)), 4.5);
+
+    m_plugIn.SetValue<std::uint8_t>(TNProperty_ArmCapture, 1);
+    m_plugIn.SetValue<double>(kTNProperty_CurrentCaptureLength, 12.34);
+    PlayTracks(1);
+    m_plugIn.Raise(TNProperty_ArmCapture);
+    m_plugIn.Raise(kTNProperty_CurrentCaptureLength);
+    ASSERT_TRUE(window.RunUntil([&] { return [[AdviceLine() stringValue] length] == 0; }));
+    NSColor* pGrey = [NSColor colorWithCalibratedRed:0.8 green:0.8 blue:0.8 alpha:1.0];
+    EXPECT_GE(Contrast(pGrey, ground(ErrorLine(), dBehind)), 4.5);
 }
 
 TEST_F(LinkLayout, WordsFitTheirPlaces)
@@ -234,10 +258,12 @@ TEST_F(LinkLayout, WordsFitTheirPlaces)
 TEST_F(LinkLayout, EachControlHasAToolTip)
 {
     std::set<std::string> tips;
-    for (NSView* pControl :
-         {(NSView*)Toggle(), (NSView*)Tracks(), (NSView*)ErrorLine(), (NSView*)AdviceLine()})
+    for (NSView* pControl : {(NSView*)Toggle(), (NSView*)Tracks()})
         tips.insert(Utf8([pControl toolTip]));
-    EXPECT_EQ(tips.size(), 4u) << "each its own";
+    EXPECT_EQ(tips.size(), 2u) << "each its own";
+    for (NSView* pText : Parts())
+        EXPECT_TRUE(pText == Toggle() || pText == Tracks() || [[pText toolTip] length] == 0)
+            << "one over words, or over none, has nothing to add: " << ClassName(pText);
     EXPECT_EQ(tips.count("(nil)") + tips.count(""), 0u);
     EXPECT_EQ(tips.count("Capture audio"), 1u);
 }
@@ -249,8 +275,8 @@ TEST_F(LinkLayout, EachControlHasADescriptionForAccessibility)
     NSData* pData = [NSData dataWithContentsOfFile:pSource];
     NSXMLDocument* pNib = [[[NSXMLDocument alloc] initWithData:pData options:0
                                                          error:nullptr] autorelease];
-    NSArray* pControls = [pNib nodesForXPath:@"//*[@toolTip]" error:nullptr];
-    EXPECT_EQ([pControls count], 4u) << "what has a tool tip has a description";
+    NSArray* pControls = [pNib nodesForXPath:@"//*[accessibility]" error:nullptr];
+    EXPECT_EQ([pControls count], 4u) << "the controls and the two messages";
     std::set<std::string> descriptions;
     for (NSUInteger n = 0; n < [pControls count]; ++n)
     {

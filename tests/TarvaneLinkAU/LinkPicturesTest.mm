@@ -120,7 +120,7 @@ TEST_F(LinkPictures, ToleranceLetsNothingOfTheWindowBeOtherwise)
                 return m_nPixels > kMostPixels;
             });
     };
-    for (NSView* pPart : {(NSView*)Toggle(), (NSView*)Tracks(), (NSView*)Outlet("m_viewFrame")})
+    for (NSView* pPart : {(NSView*)Toggle(), (NSView*)Tracks(), MessageFrame()})
     {
         const NSRect rcFrame = [pPart frame];
         [pPart setFrame:NSOffsetRect(rcFrame, 1, 0)];

@@ -65,6 +65,17 @@ TEST(CaptureStory, OnlyDeliveredAndDuplicateAreGood)
     EXPECT_FALSE(InState(CaptureState::Waiting).IsGood());
 }
 
+TEST(CaptureStory, ADeliveredOneAloneHasAWordForTheTitle)
+{
+    EXPECT_EQ(WordOfDelivery(Entry()), "1.428 s delivered to ADR");
+    EXPECT_EQ(WordOfDelivery(NotDelivered("Same audio captured previously.")), "");
+    EXPECT_EQ(WordOfDelivery(NotDelivered("")), "");
+    for (const auto state : {CaptureState::Empty, CaptureState::Failed, CaptureState::Waiting})
+    {
+        EXPECT_EQ(WordOfDelivery(InState(state)), "");
+    }
+}
+
 TEST(CaptureStory, IsToldInPlainLines)
 {
     EXPECT_EQ(TellCapture(Entry()), "Capture 5: hello.wav\n"

@@ -203,3 +203,48 @@ TEST_F(Sheet, LivePopUpButtonShowsAtOnceWhatIsChosen)
     EXPECT_EQ([live indexOfSelectedItem], 0);
     EXPECT_TRUE(window.IsUpToDate(live));
 }
+
+TEST_F(Sheet, OpensWholeOnASmallScreen)
+{
+    // 1280 by 1024 less the title bar and the edges that window managers put around.
+    const NSSize size = [Tarvane::MakeSheet() frame].size;
+    EXPECT_LE(size.width, 1264);
+    EXPECT_LE(size.height, 940);
+}
+
+TEST_F(Sheet, WordsAreWholeAndTouchNoOthers)
+{
+    std::vector<NSTextField*> words;
+    NSView* sheet = Tarvane::MakeSheet();
+    Walk(sheet,
+         [&](NSView* view)
+         {
+             if ([view isMemberOfClass:[NSTextField class]])
+             {
+                 words.push_back((NSTextField*)view);
+             }
+         });
+    ASSERT_GT(words.size(), 80u);
+    const auto onSheet = [&](NSTextField* field)
+    {
+        NSRect rect = [field frame];
+        // All of them are flipped.
+        for (NSView* view = [field superview]; view != sheet; view = [view superview])
+        {
+            rect = NSOffsetRect(rect, NSMinX([view frame]), NSMinY([view frame]));
+        }
+        rect.size.width = [[field attributedStringValue] size].width;
+        return rect;
+    };
+    for (NSTextField* one : words)
+    {
+        EXPECT_LE(NSWidth(onSheet(one)) + 4, NSWidth([one frame]))
+            << [[one stringValue] UTF8String];
+        for (NSTextField* other : words)
+        {
+            const NSRect apart = NSInsetRect(onSheet(one), -3, 3);
+            EXPECT_TRUE(one == other || !NSIntersectsRect(apart, onSheet(other)))
+                << [[one stringValue] UTF8String] << " and " << [[other stringValue] UTF8String];
+        }
+    }
+}

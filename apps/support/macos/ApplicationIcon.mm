@@ -1,0 +1,11 @@
+#include "apps/support/ApplicationIcon.h"
+
+namespace Tarvane
+{
+
+void ShowNoIconWindow()
+{
+    // The icon is in the Dock, where it does what icons do.
+}
+
+} // namespace Tarvane
