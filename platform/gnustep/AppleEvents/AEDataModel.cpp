@@ -50,6 +50,8 @@ std::optional<UInt32> AttributeOf(const EventStorage& event, AEKeyword keyword)
         return event.eventClass;
     if (keyword == keyEventIDAttr)
         return event.eventID;
+    if (keyword == keySenderPIDAttr && event.senderProcess > 0)
+        return UInt32(event.senderProcess);
     return std::nullopt;
 }
 
@@ -157,7 +159,8 @@ OSErr AEGetAttributePtr(const AppleEvent* theAppleEvent, AEKeyword theAEKeyword,
     return WithoutExceptions(
         [&]
         {
-            const Parameter attribute{typeType, CopyOf(&*value, sizeof *value)};
+            const DescType type = theAEKeyword == keySenderPIDAttr ? typeSInt32 : typeType;
+            const Parameter attribute{type, CopyOf(&*value, sizeof *value)};
             return Read(attribute, desiredType, typeCode, dataPtr, maximumSize, actualSize);
         });
 }

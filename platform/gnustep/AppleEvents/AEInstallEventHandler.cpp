@@ -83,6 +83,14 @@ OSErr AESuspendTheCurrentEvent(const AppleEvent* theAppleEvent)
     return noErr;
 }
 
+OSErr AEResumeTheCurrentEvent(const AppleEvent* theAppleEvent, const AppleEvent*,
+                              AEEventHandlerUPP dispatcher, void*)
+{
+    if (!theAppleEvent || dispatcher != kAENoDispatch || !IsMainThread())
+        return paramErr;
+    return ThisApplication().receiver.Resume(theAppleEvent) ? OSErr(noErr) : OSErr(paramErr);
+}
+
 AEEventHandlerUPP NewAEEventHandlerUPP(AEEventHandlerProcPtr userRoutine)
 {
     return userRoutine;

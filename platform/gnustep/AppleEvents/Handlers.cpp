@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <utility>
 
 namespace AppleEvents
 {
@@ -18,6 +19,7 @@ public:
     ScopedDesc& operator=(const ScopedDesc&) = delete;
 
     AEDesc* Get() { return &m_desc; }
+    AEDesc Release() { return std::exchange(m_desc, kNullDescriptor); }
 
 private:
     AEDesc m_desc;
@@ -67,16 +69,18 @@ Handlers::Outcome Handlers::Run(EventStorage event, Parameters* answer) const
 {
     const auto found = m_handlers.find({event.eventClass, event.eventID});
     if (found == m_handlers.end())
-        return {errAEEventNotHandled, false};
+        return {errAEEventNotHandled};
     // A copy: the handler may remove itself.
     const Handler handler = found->second;
     ScopedDesc request(NewEventDescriptor(std::move(event)));
     ScopedDesc reply(answer ? NewEventDescriptor(EventStorage()) : kNullDescriptor);
     const OSErr status = Call(handler.routine, request.Get(), reply.Get(), handler.refcon);
+    if (EventOf(request.Get())->fSuspended)
+        return {noErr, true, request.Release(), reply.Release()};
     EventStorage* const filled = EventOf(reply.Get());
     if (status == noErr && answer && filled)
         *answer = std::move(filled->parameters);
-    return {status, EventOf(request.Get())->fSuspended};
+    return {status};
 }
 
 } // namespace AppleEvents

@@ -26,7 +26,10 @@ public:
     struct Outcome
     {
         OSErr status;
-        bool fSuspended;
+        // Of a suspended event, with its reply: the caller's from then on.
+        bool fSuspended = false;
+        AEDesc event = kNullDescriptor;
+        AEDesc reply = kNullDescriptor;
     };
 
     // Runs the event's handler; the status is errAEEventNotHandled without one. A handler

@@ -21,6 +21,9 @@ constexpr std::uint64_t kLastReconnectMicroseconds = 1'000'000;
 // So that a flood of events leaves room for the rest of the application.
 constexpr int kMessagesAPass = 16;
 
+// Senders come and go; whoever is still there is asked about again.
+constexpr std::size_t kMostProcessesKept = 256;
+
 // What RequestName answers.
 constexpr std::uint32_t kPrimaryOwner = 1;
 constexpr std::uint32_t kAlreadyOwner = 4;
@@ -39,6 +42,14 @@ void Reply(sd_bus_message* request, OSErr status, const Parameters& answer)
     // A sender or a bus that has gone is no news to anybody.
     if (result < 0 && !MeansLost(result))
         std::fprintf(stderr, "Apple events: a reply could not be sent (%d)\n", result);
+}
+
+void ReplyThatFits(sd_bus_message* request, OSErr status, const Parameters& answer)
+{
+    if (FitsInMessage(answer))
+        Reply(request, status, answer);
+    else
+        Reply(request, bufferIsSmall, Parameters());
 }
 
 } // namespace
@@ -111,6 +122,7 @@ OSErr Receiver::Connect(const Deadline& deadline)
 void Receiver::Disconnect()
 {
     m_watch.Release();
+    m_processes.clear();
     m_request.reset();
     m_question.reset();
     m_object.reset();
@@ -215,17 +227,60 @@ void Receiver::Answer(sd_bus_message* request)
             EventStorage event;
             if (const OSErr unreadable = ReadRequest(request, event))
                 return unreadable;
+            event.senderProcess = ProcessOf(request);
             const Handlers::Outcome outcome =
                 m_handlers.Run(std::move(event), fWantsReply ? &answer : nullptr);
             fSuspended = outcome.fSuspended;
+            if (fSuspended)
+                m_suspended.push_back(
+                    {MessageRef(fWantsReply ? sd_bus_message_ref(request) : nullptr), outcome.event,
+                     outcome.reply});
             return outcome.status;
         });
-    if (!fWantsReply || fSuspended)
-        return;
-    if (FitsInMessage(answer))
-        Reply(request, status, answer);
-    else
-        Reply(request, bufferIsSmall, Parameters());
+    if (fWantsReply && !fSuspended)
+        ReplyThatFits(request, status, answer);
+}
+
+SInt32 Receiver::ProcessOf(sd_bus_message* request)
+{
+    const char* const sender = sd_bus_message_get_sender(request);
+    if (!sender)
+        return 0;
+    if (const auto found = m_processes.find(sender); found != m_processes.end())
+        return found->second;
+    sd_bus_creds* creds = nullptr;
+    pid_t process = 0;
+    if (sd_bus_get_name_creds(m_bus.get(), sender, SD_BUS_CREDS_PID, &creds) >= 0)
+        sd_bus_creds_get_pid(creds, &process);
+    sd_bus_creds_unref(creds);
+    if (m_processes.size() >= kMostProcessesKept)
+        m_processes.clear();
+    m_processes.emplace(sender, process);
+    return process;
+}
+
+bool Receiver::Resume(const AppleEvent* event)
+{
+    const auto found = std::find_if(m_suspended.begin(), m_suspended.end(),
+                                    [=](const Suspended& suspended)
+                                    { return suspended.event.dataHandle == event->dataHandle; });
+    if (found == m_suspended.end())
+    {
+        // Still within its handler: the reply goes out when that returns.
+        EventStorage* const underWay = EventOf(event);
+        const bool fUnderWay = underWay && underWay->fSuspended;
+        if (fUnderWay)
+            underWay->fSuspended = false;
+        return fUnderWay;
+    }
+    Suspended suspended = std::move(*found);
+    m_suspended.erase(found);
+    if (const EventStorage* const reply = EventOf(&suspended.reply); reply && suspended.request)
+        ReplyThatFits(suspended.request.get(), noErr, reply->parameters);
+    AEDisposeDesc(&suspended.event);
+    AEDisposeDesc(&suspended.reply);
+    WatchConnection();
+    return true;
 }
 
 void Receiver::CloseAfterServing()

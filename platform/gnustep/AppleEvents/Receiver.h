@@ -4,7 +4,9 @@
 #include "platform/gnustep/AppleEvents/Handlers.h"
 #include "platform/gnustep/AppleEvents/RunLoopWatch.h"
 
+#include <map>
 #include <string>
+#include <vector>
 
 namespace AppleEvents
 {
@@ -24,6 +26,9 @@ public:
     // From within a handler it takes effect once that handler's reply has gone out, unless Open
     // comes first.
     void Close();
+
+    // Sends the reply of a suspended event and disposes of both. False: there is no such event.
+    bool Resume(const AppleEvent* event);
 
 private:
     enum class Ownership
@@ -45,6 +50,7 @@ private:
     void WatchConnection();
     void ServeRequest();
     void Answer(sd_bus_message* request);
+    SInt32 ProcessOf(sd_bus_message* request);
     void CloseAfterServing();
 
     static int KeepRequest(sd_bus_message* message, void* receiver, sd_bus_error* error);
@@ -59,6 +65,15 @@ private:
     SlotRef m_question;
     MessageRef m_request;
     Ownership m_ownership = Ownership::Asked;
+    struct Suspended
+    {
+        MessageRef request; // null when no reply is wanted
+        AEDesc event;
+        AEDesc reply;
+    };
+
+    std::vector<Suspended> m_suspended;
+    std::map<std::string, SInt32> m_processes; // of senders, by their names on this bus
     int m_nServing = 0;
     bool m_fCloseWhenServed = false;
     std::uint64_t m_nReconnectDelay = 0;

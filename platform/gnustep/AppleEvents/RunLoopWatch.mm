@@ -2,19 +2,24 @@
 
 #import <Foundation/Foundation.h>
 
-// The object behind a RunLoopWatch: the run loop and the timer hold it.
+#include <sys/timerfd.h>
+#include <unistd.h>
+
+// The object behind a RunLoopWatch: the run loop holds it. The timer is a descriptor of the monotonic
+// clock: NSTimer goes by the time of day, and would wait for as long as that is set back.
 @interface TarvaneRunLoopTarget : NSObject <RunLoopEvents>
 {
   @public
     AppleEvents::RunLoopClient* m_client;
-    NSTimer* m_timer;
+    int m_nTimer;
     int m_nDescriptor;
     bool m_fReading;
     bool m_fWriting;
 }
-- (void)watchFor:(RunLoopEventType)type add:(bool)fAdd;
-- (void)scheduleAfter:(NSTimeInterval)seconds;
-- (void)cancelTimer;
+- (void)watch:(int)nDescriptor for:(RunLoopEventType)type add:(bool)fAdd;
+- (void)openTimer;
+- (void)closeTimer;
+- (void)setTimer:(std::uint64_t)nMicroseconds;
 @end
 
 namespace
@@ -45,11 +50,11 @@ class ScopedPool
 
 @implementation TarvaneRunLoopTarget
 
-- (void)watchFor:(RunLoopEventType)type add:(bool)fAdd
+- (void)watch:(int)nDescriptor for:(RunLoopEventType)type add:(bool)fAdd
 {
     NSRunLoop* const runLoop = [NSRunLoop currentRunLoop];
     NSArray* const modes = WatchedModes();
-    void* const descriptor = reinterpret_cast<void*>(intptr_t(m_nDescriptor));
+    void* const descriptor = reinterpret_cast<void*>(intptr_t(nDescriptor));
     for (NSUInteger i = 0; i < [modes count]; i++)
     {
         NSString* const mode = [modes objectAtIndex:i];
@@ -60,31 +65,29 @@ class ScopedPool
     }
 }
 
-- (void)scheduleAfter:(NSTimeInterval)seconds
+- (void)openTimer
 {
-    [self cancelTimer];
-    m_timer = [NSTimer timerWithTimeInterval:seconds
-                                      target:self
-                                    selector:@selector(timerFired:)
-                                    userInfo:nil
-                                     repeats:NO];
-    NSArray* const modes = WatchedModes();
-    for (NSUInteger i = 0; i < [modes count]; i++)
-        [[NSRunLoop currentRunLoop] addTimer:m_timer forMode:[modes objectAtIndex:i]];
+    m_nTimer = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
+    if (m_nTimer >= 0)
+        [self watch:m_nTimer for:ET_RDESC add:true];
 }
 
-- (void)cancelTimer
+- (void)closeTimer
 {
-    [m_timer invalidate];
-    m_timer = nil;
+    if (m_nTimer < 0)
+        return;
+    [self watch:m_nTimer for:ET_RDESC add:false];
+    close(m_nTimer);
+    m_nTimer = -1;
 }
 
-- (void)timerFired:(NSTimer*)timer
+// 0 is no time.
+- (void)setTimer:(std::uint64_t)nMicroseconds
 {
-    (void)timer;
-    m_timer = nil;
-    if (m_client)
-        m_client->Wake();
+    itimerspec when{};
+    when.it_value.tv_sec = time_t(nMicroseconds / 1'000'000);
+    when.it_value.tv_nsec = long(nMicroseconds % 1'000'000) * 1'000;
+    timerfd_settime(m_nTimer, 0, &when, nullptr);
 }
 
 #pragma mark RunLoopEvents
@@ -94,10 +97,13 @@ class ScopedPool
                 extra:(void*)extra
               forMode:(NSString*)mode
 {
-    (void)data;
     (void)type;
     (void)extra;
     (void)mode;
+    std::uint64_t nTimes = 0;
+    if (data == reinterpret_cast<void*>(intptr_t(m_nTimer)) &&
+        read(m_nTimer, &nTimes, sizeof nTimes) < 0)
+        return; // it was set anew meanwhile
     if (m_client)
         m_client->Wake();
 }
@@ -115,13 +121,16 @@ struct RunLoopWatch::Target
 RunLoopWatch::RunLoopWatch(RunLoopClient& client)
     : m_target(new Target{[[TarvaneRunLoopTarget alloc] init]})
 {
+    const ScopedPool pool;
     m_target->object->m_client = &client;
+    m_target->object->m_nTimer = -1;
 }
 
 RunLoopWatch::~RunLoopWatch()
 {
     Release();
-    CancelWake();
+    const ScopedPool pool;
+    [m_target->object closeTimer];
     m_target->object->m_client = nullptr;
     [m_target->object release];
 }
@@ -134,9 +143,9 @@ void RunLoopWatch::Watch(int descriptor, bool fReading, bool fWriting)
         Release();
     object->m_nDescriptor = descriptor;
     if (object->m_fReading != fReading)
-        [object watchFor:ET_RDESC add:fReading];
+        [object watch:object->m_nDescriptor for:ET_RDESC add:fReading];
     if (object->m_fWriting != fWriting)
-        [object watchFor:ET_WDESC add:fWriting];
+        [object watch:object->m_nDescriptor for:ET_WDESC add:fWriting];
     object->m_fReading = fReading;
     object->m_fWriting = fWriting;
 }
@@ -146,22 +155,26 @@ void RunLoopWatch::Release()
     const ScopedPool pool;
     TarvaneRunLoopTarget* const object = m_target->object;
     if (object->m_fReading)
-        [object watchFor:ET_RDESC add:false];
+        [object watch:object->m_nDescriptor for:ET_RDESC add:false];
     if (object->m_fWriting)
-        [object watchFor:ET_WDESC add:false];
+        [object watch:object->m_nDescriptor for:ET_WDESC add:false];
     object->m_fReading = object->m_fWriting = false;
 }
 
 void RunLoopWatch::WakeAfter(std::uint64_t microseconds)
 {
     const ScopedPool pool;
-    [m_target->object scheduleAfter:NSTimeInterval(microseconds) / 1'000'000];
+    TarvaneRunLoopTarget* const object = m_target->object;
+    if (object->m_nTimer < 0)
+        [object openTimer];
+    [object setTimer:microseconds > 0 ? microseconds : 1];
 }
 
 void RunLoopWatch::CancelWake()
 {
     const ScopedPool pool;
-    [m_target->object cancelTimer];
+    if (m_target->object->m_nTimer >= 0)
+        [m_target->object setTimer:0];
 }
 
 } // namespace AppleEvents

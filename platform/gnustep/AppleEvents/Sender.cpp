@@ -4,19 +4,20 @@
 #include "platform/gnustep/AppleEvents/Wire.h"
 
 #include <cstdint>
+#include <string_view>
+#include <utility>
 
 namespace AppleEvents
 {
 namespace
 {
 
-// Only our own deadline ends a call, so that a NoReply error always means that the peer is gone.
-constexpr std::uint64_t kNoBusTimeout = kForever;
+constexpr std::string_view kBusItself = "org.freedesktop.DBus";
 
-int KeepAnswer(sd_bus_message* message, void* answer, sd_bus_error*)
+std::string_view SenderOf(sd_bus_message* message)
 {
-    static_cast<MessageRef*>(answer)->reset(sd_bus_message_ref(message));
-    return 1;
+    const char* const sender = sd_bus_message_get_sender(message);
+    return sender ? sender : std::string_view();
 }
 
 int NewEventMessage(sd_bus* bus, const std::string& name, const EventStorage& event,
@@ -72,28 +73,44 @@ template <typename Condition> OSErr Sender::WaitFor(Condition&& done, const Dead
 OSErr Sender::SendAndWait(const std::string& name, const EventStorage& event, Parameters& reply,
                           const Deadline& deadline)
 {
-    MessageRef answer;
-    OSErr status = Exchange([&](sd_bus* bus, MessageRef& message)
-                            { return NewEventMessage(bus, name, event, message); },
-                            answer, deadline);
+    reply.clear();
+    m_call = Call{name, 0, 0, {}, {}, {}};
+    OSErr status = AskForOwner(deadline);
+    MessageRef message;
+    int result = 0;
     if (status == noErr)
-        status = ReadReply(answer.get(), reply);
+        result = NewEventMessage(m_bus.get(), name, event, message);
+    if (status == noErr && result >= 0)
+        result = sd_bus_send(m_bus.get(), message.get(), &m_call->nEventCookie);
+    if (status == noErr && result < 0)
+        status = StatusForErrno(result);
+    if (status == noErr)
+        status = WaitFor([this] { return m_call->answer != nullptr; }, deadline);
+    if (status == noErr)
+        status = ReadReply(m_call->answer.get(), reply);
     if (status != noErr)
         reply.clear();
+    // A late reply finds no call.
+    m_call.reset();
     return status;
 }
 
 OSErr Sender::SendOnly(const std::string& name, const EventStorage& event, const Deadline& deadline)
 {
-    // Nobody reports on a message that wants no reply, so the owner is asked for first.
-    MessageRef answer;
-    const OSErr status = Exchange([&](sd_bus* bus, MessageRef& message)
-                                  { return NewOwnerQuestion(bus, name, message); },
-                                  answer, deadline);
+    // Nobody reports on a message that wants no reply, so the owner is waited for.
+    m_call = Call{name, 0, 0, {}, {}, {}};
+    OSErr status = AskForOwner(deadline);
+    if (status == noErr)
+        status = WaitFor([this] { return m_call->answer || !m_call->owner.empty(); }, deadline);
+    const MessageRef refusal = m_call ? std::move(m_call->answer) : nullptr;
+    m_call.reset();
     if (status != noErr)
         return status;
-    if (const sd_bus_error* const error = sd_bus_message_get_error(answer.get()))
-        return StatusForErrorName(error->name ? error->name : "");
+    if (refusal)
+    {
+        Parameters none;
+        return ReadReply(refusal.get(), none);
+    }
 
     MessageRef message;
     int result = NewEventMessage(m_bus.get(), name, event, message);
@@ -116,14 +133,14 @@ OSErr Sender::Open(const Deadline& deadline)
         return status;
     const Wait wait =
         ProcessUntil(m_bus.get(), deadline, [this] { return sd_bus_is_ready(m_bus.get()) > 0; });
-    if (wait == Wait::Done)
+    // The bus object keeps the filter for as long as it lives.
+    if (wait == Wait::Done && sd_bus_add_filter(m_bus.get(), nullptr, TakeReply, this) >= 0)
         return noErr;
     m_bus.reset();
     return wait == Wait::TimedOut ? OSErr(errAETimeout) : OSErr(procNotFound);
 }
 
-template <typename Make>
-OSErr Sender::Exchange(Make&& make, MessageRef& answer, const Deadline& deadline)
+OSErr Sender::AskForOwner(const Deadline& deadline)
 {
     bool fOpened = false;
     for (;;)
@@ -136,22 +153,61 @@ OSErr Sender::Exchange(Make&& make, MessageRef& answer, const Deadline& deadline
             if (const OSErr status = Open(deadline))
                 return status;
         }
-        MessageRef message;
-        sd_bus_slot* slot = nullptr;
-        int result = make(m_bus.get(), message);
+        const int result = SendOwnerQuestion();
         if (result >= 0)
-            result = sd_bus_call_async(m_bus.get(), &slot, message.get(), KeepAnswer, &answer,
-                                       kNoBusTimeout);
-        if (result >= 0)
-        {
-            // With the slot goes the library's interest in the reply: a late one is dropped.
-            const SlotRef call(slot);
-            return WaitFor([&] { return answer != nullptr; }, deadline);
-        }
+            return noErr;
         if (!MeansLost(result))
             return StatusForErrno(result);
         m_bus.reset();
     }
+}
+
+int Sender::SendOwnerQuestion()
+{
+    MessageRef question;
+    const int result = NewOwnerQuestion(m_bus.get(), m_call->name, question);
+    return result < 0 ? result : sd_bus_send(m_bus.get(), question.get(), &m_call->nOwnerCookie);
+}
+
+int Sender::TakeReply(sd_bus_message* message, void* sender, sd_bus_error*)
+{
+    auto& self = *static_cast<Sender*>(sender);
+    std::uint64_t cookie = 0;
+    if (!self.m_call || sd_bus_message_get_reply_cookie(message, &cookie) < 0)
+        return 0;
+    if (cookie == self.m_call->nOwnerCookie && SenderOf(message) == kBusItself)
+        self.TakeOwner(message);
+    else if (cookie == self.m_call->nEventCookie)
+        self.TakeAnswer(message);
+    return 1;
+}
+
+void Sender::TakeOwner(sd_bus_message* reply)
+{
+    const char* owner = nullptr;
+    if (sd_bus_message_is_method_error(reply, nullptr) > 0 ||
+        sd_bus_message_read(reply, "s", &owner) < 0)
+    {
+        m_call->answer.reset(sd_bus_message_ref(reply));
+        return;
+    }
+    m_call->owner = owner;
+    if (m_call->foreign && SenderOf(m_call->foreign.get()) == m_call->owner)
+        m_call->answer = std::move(m_call->foreign);
+    m_call->foreign.reset();
+}
+
+void Sender::TakeAnswer(sd_bus_message* reply)
+{
+    const std::string_view sender = SenderOf(reply);
+    if (sender == kBusItself || sender == m_call->owner)
+    {
+        m_call->answer.reset(sd_bus_message_ref(reply));
+        return;
+    }
+    // Between the question and the call the name may have passed to another.
+    m_call->foreign.reset(sd_bus_message_ref(reply));
+    SendOwnerQuestion();
 }
 
 void Sender::DropWhenClogged()

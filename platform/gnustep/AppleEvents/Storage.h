@@ -42,7 +42,8 @@ struct EventStorage : Storage
     AEEventID eventID = 0;
     Parameter target{typeNull, {}};
     Parameters parameters;
-    bool fSuspended = false; // no reply goes out when its handler returns
+    SInt32 senderProcess = 0; // of an event that was received; 0 when it is not known
+    bool fSuspended = false;  // no reply goes out when its handler returns
 };
 
 // The kind is taken from the storage, never from descriptorType, which anybody may overwrite.

@@ -90,6 +90,15 @@ MessageRef EmptyReply(sd_bus_message* call)
     return MessageRef(reply);
 }
 
+MessageRef StatusReply(sd_bus_message* call, OSErr status)
+{
+    sd_bus_message* reply = nullptr;
+    sd_bus_message_new_method_return(call, &reply);
+    sd_bus_message_append(reply, "n", int(status));
+    AppendParameters(reply, {});
+    return MessageRef(reply);
+}
+
 OSErr StatusWhenAnswered(ForeignReceiver::Answer answer)
 {
     const ForeignReceiver receiver(BusNameForSignature('Tst1'), std::move(answer));
@@ -340,4 +349,20 @@ TEST_F(ForeignReply, ThatNeverComesIsATimeout)
     const ForeignReceiver receiver(BusNameForSignature('Tst1'),
                                    [](sd_bus_message*) { return MessageRef(); });
     EXPECT_EQ(errAETimeout, SendAndWait(kEcho, 12));
+}
+
+TEST_F(ForeignReply, OfWhoeverDoesNotOwnTheNameIsPassedOver)
+{
+    constexpr OSErr kForged = -30001, kTrue = -30002;
+    const BusRef impostor = ConnectToBus();
+    const OSErr status = StatusWhenAnswered(
+        [&](sd_bus_message* call)
+        {
+            for (const OSErr nStatus : {kForged, OSErr(noErr)})
+                EXPECT_GE(sd_bus_send(impostor.get(), StatusReply(call, nStatus).get(), nullptr), 0);
+            // Delivered before the true one is sent.
+            EXPECT_GT(ConnectionsOnTheBus(impostor.get()), 0);
+            return StatusReply(call, kTrue);
+        });
+    EXPECT_EQ(kTrue, status);
 }

@@ -47,7 +47,8 @@ enum : AEKeyword
 {
     keyDirectObject = '----',
     keyEventClassAttr = 'evcl',
-    keyEventIDAttr = 'evid'
+    keyEventIDAttr = 'evid',
+    keySenderPIDAttr = 'spid'
 };
 
 enum : AEReturnID
@@ -105,7 +106,8 @@ extern "C"
                         Size* dataSize);
 
     // Reads an attribute in the manner of AEGetParamPtr. The attributes are keyEventClassAttr and
-    // keyEventIDAttr, each a native 32-bit code of type typeType.
+    // keyEventIDAttr, each a native 32-bit code of type typeType, and of an event that was received
+    // keySenderPIDAttr, the sending process as typeSInt32, unless the bus could not tell.
     OSErr AEGetAttributePtr(const AppleEvent* theAppleEvent, AEKeyword theAEKeyword,
                             DescType desiredType, DescType* typeCode, void* dataPtr,
                             Size maximumSize, Size* actualSize);

@@ -44,6 +44,9 @@ using AEEventHandlerProcPtr = OSErr (*)(const AppleEvent* theAppleEvent, AppleEv
                                         void* handlerRefcon);
 using AEEventHandlerUPP = AEEventHandlerProcPtr;
 
+// A dispatcher for AEResumeTheCurrentEvent.
+constexpr AEEventHandlerUPP kAENoDispatch = nullptr;
+
 extern "C"
 {
 
@@ -99,9 +102,16 @@ extern "C"
                                AEEventHandlerUPP handler, Boolean isSysHandler);
 
     // Within the handler of the event: no reply goes out when the handler returns, and the sender
-    // waits on. There is no resuming here, so it waits until its time is over.
+    // waits on, until the event is resumed or its time is over. The event and its reply stay valid
+    // until then; keep copies of both descriptors.
     // errAENotAppleEvent: theAppleEvent is no event.
     OSErr AESuspendTheCurrentEvent(const AppleEvent* theAppleEvent);
+
+    // Main thread, once for an event that was suspended: sends the reply, and disposes of both. No event
+    // is dispatched again: dispatcher is kAENoDispatch. A sender that has gone is no news.
+    // paramErr: no such event is suspended, any other dispatcher, or another thread.
+    OSErr AEResumeTheCurrentEvent(const AppleEvent* theAppleEvent, const AppleEvent* reply,
+                                  AEEventHandlerUPP dispatcher, void* handlerRefcon);
 
     // A routine pointer is its own universal pointer; both exist for callers' sake.
     AEEventHandlerUPP NewAEEventHandlerUPP(AEEventHandlerProcPtr userRoutine);
