@@ -1,13 +1,9 @@
 #include "plugin/view/ViewSupervisor.h"
 
 #include "plugin/view/ViewProcess.h"
-#include "signal/PropertyStatus.h"
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <system_error>
@@ -176,9 +172,8 @@ void CViewSupervisor::Start()
         SetTrouble(std::string("The view cannot be started: ") + error.what() + ".");
         return;
     }
-    m_fGreeted = false;
+    m_service.emplace(m_core);
     m_nWindowTold = 0;
-    m_strFailure.clear();
     {
         std::lock_guard lock(m_mutex);
         m_nProcessId = m_pProcess->Pid();
@@ -253,88 +248,36 @@ bool CViewSupervisor::Serve()
 
 bool CViewSupervisor::Take(const CFrame& frame)
 {
-    if (!m_fGreeted)
-    {
-        m_fGreeted = frame.kind == FrameKind::Hello && frame.nId == kViewProtocolVersion;
-        return m_fGreeted;
-    }
-    switch (frame.kind)
-    {
-    case FrameKind::Get:
-    case FrameKind::Info:
-    case FrameKind::Set:
-        return m_pProcess->Send(Answer(frame));
-    case FrameKind::Ready:
+    std::optional<CFrame> reply;
+    if (!m_service->Take(frame, reply))
+        return false;
+    if (m_service->IsReady())
         SetTrouble("");
-        m_core.ViewJoined();
-        return true;
-    case FrameKind::Failed:
-        m_strFailure.assign(frame.data.begin(), frame.data.end());
-        return true;
-    case FrameKind::Outcome:
-        return TellOutcome(frame);
-    case FrameKind::ServerAppeared:
-        m_core.ServerAppeared();
-        return true;
-    default:
-        return false;
-    }
-}
-
-CFrame CViewSupervisor::Answer(const CFrame& question)
-{
-    CFrame reply{.kind = FrameKind::Reply, .nSerial = question.nSerial};
-    if (question.kind == FrameKind::Get)
-    {
-        std::array<std::uint8_t, kMaxFrameData> value{};
-        reply.nSize = std::min<std::uint32_t>(question.nSize, kMaxFrameData);
-        reply.nStatus = m_core.GetProperty(question.nId, kPropertyScope_Global, question.nElement,
-                                           value.data(), &reply.nSize);
-        if (reply.nStatus == kPropertyDone)
-            reply.data.assign(value.begin(), value.begin() + reply.nSize);
-    }
-    else if (question.kind == FrameKind::Info)
-    {
-        bool fWritable = false;
-        reply.nStatus = m_core.GetPropertyInfo(question.nId, kPropertyScope_Global,
-                                               question.nElement, &reply.nSize, &fWritable);
-        reply.nId = fWritable ? 1 : 0;
-    }
-    else
-    {
-        reply.nStatus = m_core.SetProperty(question.nId, kPropertyScope_Global, question.nElement,
-                                           question.data.data(),
-                                           static_cast<std::uint32_t>(question.data.size()));
-    }
-    return reply;
-}
-
-bool CViewSupervisor::TellOutcome(const CFrame& frame)
-{
-    double dPosition = 0;
-    if (frame.nId > 0xFF || frame.data.size() < sizeof dPosition)
-        return false;
-    const auto outcome = TakeOutcomeOf(static_cast<std::uint8_t>(frame.nId));
-    if (!outcome)
-        return false;
-    std::memcpy(&dPosition, frame.data.data(), sizeof dPosition);
-    const std::string strWords(frame.data.begin() + sizeof dPosition, frame.data.end());
-    m_core.TellOutcome(static_cast<std::int32_t>(frame.nElement), *outcome, strWords, dPosition);
-    return true;
+    return !reply || m_pProcess->Send(std::move(*reply));
 }
 
 void CViewSupervisor::Lose()
 {
+    // What it said last may still lie there, why it ended for instance.
+    constexpr int kLastFrames = 64;
+    CFrame frame;
+    std::optional<CFrame> dropped;
+    for (int n = 0; n < kLastFrames; ++n)
+    {
+        if (m_pProcess->Socket().Receive(frame, false) != CPacketSocket::Result::Done ||
+            !m_service->Take(frame, dropped))
+            break;
+    }
     const std::string strEnd = m_pProcess->WaitForEnd();
     m_pProcess.reset();
     {
         std::lock_guard lock(m_mutex);
         m_nProcessId = 0;
     }
-    if (!m_strFailure.empty())
+    if (!m_service->Failure().empty())
     {
         m_nStartsLeft = 0; // it would say the same again
-        SetTrouble(m_strFailure);
+        SetTrouble(m_service->Failure());
     }
     else if (m_nStartsLeft == 0)
         SetTrouble("The view has ended again and again, at last with " + strEnd + ".");

@@ -1,6 +1,7 @@
 // Keeps the process of a plug-in's view running and serves it.
 #pragma once
 
+#include "plugin/view/ViewService.h"
 #include "signal/CaptureCore.h"
 
 #include <cstdint>
@@ -8,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -15,7 +17,6 @@ namespace Tarvane
 {
 
 class CViewProcess;
-struct CFrame;
 
 // The view's process is started when it is first wanted, and ends with this object. When it ends
 // before, it is started again, kMaxRestarts times in all since somebody has last asked for it; what
@@ -75,8 +76,6 @@ private:
     bool Serve();
     void Lose();
     bool Take(const CFrame& frame);
-    CFrame Answer(const CFrame& question);
-    bool TellOutcome(const CFrame& frame);
     void SetTrouble(const std::string& strTrouble);
 
     CCaptureCore& m_core;
@@ -94,10 +93,9 @@ private:
     // The supervisor's thread alone.
     std::unique_ptr<CViewProcess> m_pProcess; // null while there is none
     int m_nStartsLeft = 0;
-    bool m_fGreeted = false;
-    std::uint32_t m_nWindowTold = 0; // what the process was told; 0 for no window
+    std::optional<CViewService> m_service; // of the process
+    std::uint32_t m_nWindowTold = 0;       // what the process was told; 0 for no window
     unsigned m_nOpeningTold = 0;
-    std::string m_strFailure; // what the process said of itself
 
     std::thread m_thread;
 };
