@@ -5,8 +5,9 @@ constinit CNotificationGate CNotificationGate::s_gates[kStaticGates];
 CNotificationGate& CNotificationGate::OpenFor(const void* pView)
 {
     CNotificationGate* pGate = &FirstFor(pView);
-    for (const void* pNobody = nullptr; !pGate->m_pView.compare_exchange_strong(pNobody, pView);
-         pNobody = nullptr)
+    for (const void* pThere = nullptr;
+         !pGate->m_pView.compare_exchange_strong(pThere, pView) && pThere != pView;
+         pThere = nullptr)
     {
         CNotificationGate* pNext = pGate->m_pNext.load();
         if (pNext == nullptr)

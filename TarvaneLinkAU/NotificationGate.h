@@ -17,11 +17,12 @@
 // Why nobody is turned away too early: only that exchange closes the gate. A notifier who was
 // inside and has queued a call, which owns the view, is seen before it.
 //
-// A gate that its view has left serves another view. A late call that found it under the old
-// address counts itself in, compares the address once more and leaves. A new view at the old
-// address may hear a late call that was meant for the old one; it is alive, and asks its plug-in.
-// Gates hang in lists by a hash of the address: there are as many as there ever were views at one
-// time, and the first of each list is static.
+// A gate belongs to an address for good: it is closed while no view is there, and opened for the
+// next view that is. That one may hear a late call that was meant for the old one; it is alive, and
+// asks its plug-in. An address without a gate is none of a view, and is let in: whoever gave it to
+// the plug-in answers for it. Gates hang in lists by a hash of the address, the first of each list
+// static: there are as many as addresses at which views ever were, which memory that is used again
+// keeps few.
 //
 // No operation takes a lock. Only OpenFor may allocate.
 class alignas(64) CNotificationGate
@@ -42,25 +43,25 @@ public:
     {
     public:
         CPass(const void* pView, Kind kind)
-            : m_nOne(kind == Kind::Progress ? kOneProgress : kOneOther), m_pGate(Find(pView))
+            : m_nOne(kind == Kind::Progress ? kOneProgress : kOneOther), m_pGate(Find(pView)),
+              m_fIn(m_pGate == nullptr || m_pGate->Enter(m_nOne))
         {
-            if (m_pGate != nullptr && !m_pGate->Enter(pView, m_nOne))
-                m_pGate = nullptr;
         }
         ~CPass()
         {
-            if (m_pGate != nullptr)
+            if (m_pGate != nullptr && m_fIn)
                 m_pGate->Leave(m_nOne);
         }
         CPass(const CPass&) = delete;
         CPass& operator=(const CPass&) = delete;
 
-        // False when there is no such view, or not any more: leave the address alone.
-        explicit operator bool() const { return m_pGate != nullptr; }
+        // False when the view is not there any more: leave the address alone.
+        explicit operator bool() const { return m_fIn; }
 
     private:
         std::uint64_t m_nOne;
-        CNotificationGate* m_pGate;
+        CNotificationGate* m_pGate; // null where no view ever was
+        bool m_fIn;
     };
 
     // Keeps progress out for the life of this value. Begins when none is inside. For the thread
@@ -87,7 +88,7 @@ public:
 
     // For an owner that is about to let go, and not from inside. isLast tells whether it is the
     // only owner. Returns when it is not, with the gate open, or when nobody is inside and the gate
-    // is closed for good.
+    // is closed.
     template <typename IsLast> void CloseBehindTheLast(IsLast isLast)
     {
         m_nState.fetch_or(kPaused);
@@ -104,8 +105,8 @@ public:
         m_nState.fetch_and(~kPaused);
     }
 
-    // Gives a closed gate to whoever needs one. Before the view's memory is given back.
-    void Abandon() { m_pView.store(nullptr); }
+    // Before the view's memory is given back, whichever way it came to that.
+    void Abandon() { m_nState.fetch_or(kClosed); }
 
 private:
     // The word: what bars the way, who is inside, and how often somebody came in.
@@ -134,14 +135,14 @@ private:
         return pGate;
     }
 
-    bool Enter(const void* pView, std::uint64_t nOne)
+    bool Enter(std::uint64_t nOne)
     {
         const std::uint64_t nBars = kClosed | (nOne == kOneProgress ? kPaused : 0);
         // Looked at first, so that those who are turned away disturb nobody who waits.
         if ((m_nState.load(std::memory_order_relaxed) & nBars) != 0)
             return false;
         const std::uint64_t nBefore = m_nState.fetch_add(kOneEntry + nOne);
-        if ((nBefore & nBars) == 0 && m_pView.load() == pView)
+        if ((nBefore & nBars) == 0)
             return true;
         Leave(nOne);
         return false;
@@ -150,6 +151,6 @@ private:
     void Leave(std::uint64_t nOne) { m_nState.fetch_sub(nOne); }
 
     std::atomic<std::uint64_t> m_nState{kClosed};
-    std::atomic<const void*> m_pView{nullptr};
+    std::atomic<const void*> m_pView{nullptr}; // written once
     std::atomic<CNotificationGate*> m_pNext{nullptr};
 };

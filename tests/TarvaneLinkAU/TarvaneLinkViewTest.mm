@@ -23,6 +23,25 @@ using testing::IsEmpty;
 
 @end
 
+// Takes what a listener passes on, and is no view.
+@interface PropertyChangeRecorder : NSObject
+{
+  @public
+    std::uint32_t m_nProperty;
+    std::uint32_t m_nElement;
+}
+@end
+
+@implementation PropertyChangeRecorder
+
+- (void)PropertyChanged:(std::uint32_t)nProperty Element:(std::uint32_t)nElement
+{
+    m_nProperty = nProperty;
+    m_nElement = nElement;
+}
+
+@end
+
 namespace
 {
 class LinkView : public LinkViewFixture
@@ -441,18 +460,28 @@ TEST_F(LinkView, CallsThatComeWhenTheViewIsGoneAreDropped)
     EXPECT_THAT(m_plugIn.Lines(), IsEmpty());
 }
 
-TEST_F(LinkView, NextViewAtTheAddressIsHeard)
+TEST_F(LinkView, ViewThatIsDestroyedOutrightHearsNothingAnyMore)
 {
-    const void* pAddress = m_pView;
-    [m_pView release];
+    Attach();
+    TarvaneLink_CocoaView* pGone = m_pView;
+    [m_pView dealloc];
     m_pView = nil;
-    CNotificationGate& gate = CNotificationGate::OpenFor(pAddress);
-    EXPECT_TRUE(bool(CNotificationGate::CPass(pAddress, CNotificationGate::Kind::Other)));
-    gate.CloseBehindTheLast([] { return true; });
-    gate.Abandon();
+    m_plugIn.ForgetRecords();
+    ViewEventListener(pGone, m_plugIn.Unit(), TNProperty_Elements, 0, 0);
+    RunQueuedCalls();
+    EXPECT_THAT(m_plugIn.Lines(), IsEmpty());
 }
 
 #pragma mark Notifications
+
+TEST(ViewEventListener, SendsIdAndElementToWhateverItIsGiven)
+{
+    PropertyChangeRecorder* pRecorder = [PropertyChangeRecorder new];
+    ViewEventListener(pRecorder, nullptr, TNProperty_SelectedTrack, kAudioUnitScope_Output, 3);
+    EXPECT_EQ(pRecorder->m_nProperty, 64009u);
+    EXPECT_EQ(pRecorder->m_nElement, 3u);
+    [pRecorder release];
+}
 
 TEST_F(LinkView, DispatchPassesTheViewAndNeitherWaitsNorHoldsTheLock)
 {
