@@ -533,8 +533,11 @@ void CCaptureCore::TellOutcome(std::int32_t nElement, TakeOutcome outcome, std::
 
 void CCaptureCore::ServerAppeared()
 {
-    m_pParts->Notify(TNProperty_ArmCapture);
-    m_pParts->AnnounceWaiting(m_pParts->m_queue.OfferAgain());
+    if (const std::size_t nOffered = m_pParts->m_queue.OfferAgain())
+    {
+        m_pParts->Notify(TNProperty_ArmCapture);
+        m_pParts->AnnounceWaiting(nOffered);
+    }
 }
 
 void CCaptureCore::ViewJoined()
@@ -580,6 +583,11 @@ std::uint64_t CCaptureCore::LostFrames() const
 std::size_t CCaptureCore::Waiting() const
 {
     return m_pParts->m_queue.Waiting();
+}
+
+bool CCaptureCore::IsWaiting(std::uint32_t nTake) const
+{
+    return m_pParts->m_queue.IsWaiting(nTake);
 }
 
 std::size_t CCaptureCore::Unreachable() const

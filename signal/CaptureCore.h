@@ -134,8 +134,9 @@ public:
     // samples, 0 where it is not known.
     void TellOutcome(std::int32_t nElement, TakeOutcome outcome, std::string_view words,
                      double dExpectedPosition);
-    // A server has appeared: raises 64004, so that the view reads its tracks, and offers what was
-    // unreachable once more, each as a new element with a 64000 of its own.
+    // A server has appeared: what was unreachable is offered once more, each as a new element with
+    // a 64000 of its own, behind a 64004 for which the view reads the tracks. Raises nothing when
+    // there is no such take.
     void ServerAppeared();
     // A view has joined and listens: announces each take that waits, one 64000 each, in order.
     void ViewJoined();
@@ -149,6 +150,7 @@ public:
     std::uint64_t LostFrames() const;
     // Takes that wait for a view, and those that wait for a server to appear.
     std::size_t Waiting() const;
+    bool IsWaiting(std::uint32_t nTake) const; // the take of this number, for a view
     std::size_t Unreachable() const;
     // True from the first block of a take until it is published or has failed.
     bool IsCapturing() const;

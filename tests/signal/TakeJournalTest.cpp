@@ -1,0 +1,238 @@
+#include "signal/TakeJournal.h"
+
+#include "signal/TakeFolder.h"
+#include "tests/apps/support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+using namespace Tarvane;
+using namespace TarvaneTest;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+namespace fs = std::filesystem;
+
+namespace
+{
+
+constexpr const char* kJournalUuid = "01234567-89ab-4cde-8f01-23456789abcd";
+
+CTake TakeAt(double dPosition)
+{
+    CTake take;
+    take.file = "/takes/take.wav";
+    take.dPosition = dPosition;
+    take.dRate = 48000;
+    take.nFrames = 480;
+    return take;
+}
+
+std::string BytesOf(const fs::path& file)
+{
+    std::ostringstream bytes;
+    bytes << std::ifstream(file, std::ios::binary).rdbuf();
+    return bytes.str();
+}
+
+void Write(const fs::path& file, const std::string& strBytes)
+{
+    std::ofstream(file, std::ios::binary) << strBytes;
+}
+
+std::vector<double> PositionsIn(const fs::path& folder)
+{
+    std::vector<double> positions;
+    for (const CJournalTake& take : CTakeJournal(folder, kJournalUuid).Open())
+    {
+        positions.push_back(take.dPosition);
+    }
+    return positions;
+}
+
+// A journal of four takes, a line each, left as by a process that was killed.
+struct LeftJournal
+{
+    LeftJournal()
+    {
+        CTakeJournal journal(folder.Path(), kJournalUuid);
+        path = journal.Path();
+        for (const double dPosition : positions)
+        {
+            EXPECT_NE(journal.Moved(TakeAt(dPosition)), 0U);
+        }
+        strBytes = BytesOf(path);
+    }
+    CTemporaryFolder folder;
+    const std::vector<double> positions = {100, 200, 300, 400};
+    fs::path path;
+    std::string strBytes;
+};
+
+} // namespace
+
+TEST(TakeJournal, KeepsWhatIsOpenAndForgetsWhatIsSettled)
+{
+    CTemporaryFolder folder;
+    CTakeJournal journal(folder.Path(), kJournalUuid);
+    EXPECT_THAT(folder.Files(), IsEmpty()) << "made with its first line";
+    const std::uint64_t nFirst = journal.Moved(TakeAt(1));
+    for (double dPosition : {2, 3, 4, 5, 6})
+    {
+        journal.Moved(TakeAt(dPosition));
+    }
+    EXPECT_TRUE(journal.Ended(nFirst, "delivered", "", 0));
+    EXPECT_TRUE(journal.Ended(nFirst + 1, "duplicate", "", 0));
+    EXPECT_TRUE(journal.Ended(nFirst + 2, "refused", "no \"room\"\n", 0));
+    EXPECT_TRUE(journal.Ended(nFirst + 3, "unreachable", "", 0));
+    EXPECT_TRUE(journal.Ended(nFirst + 4, "placed without the offset", "", 96000));
+    EXPECT_TRUE(journal.Ended(nFirst + 5, CTakeJournal::kForgotten, "", 0));
+    const auto open = journal.Open();
+    ASSERT_THAT(open, SizeIs(2));
+    EXPECT_EQ(open[0].dPosition, 3);
+    EXPECT_EQ(open[0].strOutcome, "refused");
+    EXPECT_EQ(open[0].strWords, "no \"room\"\n");
+    EXPECT_EQ(open[1].dPosition, 4);
+}
+
+TEST(TakeJournal, GoesWhenNothingInItIsOpen)
+{
+    CTemporaryFolder folder;
+    {
+        CTakeJournal journal(folder.Path(), kJournalUuid);
+        const std::uint64_t nTake = journal.Moved(TakeAt(1));
+        EXPECT_THAT(folder.Files(), SizeIs(1));
+        journal.Ended(nTake, "delivered", "", 0);
+    }
+    EXPECT_THAT(folder.Files(), IsEmpty());
+}
+
+TEST(TakeJournal, CutOffAnywhereItLosesTheLineThatIsCutAndNoOther)
+{
+    const LeftJournal left;
+    for (std::size_t nSize = 0; nSize <= left.strBytes.size(); ++nSize)
+    {
+        Write(left.path, left.strBytes.substr(0, nSize));
+        std::vector<double> whole;
+        const std::string strKept = left.strBytes.substr(0, nSize + 1); // a line end may be missing
+        for (std::size_t n = 0, nEnd = 0; (nEnd = strKept.find('\n', nEnd)) != std::string::npos;
+             ++nEnd, ++n)
+        {
+            whole.push_back(left.positions[n]);
+        }
+        ASSERT_EQ(PositionsIn(left.folder.Path()), whole) << nSize;
+    }
+}
+
+TEST(TakeJournal, FlawedAnywhereItLosesTheLineThatIsFlawedAndNoOther)
+{
+    const LeftJournal left;
+    for (std::size_t nByte = 0; nByte < left.strBytes.size(); ++nByte)
+    {
+        std::string strFlawed = left.strBytes;
+        strFlawed[nByte] = static_cast<char>(strFlawed[nByte] ^ (1 << (nByte % 8)));
+        Write(left.path, strFlawed);
+        // The end of a line joins it to the next.
+        const std::size_t nLost =
+            left.strBytes[nByte] == '\n' && nByte + 1 < left.strBytes.size() ? 2 : 1;
+        ASSERT_GE(PositionsIn(left.folder.Path()).size() + nLost, left.positions.size()) << nByte;
+    }
+}
+
+TEST(TakeJournal, ALineBehindOneThatIsCutOffStandsOnItsOwn)
+{
+    const LeftJournal left;
+    Write(left.path, left.strBytes.substr(0, left.strBytes.size() - 5));
+    CTakeJournal journal(left.folder.Path(), kJournalUuid);
+    ASSERT_TRUE(journal.Hold());
+    journal.Moved(TakeAt(500));
+    EXPECT_THAT(PositionsIn(left.folder.Path()), ElementsAre(100, 200, 300, 500));
+}
+
+TEST(TakeJournal, IsOneInstancesAtATime)
+{
+    const LeftJournal left;
+    CTakeJournal first(left.folder.Path(), kJournalUuid), second(left.folder.Path(), kJournalUuid);
+    EXPECT_TRUE(first.Hold());
+    EXPECT_FALSE(second.Hold());
+    EXPECT_EQ(second.Moved(TakeAt(1)), 0U);
+    EXPECT_THAT(second.Failure(), testing::HasSubstr("another instance"));
+}
+
+TEST(TakeJournal, TakesAPathOfAnyBytes)
+{
+    CTemporaryFolder folder;
+    CTakeJournal journal(folder.Path(), kJournalUuid);
+    CTake take = TakeAt(1);
+    for (const char* szFile : {"/a \"b\"\n\\c.wav", "/Caf\xE9.wav", "/\xF0\x9F\x8E\xB5.wav"})
+    {
+        take.file = szFile;
+        const std::uint64_t nTake = journal.Moved(take);
+        ASSERT_THAT(journal.Open(), SizeIs(1));
+        EXPECT_EQ(journal.Open()[0].file, szFile);
+        journal.Ended(nTake, "delivered", "", 0);
+    }
+}
+
+TEST(TakeJournal, KnowsAUuid)
+{
+    EXPECT_TRUE(CTakeJournal::IsUuid(kJournalUuid));
+    EXPECT_TRUE(CTakeJournal::IsUuid(CTakeJournal::NewUuid()));
+    EXPECT_NE(CTakeJournal::NewUuid(), CTakeJournal::NewUuid());
+    for (const char* szNone :
+         {"", "01234567-89ab-4cde-8f01-23456789abc", "../../../../../../../../etc/passwd-1234",
+          "01234567-89ab-4cde-8f01-23456789abcg", "01234567x89ab-4cde-8f01-23456789abcd"})
+    {
+        EXPECT_FALSE(CTakeJournal::IsUuid(szNone)) << szNone;
+    }
+}
+
+TEST(TakeJournal, EveryFolderWithAJournalIsInTheIndexOnce)
+{
+    CTemporaryFolder first, second;
+    for (int nRound = 0; nRound < 2; ++nRound)
+    {
+        for (const fs::path& folder : {first.Path(), second.Path()})
+        {
+            CTakeJournal(folder, kJournalUuid).Moved(TakeAt(1));
+        }
+    }
+    const auto folders = JournalFolders();
+    EXPECT_EQ(std::count(folders.begin(), folders.end(), first.Path()), 1);
+    EXPECT_EQ(std::count(folders.begin(), folders.end(), second.Path()), 1);
+    EXPECT_THAT(CTakeJournal::In(first.Path()), SizeIs(1));
+}
+
+TEST(TakeJournal, ManyWritersOfTheIndexDoNotSpoilIt)
+{
+    CTemporaryFolder folder;
+    std::vector<std::thread> threads;
+    for (int nThread = 0; nThread < 8; ++nThread)
+    {
+        threads.emplace_back(
+            [&, nThread]
+            {
+                for (int n = 0; n < 20; ++n)
+                {
+                    NoteJournalFolder(folder / (std::to_string(nThread) + "-" + std::to_string(n)));
+                }
+            });
+    }
+    for (std::thread& thread : threads)
+    {
+        thread.join();
+    }
+    const auto folders = JournalFolders();
+    for (int nThread = 0; nThread < 8; ++nThread)
+    {
+        for (int n = 0; n < 20; ++n)
+        {
+            EXPECT_EQ(std::count(folders.begin(), folders.end(),
+                                 folder / (std::to_string(nThread) + "-" + std::to_string(n))),
+                      1);
+        }
+    }
+}
