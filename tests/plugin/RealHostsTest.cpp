@@ -430,14 +430,30 @@ protected:
         Press();
         Release();
     }
+    // What the view shows: its window and, while it is open, its menu.
+    static auto ViewWindows()
+    {
+        CChildProcess search(
+            {"xdotool", "search", "--onlyvisible", "--classname", "tarvane-link-view"});
+        search.CloseInput();
+        search.WaitForEnd(kLong);
+        const std::string strFound = search.Output();
+        return std::count(strFound.begin(), strFound.end(), '\n');
+    }
     // By one press, from the item that is chosen.
     void ChooseTrack(int nItemsBelow)
     {
+        const auto nBefore = ViewWindows();
         PointAt(340, 42);
         Press();
-        Pause(800);
-        PointAt(340, 42 + 20 * nItemsBelow);
+        ASSERT_TRUE(Comes([&] { return ViewWindows() > nBefore; })) << "the menu opens";
+        Pause(500);
+        // As a hand does: there and to and fro, not in one jump.
+        for (const int nY : {10, 18, 22, 20})
+            PointAt(340, 42 + nY * nItemsBelow);
         Release();
+        ASSERT_TRUE(Comes([&] { return ViewWindows() == nBefore; })) << "and closes";
+        Pause(300);
     }
     void Tell(const std::string& strCommand)
     {
