@@ -37,7 +37,7 @@ constexpr NSInteger kNone = -1;
 
 constexpr NSUInteger kEvents = NSLeftMouseDownMask | NSLeftMouseUpMask | NSLeftMouseDraggedMask |
                                NSRightMouseDownMask | NSMouseMovedMask | NSScrollWheelMask |
-                               NSKeyDownMask | NSApplicationDefinedMask;
+                               NSKeyDownMask | NSAppKitDefinedMask | NSApplicationDefinedMask;
 
 NSPoint ScreenPoint(NSEvent* event)
 {
@@ -156,6 +156,10 @@ class CTracking
             break;
         case NSKeyDown:
             HandleKey(event);
+            break;
+        case NSAppKitDefined:
+            // A window is uncovered, the menu itself among them, or moved.
+            [NSApp sendEvent:event];
             break;
         case NSApplicationDefined:
             // The program wants to go on: it may be about to end.

@@ -4,6 +4,9 @@
 
 #import "platform/gnustep/AppKit/PopUpMenu.h"
 
+#include <cstdio>
+#include <sstream>
+
 // Real clicks and keys, through the display server.
 namespace
 {
@@ -99,6 +102,22 @@ TEST(PopUpTracking, DisabledButtonTellsNobody)
 
 NSInteger Highlighted() { return [[[PlatformPopUpMenu openMenu] rows] highlightedItemIndex]; }
 
+// What the screen shows where the window is, as a number that stands for it.
+std::string Look(NSWindow* window)
+{
+    const NSRect frame = [window frame];
+    std::ostringstream command;
+    command << "import -silent -window root -crop " << NSWidth(frame) << 'x' << NSHeight(frame) << '+'
+            << NSMinX(frame) << '+' << NSMaxY([[NSScreen mainScreen] frame]) - NSMaxY(frame)
+            << " rgb:- | cksum";
+    std::string look;
+    FILE* pipe = popen(command.str().c_str(), "r");
+    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe))
+        look += char(c);
+    EXPECT_EQ(pclose(pipe), 0);
+    return look;
+}
+
 class OpenPopUp : public testing::Test
 {
   protected:
@@ -151,6 +170,19 @@ TEST_F(OpenPopUp, ClickLeavesTheMenuOpenUntilTheNextClick)
     EXPECT_EQ(Chosen(), "Foley");
     EXPECT_EQ(m_window.target->m_nChoices, 1);
     EXPECT_EQ([PlatformPopUpMenu openMenu], nil);
+}
+
+TEST_F(OpenPopUp, IsSeenAtOnceThoughThePointerRests)
+{
+    std::string shown, drawnAnew;
+    std::vector<std::function<void()>> steps(3, [] {}); // the display server has shown it by then
+    steps.push_back([&] { shown = Look([PlatformPopUpMenu openMenu]); });
+    steps.push_back([] { [[PlatformPopUpMenu openMenu] display]; });
+    steps.push_back([] { [[PlatformPopUpMenu openMenu] flushWindow]; });
+    steps.push_back([&] { drawnAnew = Look([PlatformPopUpMenu openMenu]); });
+    steps.push_back([] { Input("key Escape"); });
+    OpenByClick(steps);
+    EXPECT_EQ(shown, drawnAnew);
 }
 
 TEST_F(OpenPopUp, ClickOfNoLengthAtAllLeavesItOpenToo)
