@@ -10,6 +10,7 @@
 namespace
 {
 std::atomic<int> nLeftBehind = 0;
+std::atomic<int> nHandedOn = 0;
 }
 
 // What a platform may leave behind when it is handed a call.
@@ -39,6 +40,7 @@ std::atomic<int> nLeftBehind = 0;
     (void)selector, (void)object, (void)fWait;
     [[[LeftBehind alloc] init] autorelease];
     EXPECT_EQ(nLeftBehind, 1);
+    ++nHandedOn;
 }
 @end
 
@@ -367,6 +369,7 @@ TEST_F(NotificationThreads, NothingIsLeftBehindOnAThreadWithoutAPool)
             EXPECT_EQ(nLeftBehind, 0);
         })
         .join();
+    EXPECT_EQ(nHandedOn, 1);
     [pView release];
 }
 } // namespace
