@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <stdlib.h>
 #include <string>
+#include <unistd.h> // mkdtemp, on macOS
 
 namespace Tarvane::Conform
 {

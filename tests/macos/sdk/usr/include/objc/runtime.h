@@ -16,6 +16,7 @@ extern "C"
     Class class_getSuperclass(Class);
     Method class_getInstanceMethod(Class, SEL);
     Method class_getClassMethod(Class, SEL);
+    Ivar class_getInstanceVariable(Class, const char* name);
     bool class_addMethod(Class, SEL, IMP, const char* types);
     IMP class_getMethodImplementation(Class, SEL);
     IMP class_replaceMethod(Class, SEL, IMP, const char* types);

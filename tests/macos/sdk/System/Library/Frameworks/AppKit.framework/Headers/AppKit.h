@@ -300,6 +300,7 @@ extern "C"
 - (NSMenu*)menu;
 - (void)setMenu:(NSMenu*)menu;
 - (void)attachPopUpWithFrame:(NSRect)frame inView:(NSView*)view;
+- (void)dismissPopUp;
 - (void)performClickWithFrame:(NSRect)frame inView:(NSView*)view;
 - (void)synchronizeTitleAndSelectedItem;
 @end

@@ -119,6 +119,7 @@ __attribute__((objc_root_class))
 - (void)dealloc;
 - (id)copy;
 - (id)mutableCopy;
+- (id)valueForKey:(NSString*)key;
 + (Class)class;
 + (Class)superclass;
 + (BOOL)instancesRespondToSelector:(SEL)selector;
