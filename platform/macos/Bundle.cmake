@@ -36,10 +36,13 @@ function(platform_add_bundle target)
   list(JOIN arg_WHOLE "," whole)
   set_property(TARGET ${target} PROPERTY LINK_LIBRARY_OVERRIDE "WHOLE_ARCHIVE,${whole}")
   target_link_libraries(${target} PRIVATE ${arg_WHOLE} ${arg_LINK})
-  # All that a host needs to find, templates of the C++ library left out as well.
-  target_link_options(${target} PRIVATE
-    "LINKER:-exported_symbol,_OBJC_CLASS_$_${arg_PRINCIPAL_CLASS}"
-    "LINKER:-exported_symbol,_OBJC_METACLASS_$_${arg_PRINCIPAL_CLASS}")
+  # All that a host needs to find, templates of the C++ library left out as well. In a file, since the
+  # build takes the $_ of these names on a command line for a variable.
+  set(shown "${CMAKE_CURRENT_BINARY_DIR}/${target}.exported")
+  file(CONFIGURE OUTPUT "${shown}" CONTENT
+    "_OBJC_CLASS_$_@arg_PRINCIPAL_CLASS@\n_OBJC_METACLASS_$_@arg_PRINCIPAL_CLASS@\n" @ONLY)
+  target_link_options(${target} PRIVATE "LINKER:-exported_symbols_list,${shown}")
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${shown}")
   platform_sign(${target} "$<TARGET_BUNDLE_DIR:${target}>")
   if(arg_INSTALL)
     install(TARGETS ${target} LIBRARY DESTINATION lib)
