@@ -11,10 +11,12 @@
 @class NSBezierPath, NSGraphicsContext, NSMenuItem, NSBitmapImageRep;
 
 typedef NSString* NSAttributedStringKey;
+typedef NSString* NSColorSpaceName;
 extern "C" NSAttributedStringKey const NSFontAttributeName;
 extern "C" NSAttributedStringKey const NSParagraphStyleAttributeName;
 extern "C" NSAttributedStringKey const NSForegroundColorAttributeName;
 extern "C" NSAttributedStringKey const NSBackgroundColorAttributeName;
+extern "C" NSColorSpaceName const NSCalibratedRGBColorSpace;
 
 typedef unsigned long long NSEventMask;
 enum : NSEventMask
@@ -276,8 +278,13 @@ extern "C"
 - (void)setAction:(SEL)action;
 - (id)target;
 - (void)setTarget:(id)target;
+- (NSAttributedString*)attributedStringValue;
 @end
 @interface NSActionCell : NSCell
+@end
+@interface NSTextFieldCell : NSActionCell
+- (NSColor*)textColor;
+- (void)setTextColor:(NSColor*)colour;
 @end
 @interface NSButtonCell : NSActionCell
 - (NSCellImagePosition)imagePosition;
@@ -475,6 +482,10 @@ extern "C"
 + (NSColor*)blackColor;
 + (NSColor*)whiteColor;
 + (NSColor*)clearColor;
+- (NSColor*)colorUsingColorSpaceName:(NSColorSpaceName)name;
+- (CGFloat)redComponent;
+- (CGFloat)greenComponent;
+- (CGFloat)blueComponent;
 - (void)set;
 - (void)setFill;
 - (void)setStroke;
@@ -485,6 +496,7 @@ extern "C"
 + (NSFont*)boldSystemFontOfSize:(CGFloat)size;
 - (CGFloat)ascender;
 - (CGFloat)descender;
+- (CGFloat)pointSize;
 @end
 @interface NSParagraphStyle : NSObject <NSCopying, NSCoding>
 @end
