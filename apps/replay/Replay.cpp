@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <unistd.h>
 
 namespace Tarvane::Replay
 {
@@ -27,6 +28,7 @@ struct Options
     std::string strPart; // "server", "host", or empty
     std::string strPage; // empty: none is drawn
     std::vector<std::string> maps;
+    bool fYes = false; // deletions may be played
     PlaySettings settings;
 };
 
@@ -89,9 +91,30 @@ int Draw(const Recording& recording, const Options& options)
     return kExitDone;
 }
 
+// Whoever made the recording may have had other things in mind for another session.
+void RequireLeaveToDelete(const std::vector<Exchange>& exchanges)
+{
+    const auto nDeletions =
+        std::count_if(exchanges.begin(), exchanges.end(), [](const Exchange& exchange)
+                      { return exchange.Script().find("Delete") != std::string::npos; });
+    if (nDeletions == 0)
+        return;
+    const std::string strWhat = "events of the recording that delete what is in the session: " +
+                                std::to_string(nDeletions);
+    if (isatty(STDIN_FILENO) == 0)
+        throw CUsageError(strWhat + "; --yes to play them.");
+    std::cerr << "tarvane-replay: " << strWhat << ". Play them? (y/N) " << std::flush;
+    std::string strAnswer;
+    std::getline(std::cin, strAnswer);
+    if (strAnswer != "y" && strAnswer != "Y")
+        throw CUsageError("nothing was played.");
+}
+
 int Play(const Recording& recording, const Options& options)
 {
     const std::vector<Exchange> exchanges = Ended(recording);
+    if (options.strPart == "host" && !options.fYes)
+        RequireLeaveToDelete(exchanges);
     const bool fAsRecorded = options.strPart == "server"
                                  ? PlayServer(exchanges, options.settings, std::cout)
                                  : PlayHost(exchanges, options.settings, std::cout);
@@ -130,6 +153,8 @@ void DeclareOptions(CLI::App& app, Options& options)
                    "(default 60)")
         ->type_name("SECONDS")
         ->check(CLI::Range(kShortestTimeout, kLongestTimeout).description(""))
+        ->needs(pAs);
+    app.add_flag("--yes", options.fYes, "With --as host, delete what the recording deletes, unasked")
         ->needs(pAs);
     app.add_option("--html", options.strPage,
                    "Draw the recording as a page: lanes for plug-in, view and server, time "

@@ -245,6 +245,19 @@ TEST_F(ReplayProgram, EventsAreSentAsFarApartAsRecordedUnlessFast)
     EXPECT_GE(Clock::now() - began, std::chrono::seconds(1));
 }
 
+TEST_F(ReplayProgram, DeletionsAreNotPlayedUnasked)
+{
+    StartServer();
+    const std::string strDelete = "SelectScriptDocument() DeleteRegion(99)";
+    WriteRecording(EventLine(1, 0, "print(1)") + ReplyLine(1, 1, {{"Rslt", TextParameter("1\n")}}) +
+                   EventLine(2, 2, strDelete) + ReplyLine(2, 3, {{"Errr", TextParameter("no")}}));
+    const ProcessOutcome refused = Replay({"--as", "host", "--fast", Recording()});
+    EXPECT_EQ(refused.nCode, 2);
+    EXPECT_THAT(refused.strError, HasSubstr("delete what is in the session: 1; --yes to play"));
+    const ProcessOutcome played = Replay({"--as", "host", "--fast", "--yes", Recording()});
+    EXPECT_THAT(played.strOutput, HasSubstr("1 of 2 events came out otherwise"));
+}
+
 TEST_F(ReplayProgram, ViewThatFallsSilentIsWaitedForAsLongAsAsked)
 {
     WriteRecording(ExchangeLines(1, "a()", "1\n") + ExchangeLines(2, "b()", "2\n"));
