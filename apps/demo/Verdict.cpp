@@ -67,7 +67,9 @@ void CheckAcknowledge(const DemoCapture& capture, size_t nElement, std::vector<s
     const std::string strExpected = capture.fDuplicate ? "duplicate" : "delivered";
     if (strOutcome != strExpected)
     {
-        faults.push_back(capture.strSource + " should be " + strExpected + " and is " + strOutcome);
+        const std::string strRefusal = capture.hostAnswer.value("refusal", "");
+        faults.push_back(capture.strSource + " should be " + strExpected + " and is " + strOutcome +
+                         (strRefusal.empty() ? "" : "; the server says: " + strRefusal));
     }
     const json expected = {{"nElement", nElement},
                            {"fHandled", 1},

@@ -1,5 +1,6 @@
 #include "apps/host/CaptureStory.h"
 
+#include "apps/support/PlainText.h"
 #include "apps/support/Timecode.h"
 
 #include <cstdio>
@@ -86,7 +87,9 @@ CaptureOutcome CCaptureEntry::Outcome() const
 
 bool CCaptureEntry::IsGood() const
 {
-    return Outcome() == CaptureOutcome::Delivered || Outcome() == CaptureOutcome::Duplicate;
+    const bool fThere =
+        Outcome() == CaptureOutcome::Delivered || Outcome() == CaptureOutcome::Duplicate;
+    return fThere && !server.fWithoutOffset;
 }
 
 std::string WordOfDelivery(const CCaptureEntry& entry)
@@ -120,6 +123,18 @@ std::string TellCapture(const CCaptureEntry& entry)
     {
         strStory += "  because      " + report.strFailure + "\n";
     }
+    if (!entry.server.strRefusal.empty())
+    {
+        strStory += "  server says  " + PlainText(entry.server.strRefusal) + "\n";
+    }
+    if (entry.server.fWithoutOffset)
+    {
+        strStory += "  misplaced    placed without the offset, which the server did not tell" +
+                    (entry.server.placeMissed
+                         ? "; it should stand at sample " + FormatSamples(*entry.server.placeMissed)
+                         : std::string()) +
+                    "\n";
+    }
     if (!entry.words.strMessage.empty() || !entry.words.strAdvice.empty())
     {
         strStory +=
@@ -139,7 +154,10 @@ nlohmann::json DescribeCapture(const CCaptureEntry& entry)
         {"trackName", entry.words.strTrack},  {"element", report.nElement},
         {"ack", DescribeAck(report)},         {"outcome", OutcomeWord(entry.Outcome())},
         {"failure", report.strFailure},       {"message", entry.words.strMessage},
-        {"advice", entry.words.strAdvice},
+        {"advice", entry.words.strAdvice},   {"refusal", entry.server.strRefusal},
+        {"withoutOffset", entry.server.fWithoutOffset},
+        {"placeMissed", entry.server.placeMissed ? nlohmann::json(*entry.server.placeMissed)
+                                                 : nlohmann::json()},
     };
 }
 

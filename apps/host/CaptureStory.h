@@ -1,6 +1,7 @@
 // A capture in words for people and in JSON for programs.
 #pragma once
 
+#include "apps/host/ServerWords.h"
 #include "apps/support/CaptureReport.h"
 
 #include <nlohmann/json.hpp>
@@ -31,9 +32,10 @@ struct CCaptureEntry
 {
     CCaptureReport report;
     ViewWords words;
+    ServerWords server{};
 
     CaptureOutcome Outcome() const;
-    // As it should be: the server has the audio, now or already.
+    // As it should be: the server has the audio, now or already, and in its place.
     bool IsGood() const;
 };
 

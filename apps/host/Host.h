@@ -7,6 +7,7 @@
 #include "apps/host/PlugIn.h"
 #import "apps/host/StallWatch.h"
 #include "apps/support/ResultFolder.h"
+#include "apps/support/recording/CommandWatch.h"
 #include "apps/support/recording/Recorder.h"
 
 #include <functional>
@@ -47,6 +48,12 @@ class CHost : private ILineListener
     };
     using CRecording = std::unique_ptr<CRecorder, EndRecording>;
 
+    // Watches the events until it goes.
+    struct CServerWatch : CCommandWatch
+    {
+        ~CServerWatch() override { WatchEvents({}); }
+    };
+
     // Hears of signals, and of the end.
     class CWakeListener : public ILineListener
     {
@@ -77,6 +84,7 @@ class CHost : private ILineListener
     void CaptureChanged(const CCaptureReport& report);
     void WaitForAck(const CCaptureReport& report);
     void Tell(const CCaptureReport& report);
+    ServerWords ServerSays(const CCaptureReport& report);
     void WriteResults();
     void WriteCaptures();
     void GoOn(const CCaptureEntry& entry);
@@ -102,6 +110,7 @@ class CHost : private ILineListener
 
     CStalls m_stalls;
     std::optional<CStallWatch> m_stallWatch; // only when stalls are to be told
+    CServerWatch m_serverWatch;              // outlives whatever sends
     CRecording m_pRecorder;                  // outlives the plug-in; null when nothing is recorded
     CPlugIn m_plugIn;                        // outlives the view
     std::unique_ptr<CLinkView> m_pView;
@@ -114,6 +123,7 @@ class CHost : private ILineListener
     // In the order in which they came to an end. Kept for the results alone.
     std::vector<CCaptureEntry> m_entries;
     std::optional<CCaptureReport> m_last; // told last
+    std::vector<SeenCommand> m_serverCommands; // the last of them
     size_t m_nTold = 0;
     std::set<size_t> m_late; // told as not acknowledged; their acknowledge may still come
     size_t m_nNextSource = 0;

@@ -136,13 +136,18 @@ void CHost::CloseView()
 
 void CHost::EndRecording::operator()(CRecorder* pRecorder) const
 {
-    RecordEvents(nullptr);
+    WatchEvents({});
     delete pRecorder;
 }
 
 void CHost::BeginRecording()
 {
-    if (m_pRecorder && !RecordEvents(m_pRecorder.get()))
+    std::vector<CEventWatcher*> watchers{&m_serverWatch};
+    if (m_pRecorder)
+    {
+        watchers.push_back(m_pRecorder.get());
+    }
+    if (!WatchEvents(std::move(watchers)) && m_pRecorder)
     {
         std::cerr << "tarvane-host: on this system events are not recorded, properties and "
                      "notifications are."
@@ -346,7 +351,7 @@ void CHost::Tell(const CCaptureReport& report)
     m_ackTimer = nil;
     ++m_nTold;
     m_last = report;
-    const CCaptureEntry entry{report, m_pView->Words()};
+    const CCaptureEntry entry{report, m_pView->Words(), ServerSays(report)};
     if (m_results)
     {
         m_entries.push_back(entry);
@@ -360,6 +365,21 @@ void CHost::Tell(const CCaptureReport& report)
     std::fflush(m_pStory);
     WriteResults();
     GoOn(entry);
+}
+
+// A delivery is a few commands; the offset may have been told by an earlier one.
+ServerWords CHost::ServerSays(const CCaptureReport& report)
+{
+    constexpr std::size_t kMostKept = 1000;
+    for (SeenCommand& command : m_serverWatch.Take())
+    {
+        m_serverCommands.push_back(std::move(command));
+    }
+    if (m_serverCommands.size() > kMostKept)
+    {
+        m_serverCommands.erase(m_serverCommands.begin(), m_serverCommands.end() - kMostKept / 2);
+    }
+    return WordsAbout(report, m_serverCommands);
 }
 
 void CHost::WriteResults()

@@ -1,5 +1,7 @@
 #include "apps/link/Answer.h"
 
+#include "apps/support/PlainText.h"
+
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
 
 #include <iostream>
@@ -10,7 +12,15 @@ namespace Tarvane::Link
 
 std::string JsonLine(const nlohmann::ordered_json& json)
 {
-    return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    return json.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+void NoteRefusal(Answer& answer, const std::vector<SeenCommand>& commands)
+{
+    if (commands.empty() || !commands.back().IsRefused())
+        return;
+    answer.outcome = Outcome::ServerError;
+    answer.strRefusal = commands.back().strError;
 }
 
 nlohmann::ordered_json ToJson(const std::string& strCommand, const Answer& answer,
@@ -22,18 +32,23 @@ nlohmann::ordered_json ToJson(const std::string& strCommand, const Answer& answe
     json["exitCode"] = ExitCodeOf(answer.outcome);
     json["lastError"] = link.m_strLastError;
     json["advice"] = link.m_strAdvice;
+    if (!answer.strRefusal.empty())
+        json["refusal"] = answer.strRefusal;
     json.update(answer.fields);
     return json;
 }
 
-void TellMessages(Outcome outcome, const CTarvaneScript& link)
+void TellMessages(const Answer& answer, const CTarvaneScript& link)
 {
     for (const std::string& strLine : {link.m_strLastError, link.m_strAdvice})
     {
         if (!strLine.empty())
-            std::cerr << strLine << "\n";
+            std::cerr << PlainText(strLine) << "\n";
     }
-    const std::string strHint = HintFor(outcome, link);
+    if (!answer.strRefusal.empty())
+        std::cerr << "tarvane-link: the server did not do it: " << PlainText(answer.strRefusal)
+                  << "\n";
+    const std::string strHint = HintFor(answer.outcome, link);
     if (!strHint.empty())
         std::cerr << "tarvane-link: " << strHint << "\n";
     std::cerr.flush();
@@ -41,7 +56,7 @@ void TellMessages(Outcome outcome, const CTarvaneScript& link)
 
 void Print(const std::string& strText)
 {
-    std::cout << strText << std::flush;
+    std::cout << PlainText(strText) << std::flush;
     if (!std::cout)
         throw std::runtime_error("the standard output takes no more");
 }

@@ -5,13 +5,16 @@
 #include "apps/link/Doctor.h"
 #include "apps/link/Watch.h"
 #include "apps/support/CommandLine.h"
-#include "apps/support/recording/EventWatch.h"
+#include "apps/support/recording/CommandWatch.h"
 #include "apps/support/recording/Recorder.h"
 
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
 
 #include <cstdlib>
 #include <map>
+#include <optional>
+#include <utility>
+#include <vector>
 
 namespace Tarvane::Link
 {
@@ -30,23 +33,26 @@ void SetUpPlatform(const Options& options)
         setenv("TARVANE_AE_TRACE", "1", 1);
 }
 
-// The events of this process, recorded while an object lives, if anything is.
-class CEventRecording
+// The events of this process, watched while an object lives, and recorded if they are to be.
+class CLinkWatch
 {
 public:
-    explicit CEventRecording(const std::string& strFile)
+    explicit CLinkWatch(const std::string& strFile)
     {
-        if (strFile.empty())
-            return;
-        m_recorder.emplace(strFile, "tarvane-link");
-        if (!RecordEvents(&*m_recorder))
+        std::vector<CEventWatcher*> watchers{&m_commands};
+        if (!strFile.empty())
+            watchers.push_back(&m_recorder.emplace(strFile, "tarvane-link"));
+        if (!WatchEvents(std::move(watchers)) && m_recorder)
             throw CUsageError("events cannot be recorded on this system; leave --record out.");
     }
-    ~CEventRecording() { RecordEvents(nullptr); }
-    CEventRecording(const CEventRecording&) = delete;
-    CEventRecording& operator=(const CEventRecording&) = delete;
+    ~CLinkWatch() { WatchEvents({}); }
+    CLinkWatch(const CLinkWatch&) = delete;
+    CLinkWatch& operator=(const CLinkWatch&) = delete;
+
+    CCommandWatch& Commands() { return m_commands; }
 
 private:
+    CCommandWatch m_commands;
     std::optional<CRecorder> m_recorder;
 };
 
@@ -57,25 +63,26 @@ std::string LastOutput(const Options& options)
     return JsonLine(ToJson(options.strCommand, {Outcome::NoAnswer, ""}, {}));
 }
 
-int RunCommand(Command command, const Options& options)
+int RunCommand(Command command, const Options& options, CCommandWatch& commands)
 {
     CTarvaneScript link;
-    const Answer answer = command(link, options);
+    Answer answer = command(link, options);
+    NoteRefusal(answer, commands.Take());
     Print(options.fJson ? JsonLine(ToJson(options.strCommand, answer, link)) : answer.strText);
-    TellMessages(answer.outcome, link);
+    TellMessages(answer, link);
     return ExitCodeOf(answer.outcome);
 }
 
 int Dispatch(const Options& options)
 {
     SetUpPlatform(options);
-    const CEventRecording recording(options.strRecord);
+    CLinkWatch watch(options.strRecord);
     const CAnswerGuard guard(LastOutput(options));
     if (options.strCommand == "watch")
         return Watch(options);
     if (options.strCommand == "doctor")
         return Doctor(options);
-    return RunCommand(FindCommand(options.strCommand), options);
+    return RunCommand(FindCommand(options.strCommand), options, watch.Commands());
 }
 
 } // namespace

@@ -26,8 +26,8 @@ const char* HintForStatus(int nStatus)
         return "the server or the bus went away before the answer; whether the command took effect "
                "is not known. Start the server again and look.";
     case errAEDescNotFound:
-        return "the server's reply has no 'Rslt'. A server puts it into every reply, empty when "
-               "nothing was printed.";
+        return "the server's reply has no 'Rslt', and says no reason. A server leaves it out only "
+               "for a change that it did not make.";
     case errAECoercionFail:
         return "the server's 'Rslt' is not of type 'utxt'. Text travels as UTF-16 of this "
                "machine's byte order.";

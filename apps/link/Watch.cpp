@@ -60,7 +60,7 @@ void Report(const View& view, const View* pBefore, const CTarvaneScript& link,
     if (view.updates)
         answer.fields = {{"updates", *view.updates}, {"tracks", view.tracks}};
     Print(options.fJson ? JsonLine(ToJson(options.strCommand, answer, link)) : answer.strText);
-    TellMessages(view.outcome, link);
+    TellMessages(answer, link);
 }
 
 } // namespace

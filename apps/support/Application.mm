@@ -5,17 +5,37 @@
 #include "apps/support/ApplicationIcon.h"
 #include "apps/support/CommandLine.h"
 #include "apps/support/ServiceProvider.h"
+#include "apps/support/TemporaryFolder.h"
 
 #import <AppKit/AppKit.h>
 
+#include <cstdio>
 #include <stdexcept>
+#include <unistd.h>
 
 namespace Tarvane
 {
 
+namespace
+{
+
+// In place of the platform's panel, which waits for somebody to press a button, and lets no signal
+// end the program meanwhile. What was being captured stays in its file.
+void EndWithWords(NSException* exception)
+{
+    std::fprintf(stderr, "%s: %s: %s\n", [[[NSProcessInfo processInfo] processName] UTF8String],
+                 [[exception name] UTF8String], [[exception reason] UTF8String]);
+    std::fflush(nullptr);
+    _exit(kExitFailed);
+}
+
+} // namespace
+
 void OpenApplication(char** argv)
 {
     HideArguments(argv);
+    NSSetUncaughtExceptionHandler(&EndWithWords);
+    RequireTemporaryFolder();
     OfferNoServices();
     ShowNoIconWindow();
     bool fOpen = false;
@@ -32,6 +52,8 @@ void OpenApplication(char** argv)
         throw CUsageError("no window can be opened here - start it on a desktop, or under "
                           "scripts/with-desktop.");
     }
+    // The application object has put its panel in the place of ours.
+    NSSetUncaughtExceptionHandler(&EndWithWords);
     StandInFront();
 }
 

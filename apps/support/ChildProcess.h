@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -71,6 +72,9 @@ private:
     struct State;
     std::unique_ptr<State> m_pState;
 };
+
+// The program that a process runs, "unknown" when that cannot be found out.
+std::string ProgramOf(std::int64_t nProcess);
 
 // The folder that holds the program now running, or its application where programs are in such.
 std::filesystem::path ProgramFolder();

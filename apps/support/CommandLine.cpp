@@ -1,5 +1,7 @@
 #include "apps/support/CommandLine.h"
 
+#include "apps/support/PlainText.h"
+
 #include <algorithm>
 #include <csignal>
 #include <iostream>
@@ -21,7 +23,7 @@ std::string InOneLine(std::string strText)
 
 int Complain(const CLI::App& app, const std::string& strText, int nCode)
 {
-    std::cerr << app.get_name() << ": " << InOneLine(strText) << std::endl;
+    std::cerr << app.get_name() << ": " << PlainText(InOneLine(strText)) << std::endl;
     return nCode;
 }
 

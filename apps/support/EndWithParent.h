@@ -12,4 +12,7 @@ namespace Tarvane
 // Safe in a signal handler.
 void EndWithParent(pid_t nParent);
 
+// Closes every file of the process but the standard streams and this one.
+void CloseAllBut(int nKept);
+
 } // namespace Tarvane

@@ -1,14 +1,31 @@
 #include "apps/support/ChildProcess.h"
 #include "apps/support/EndWithParent.h"
 
+#include <libproc.h>
 #include <mach-o/dyld.h>
 
 #include <string>
+#include <unistd.h>
 
 namespace Tarvane
 {
 
 void EndWithParent(pid_t) {}
+
+void CloseAllBut(int nKept)
+{
+    const int nMost = ::getdtablesize();
+    for (int nFile = STDERR_FILENO + 1; nFile < nMost; ++nFile)
+        if (nFile != nKept)
+            ::close(nFile);
+}
+
+std::string ProgramOf(std::int64_t nProcess)
+{
+    char szPath[PROC_PIDPATHINFO_MAXSIZE];
+    const int nLength = proc_pidpath(static_cast<pid_t>(nProcess), szPath, sizeof szPath);
+    return nLength > 0 ? std::string(szPath, static_cast<std::size_t>(nLength)) : "unknown";
+}
 
 std::filesystem::path ProgramFolder()
 {

@@ -1,13 +1,24 @@
-// The events that this process sends, as they are recorded; one source file a system.
+// The events that this process sends, shown to whoever watches; one source file a system.
 #pragma once
+
+#include "apps/support/recording/EventLines.h"
+
+#include <vector>
 
 namespace Tarvane
 {
 
-class CRecorder;
+// Called on the sending thread, before an event goes out and when it has ended. Sends no events.
+class CEventWatcher
+{
+public:
+    virtual ~CEventWatcher() = default;
+    virtual void Add(const SeenEvent& event) = 0;
+    virtual void Add(const SeenReply& reply) = 0;
+};
 
-// From now on every event is recorded, until null is given; when that returns, the recorder is no
-// longer in use. False on a system that shows its events to nobody.
-bool RecordEvents(CRecorder* pRecorder);
+// From now on every event is shown to these, in their order, and to no others; when it returns, those
+// before are no longer in use. One thread. False on a system that shows its events to nobody.
+bool WatchEvents(std::vector<CEventWatcher*> watchers);
 
 } // namespace Tarvane

@@ -1,7 +1,7 @@
 // A recording on its way to its file; docs/recordings.md tells what the file holds.
 #pragma once
 
-#include "apps/support/recording/EventLines.h"
+#include "apps/support/recording/EventWatch.h"
 #include "apps/support/recording/PropertyLines.h"
 
 #include <chrono>
@@ -15,20 +15,20 @@ namespace Tarvane
 {
 
 // All operations: any thread. Lines stand in the file in the order of their times, each whole.
-class CRecorder
+class CRecorder : public CEventWatcher
 {
 public:
     // Creates the file and writes the first line; the thread that does so is the main one. Throws
     // CUsageError when the file cannot be created, or is there already.
     CRecorder(const std::string& strFile, const std::string& strProgram);
     // Writes what is left.
-    ~CRecorder();
+    ~CRecorder() override;
     CRecorder(const CRecorder&) = delete;
     CRecorder& operator=(const CRecorder&) = delete;
 
     // These return when the line is in the file, so that the end of the process takes none away.
-    void Add(const SeenEvent& event) { AddNow(EventLine(event)); }
-    void Add(const SeenReply& reply) { AddNow(ReplyLine(reply)); }
+    void Add(const SeenEvent& event) override { AddNow(EventLine(event)); }
+    void Add(const SeenReply& reply) override { AddNow(ReplyLine(reply)); }
 
     // Waits for no disk: another thread writes the line. What repeats what has been seen in the
     // second before is counted into one line, which then comes at that second's end, or before the

@@ -76,6 +76,59 @@ TEST(CaptureStory, ADeliveredOneAloneHasAWordForTheTitle)
     }
 }
 
+TEST(CaptureStory, AMisplacedCaptureIsNotGoodAndSaysWhereItShouldStand)
+{
+    CCaptureEntry entry = Entry();
+    entry.server.fWithoutOffset = true;
+    entry.server.placeMissed = 192100;
+    EXPECT_FALSE(entry.IsGood());
+    EXPECT_EQ(entry.Outcome(), CaptureOutcome::Delivered);
+    EXPECT_THAT(
+        TellCapture(entry),
+        HasSubstr("  misplaced    placed without the offset, which the server did not tell; "
+                  "it should stand at sample 192100\n"));
+    EXPECT_EQ(DescribeCapture(entry)["withoutOffset"], true);
+    EXPECT_EQ(DescribeCapture(entry)["placeMissed"], 192100);
+    EXPECT_TRUE(DescribeCapture(Entry())["placeMissed"].is_null());
+}
+
+TEST(CaptureStory, TheServersWordsAreToldAsPlainText)
+{
+    CCaptureEntry entry = NotDelivered("AEError ID:-1701");
+    entry.server.strRefusal = "the disk \x1b[2J is full";
+    EXPECT_THAT(TellCapture(entry), HasSubstr("  server says  the disk .[2J is full\n"));
+    EXPECT_EQ(DescribeCapture(entry)["refusal"], entry.server.strRefusal);
+    EXPECT_THAT(TellCapture(Entry()), Not(HasSubstr("server says")));
+}
+
+TEST(ServerWords, AreThoseAboutTheCaptureAndItsOwnOffset)
+{
+    const auto offset = [](const char* szResult, OSErr nStatus = 0) {
+        return SeenCommand{"print(GetLinkSMPTEOffset())", szResult, "", nStatus, nStatus == 0};
+    };
+    const auto add = [](const char* szPath, const char* szError)
+    {
+        return SeenCommand{"AddAudioRegion(idTrack, \"" + std::string(szPath) + "\", true)", "",
+                           szError, 0, *szError == '\0'};
+    };
+    const CCaptureReport report = Entry().report;
+    const std::vector<SeenCommand> refused{offset("2.0\n"), add("/out/other.wav", "no"),
+                                           offset("2.0\n"), add("/out/hello-001.wav", "full")};
+    EXPECT_EQ(WordsAbout(report, refused).strRefusal, "full");
+    EXPECT_FALSE(WordsAbout(report, refused).fWithoutOffset);
+    const std::vector<SeenCommand> misplaced{offset("2.0\n"), add("/out/other.wav", ""),
+                                             offset("", -1712), add("/out/hello-001.wav", "")};
+    const ServerWords words = WordsAbout(report, misplaced);
+    EXPECT_EQ(words.strRefusal, "");
+    EXPECT_TRUE(words.fWithoutOffset);
+    EXPECT_EQ(words.placeMissed, 2.0 * 48000 + 96100);
+    const ServerWords never = WordsAbout(report, {offset(""), add("/out/hello-001.wav", "")});
+    EXPECT_TRUE(never.fWithoutOffset);
+    EXPECT_FALSE(never.placeMissed);
+    EXPECT_FALSE(
+        WordsAbout(report, {offset("2.0\n"), add("/out/hello-001.wav", "")}).fWithoutOffset);
+}
+
 TEST(CaptureStory, IsToldInPlainLines)
 {
     EXPECT_EQ(TellCapture(Entry()), "Capture 5: hello.wav\n"

@@ -25,7 +25,7 @@ Tarvane::Link::BusState Tarvane::Link::LookAtEventBus(SInt32)
 }
 
 // As on a system that shows its events to nobody.
-bool Tarvane::RecordEvents(CRecorder*)
+bool Tarvane::WatchEvents(std::vector<CEventWatcher*>)
 {
     return false;
 }

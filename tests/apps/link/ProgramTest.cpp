@@ -81,7 +81,7 @@ TEST_F(RealServerTest, ReportsWhatTheServerRefuses)
     const Ended ended = RunLink({"send", m_strTake, "--track", "7", "--position", "0", "--json"});
     EXPECT_EQ(ended.nExitCode, 1);
     EXPECT_THAT(ended.strError, HasSubstr("there is no track 7"));
-    EXPECT_THAT(ended.Json()["lastError"].get<std::string>(), HasSubstr("there is no track 7"));
+    EXPECT_THAT(ended.Json()["refusal"].get<std::string>(), HasSubstr("there is no track 7"));
 }
 
 TEST_F(RealServerTest, RunsAScriptFromStandardInput)
@@ -230,6 +230,32 @@ TEST_F(ProgramTest, NoDocumentIsToldByTracksAndDoctor)
     const Ended doctor = RunLink({"doctor"});
     EXPECT_EQ(doctor.nExitCode, 1);
     EXPECT_THAT(doctor.strOutput, HasSubstr("problem  document"));
+}
+
+TEST_F(ProgramTest, WordsOfARefusalAreToldAndTheExitCodeIsTheServersError)
+{
+    const Child server = StartServer({"--track", "Vox"});
+    const std::string strScript = "if SelectScriptDocument() then AddAudioRegion(GetTrackID(0), "
+                                  "'/missing.wav', true, false, 0,0,9) end";
+    const Ended ended = RunLink({"run", strScript});
+    EXPECT_EQ(ended.nExitCode, 1);
+    EXPECT_THAT(ended.strError,
+                HasSubstr("AEError ID:-1701\ntarvane-link: the server did not do it: "));
+    EXPECT_THAT(ended.strError, HasSubstr("the file /missing.wav does not exist"));
+    const nlohmann::json json =
+        nlohmann::json::parse(RunLink({"run", "--json", strScript}).strOutput);
+    EXPECT_EQ(json["outcome"], "server-error");
+    EXPECT_THAT(json["refusal"].get<std::string>(), HasSubstr("/missing.wav"));
+}
+
+TEST_F(ProgramTest, ControlCharactersOfOthersAreShownAsPoints)
+{
+    const Child server = StartServer({"--track", "Vox"});
+    EXPECT_EQ(RunLink({"run", "print('a\\27[2Jb\\u{9b}c')"}).strOutput, "a.[2Jb.c\n");
+    EXPECT_EQ(RunLink({"run", "error('a\\27[2Jb', 0)"}).strError, "a.[2Jb\n");
+    EXPECT_EQ(
+        nlohmann::json::parse(RunLink({"run", "--json", "print('a\\27b')"}).strOutput)["result"],
+        "a\033b\n");
 }
 
 TEST_F(ProgramTest, HelpAndVersionNeedNoBus)

@@ -1,11 +1,10 @@
 #include "apps/support/recording/EventWatch.h"
 
-#include "apps/support/recording/Recorder.h"
-
 #include <TarvanePlatform/EventObserver.h>
 
 #include <cstdio>
 #include <exception>
+#include <utility>
 
 namespace Tarvane
 {
@@ -26,16 +25,25 @@ std::vector<SeenParameter> ParametersOf(const TarvaneSeenEvent& event)
     return parameters;
 }
 
-void Record(const TarvaneSeenEvent* pEvent, void* pRecorder)
+std::vector<CEventWatcher*>& Watchers()
+{
+    static std::vector<CEventWatcher*> watchers;
+    return watchers;
+}
+
+void Show(const TarvaneSeenEvent* pEvent, void*)
 try
 {
-    CRecorder& recorder = *static_cast<CRecorder*>(pRecorder);
-    if (pEvent->ended)
-        recorder.Add(
-            SeenReply{pEvent->number, pEvent->status, pEvent->microseconds, ParametersOf(*pEvent)});
-    else
-        recorder.Add(SeenEvent{pEvent->number, pEvent->target, pEvent->eventClass, pEvent->eventID,
-                               ParametersOf(*pEvent)});
+    const std::vector<SeenParameter> parameters = ParametersOf(*pEvent);
+    for (CEventWatcher* pWatcher : Watchers())
+    {
+        if (pEvent->ended)
+            pWatcher->Add(
+                SeenReply{pEvent->number, pEvent->status, pEvent->microseconds, parameters});
+        else
+            pWatcher->Add(SeenEvent{pEvent->number, pEvent->target, pEvent->eventClass,
+                                    pEvent->eventID, parameters});
+    }
 }
 catch (const std::exception& error)
 {
@@ -44,9 +52,13 @@ catch (const std::exception& error)
 
 } // namespace
 
-bool RecordEvents(CRecorder* pRecorder)
+bool WatchEvents(std::vector<CEventWatcher*> watchers)
 {
-    TarvaneSetEventObserver(pRecorder != nullptr ? &Record : nullptr, pRecorder);
+    // While the list changes, nothing is shown.
+    TarvaneSetEventObserver(nullptr, nullptr);
+    Watchers() = std::move(watchers);
+    if (!Watchers().empty())
+        TarvaneSetEventObserver(&Show, nullptr);
     return true;
 }
 

@@ -3,7 +3,7 @@
 namespace Tarvane
 {
 
-bool RecordEvents(CRecorder*)
+bool WatchEvents(std::vector<CEventWatcher*>)
 {
     return false;
 }
