@@ -196,21 +196,23 @@ void CRoundCheck::CheckDelivered(const Attempt& attempt, size_t nRegions)
         Break("in-session-once", Describe(attempt) + " was never answered by the server");
         return;
     }
-    // Required: an error of the server's own is no failure of the command, so the capture counts as
-    // delivered. It must then have changed nothing.
-    const std::string& strError = answer->second->strError;
-    const bool fRefused = !strError.empty();
-    if (fRefused && strError.rfind(kSaveRefused, 0) != 0)
-        Break("refused-for-cause", Describe(attempt) + " was refused: " + strError);
-    if (fRefused && nRegions != 0)
-        Break("in-session-once", Describe(attempt) + " was refused and is in the session");
-    if (!fRefused && nRegions == 0)
+    if (!answer->second->strError.empty())
+        Break("in-session-once",
+              Describe(attempt) + " was refused by the server: " + answer->second->strError);
+    else if (nRegions == 0)
         Break("in-session-once", Describe(attempt) + " is not in the session");
 }
 
 void CRoundCheck::CheckUndelivered(const Attempt& attempt, size_t nRegions)
 {
-    if (!attempt.fServerAway)
+    const auto answer = m_answers.find(attempt.strPath);
+    const bool fRefused = answer != m_answers.end() && !answer->second->strError.empty();
+    if (fRefused && answer->second->strError.rfind(kSaveRefused, 0) != 0)
+        Break("refused-for-cause",
+              Describe(attempt) + " was refused: " + answer->second->strError);
+    if (fRefused && nRegions != 0)
+        Break("in-session-once", Describe(attempt) + " was refused and is in the session");
+    if (!attempt.fServerAway && !fRefused)
         Break("undelivered-for-cause", Describe(attempt) + ", while the server was there" +
                                            (nRegions > 0 ? ", and is in the session" : ""));
 }

@@ -3,8 +3,8 @@
 //   acknowledged-once     every finished element has one acknowledge, with the outcome that the
 //   host
 //                         was told; an element whose host was killed has one at most
-//   in-session-once       what is acknowledged as delivered, and was not refused by the server,
-//                         stands in the session once; no region stands there twice
+//   in-session-once       what is acknowledged as delivered stands in the session once, and what the
+//                         server refused not at all; no region stands there twice
 //   on-its-track, at-its-sample, with-its-length
 //                         wherever a captured file stands in the session
 //   duplicate-is-there    what is called a duplicate stands at its place already, and is not added
@@ -12,7 +12,8 @@
 //   file-kept             no finished capture has lost or changed its file, nor any region
 //   captured-by-somebody  no region and no file is there that nobody captured
 //   refused-for-cause     the server refuses a capture for a full disk alone
-//   undelivered-for-cause a capture comes back undelivered only when server or bus were away
+//   undelivered-for-cause a capture comes back undelivered only when it was refused, or server or
+//                         bus were away
 //   no-growth             memory, descriptors, threads
 #pragma once
 

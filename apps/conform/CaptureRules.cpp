@@ -1,7 +1,7 @@
 #include "apps/conform/ServerRules.h"
 
-#include <array>
 #include <cmath>
+#include <vector>
 
 namespace Tarvane::Conform
 {
@@ -103,25 +103,54 @@ void RegionStandsWhereItWasPut(const ServerBench& bench)
                       std::to_string(static_cast<long>(dEnd)));
 }
 
-void RefusesWhatItCannotAdd(const ServerBench& bench)
+// What cannot be done.
+struct Attempt
+{
+    const char* szWhat;
+    std::string strScript;
+};
+
+std::vector<Attempt> AttemptsInVain(const ServerBench& bench)
 {
     const CTestSound& sound = bench.sound;
     const std::string strTracks = bench.peer.Line("print(GetTrackCount())");
-    struct Attempt
-    {
-        const char* szWhat;
-        std::string strScript;
+    return {
+        {"a file that is not there", Adding(Track(bench), sound.Missing(), kElsewhere)},
+        {"a file without sound", Adding(Track(bench), sound.NoSound(), kElsewhere)},
+        {"a stretch beyond the end of its file",
+         Adding(Track(bench), sound.OtherTake(), kElsewhere, CTestSound::kFrames + 1)},
+        {"a track that is not there", Adding(strTracks, sound.OtherTake(), kElsewhere)},
     };
-    const std::array attempts{
-        Attempt{"a file that is not there", Adding(Track(bench), sound.Missing(), kElsewhere)},
-        Attempt{"a file without sound", Adding(Track(bench), sound.NoSound(), kElsewhere)},
-        Attempt{"a stretch beyond the end of its file",
-                Adding(Track(bench), sound.OtherTake(), kElsewhere, CTestSound::kFrames + 1)},
-        Attempt{"a track that is not there", Adding(strTracks, sound.OtherTake(), kElsewhere)},
-    };
-    for (const Attempt& attempt : attempts)
+}
+
+void RefusesWhatItCannotAdd(const ServerBench& bench)
+{
+    for (const Attempt& attempt : AttemptsInVain(bench))
         if (bench.peer.ErrorInDocument(attempt.strScript).empty())
             throw CBroken(std::string(attempt.szWhat) + " is added without an error");
+}
+
+void TellsWhatItDidNotDo(const ServerBench& bench)
+{
+    std::vector<Attempt> attempts = AttemptsInVain(bench);
+    attempts.push_back({"a path that ends its own text",
+                        Adding(Track(bench), "/a \" quote.wav", kElsewhere)});
+    attempts.push_back({"a script that fails behind its region",
+                        Adding(Track(bench), bench.sound.OtherTake(), kElsewhere) +
+                            "\nerror('behind')"});
+    for (const Attempt& attempt : attempts)
+        if (bench.peer.HasResultInDocument(attempt.strScript))
+            throw CBroken(std::string(attempt.szWhat) + " is answered with 'Rslt'");
+}
+
+void UndoesWhatItDidNotFinish(const ServerBench& bench)
+{
+    const std::string strCount = "print(GetRegionCount(GetTrackID(" + Track(bench) + ")))";
+    const double dBefore = Number(bench.peer.Line(strCount));
+    bench.peer.ErrorInDocument(Adding(Track(bench), bench.sound.OtherTake(), kElsewhere) +
+                               "\nerror('behind')");
+    if (Number(bench.peer.Line(strCount)) != dBefore)
+        throw CBroken("a region that a script added before it failed stays");
 }
 
 void CountsChanges(const ServerBench& bench)
@@ -163,6 +192,14 @@ std::vector<ServerRule> CaptureRules()
           "fail a script that adds a file that is missing, unreadable or too short, or to no track",
           "the take would be lost without a word"},
          RefusesWhatItCannotAdd,
+         true},
+        {{"S33", Level::Must, "answer without 'Rslt' to a script that changes and fails",
+          "with one the take counts as delivered, whatever 'Errr' says"},
+         TellsWhatItDidNotDo,
+         true},
+        {{"S34", Level::Should, "undo what a script changed before it failed",
+          "what was told as not delivered stands on the track all the same"},
+         UndoesWhatItDidNotFinish,
          true},
         {{"S24", Level::Should, "raise the count of updates with every change",
           "clients look at it to see whether anything is new"},

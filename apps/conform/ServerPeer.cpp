@@ -139,6 +139,13 @@ std::string CServerPeer::ErrorInDocument(const std::string& strBody) const
     return Error(Selected(strBody));
 }
 
+bool CServerPeer::HasResultInDocument(const std::string& strBody) const
+{
+    const Reply reply = Send(Selected(strBody));
+    MustHaveCome(reply);
+    return reply.result.has_value();
+}
+
 std::vector<std::string> Items(const std::string& strPrinted)
 {
     std::vector<std::string> items;

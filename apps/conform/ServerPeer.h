@@ -51,6 +51,8 @@ public:
     /// The one line that the body prints.
     std::string Line(const std::string& strBody) const;
     std::string ErrorInDocument(const std::string& strBody) const;
+    /// Whether there is a 'Rslt', of whatever kind, in the reply to a script that may fail.
+    bool HasResultInDocument(const std::string& strBody) const;
 
 private:
     std::string Selected(const std::string& strBody) const;

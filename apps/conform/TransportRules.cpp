@@ -111,7 +111,7 @@ std::vector<ServerRule> TransportRules()
           "a long list of tracks would stop the host when its count does not fit"},
          PrintsMuch},
         {{"S6", Level::Must, "put the text of a script's error into 'Errr'",
-          "a take that was not placed looks delivered without it"},
+          "whoever looks for what went wrong has nothing else"},
          TellsErrors},
         {{"S7", Level::Must, "leave 'Errr' out, or empty, when the script did not fail",
           "the user is told of a failure that did not happen"},

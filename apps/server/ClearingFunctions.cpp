@@ -74,7 +74,8 @@ std::vector<ScriptFunction> ClearingFunctions(CScriptContext& context)
         {"GetRegionID", [&context](const CScriptArguments& arguments)
          { return IdAt(context, arguments, &Document::regions); }},
         {"DeleteRegion", [&context](const CScriptArguments& arguments)
-         { return DeleteRegion(context, arguments); }},
+         { return DeleteRegion(context, arguments); },
+         true, true},
         {"GetMarkerTrackID", [&context](const CScriptArguments& arguments)
          { return MarkerTrackId(context, arguments); }},
         {"CountMarkerAreas", [&context](const CScriptArguments& arguments)
@@ -82,7 +83,8 @@ std::vector<ScriptFunction> ClearingFunctions(CScriptContext& context)
         {"GetMarkerAreaID", [&context](const CScriptArguments& arguments)
          { return IdAt(context, arguments, &Document::markerAreas); }},
         {"DeleteMarkerArea", [&context](const CScriptArguments& arguments)
-         { return DeleteMarkerArea(context, arguments); }},
+         { return DeleteMarkerArea(context, arguments); },
+         true, true},
     };
 }
 

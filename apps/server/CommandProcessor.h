@@ -1,13 +1,16 @@
 // One command of a client, from its script to the reply: run it, keep what it changed, answer.
 //
-// What a client is told decides how a failing script is treated. The clients of this server take an
-// event that was answered as delivered, whatever error text comes with it. So what a script has
-// done before it fails stays done and is kept: undoing it would lose a take that its sender
-// believes delivered, and sending it again is no risk, since the check for duplicates finds it. Its
-// output is withheld, for half a list is no list.
+// A command changes all that it asks to change, or nothing. The clients of this server take a reply
+// with a result as delivered, whatever error text comes with it; so a change that was asked for and
+// not made is answered without one: for a script that fails, for one whose document cannot be
+// selected, and for a session that cannot be saved. What the script changed before is undone then,
+// so that sending it again doubles nothing. A change is asked for when the script calls a function
+// that changes, or names one: a script that fails before its first call, or cannot be read, asked
+// for it all the same.
 //
-// Nothing is answered for before it is on disk. When the session cannot be saved, all that the
-// command changed is undone and the reply says so.
+// A question that fails is answered with an empty result beside its error: half a list is no list.
+//
+// Nothing is answered for before it is on disk.
 #pragma once
 
 #include "apps/server/LuaSandbox.h"
@@ -28,14 +31,32 @@ namespace Tarvane::Server
 struct CommandReply
 {
     std::string strResult;
-    std::string strError; // empty for none
+    std::string strError;  // empty for none
+    bool fRefused = false; // a change was asked for and not made: there is no result, not even an
+                           // empty one
 };
 
 // What is amiss with a server while it runs a command, on request.
 struct Trouble
 {
-    bool fNoDocument = false;    // as with no document open
-    bool fFrozenCounter = false; // GetUpdateCount stands where it was when the trouble began
+    bool fNoDocument = false;      // as with no document open
+    bool fFrozenCounter = false;   // GetUpdateCount stands where it was when the trouble began
+    std::int64_t nFrozenCount = 0; // where it stands then; see CCommandProcessor::Begin
+};
+
+// What scripts may do to the session.
+struct Access
+{
+    bool fReadOnly = false; // change nothing
+    bool fNoDelete = false; // delete nothing
+};
+
+// A command that has run, on a copy of the session.
+struct Execution
+{
+    CommandReply reply;
+    std::optional<CSession>
+        changed; // the session as the command leaves it, if it changed any of it
 };
 
 // Any one thread.
@@ -45,26 +66,37 @@ public:
     // pStore may be null: then the session lives as long as this object. It must outlive the
     // object. The folder is for exported and rendered audio.
     CCommandProcessor(CSession session, CSessionStore* pStore, CRenderFolder folder,
-                      bool fHasDocuments, const SandboxLimits& limits = {});
+                      bool fHasDocuments, const SandboxLimits& limits = {},
+                      const Access& access = {});
 
-    CommandReply Run(std::string_view strScript, const Trouble& trouble = {});
+    // The three steps of a command. Begin fills in what the trouble needs to know; Execute may
+    // happen in another process that has a copy of this object; Conclude saves what has changed and
+    // says what is to be answered. What was executed on another state of the session than the
+    // present one (UpdateCount) must not be concluded.
+    void Begin(Trouble& trouble);
+    Execution Execute(std::string_view strScript, const Trouble& trouble) const;
+    CommandReply Conclude(Execution execution);
+
+    CommandReply Run(std::string_view strScript, Trouble trouble = {});
 
     // Changes the session behind the clients' backs. Throws, and changes nothing, when it cannot be
     // saved.
     void Change(const std::function<void(CSession&)>& change);
 
     const CSession& Session() const { return m_session; }
+    const SandboxLimits& Limits() const { return m_limits; }
 
 private:
-    std::vector<ScriptFunction> Functions(CScriptContext& context) const;
+    std::vector<ScriptFunction> Functions(CScriptContext& context, const Trouble& trouble) const;
     // Empty when the session is on disk.
-    std::string SaveError();
+    std::string SaveError(const CSession& session);
 
     CSession m_session;
     CSessionStore* m_pStore;
     CRenderFolder m_folder;
     bool m_fHasDocuments;
     SandboxLimits m_limits;
+    Access m_access;
     std::optional<std::int64_t> m_nFrozenCount;
 };
 

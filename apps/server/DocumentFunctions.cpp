@@ -33,7 +33,8 @@ std::vector<ScriptFunction> DocumentFunctions(CScriptContext& context)
          [&context](const CScriptArguments&) { return context.Session().UpdateCount(); }},
         {"GetLinkSMPTEOffset", [&context](const CScriptArguments&) { return LinkOffset(context); }},
         {"MoveDisplayToPosition",
-         [&context](const CScriptArguments& arguments) { return MoveDisplay(context, arguments); }},
+         [&context](const CScriptArguments& arguments) { return MoveDisplay(context, arguments); },
+         true},
     };
 }
 

@@ -2,6 +2,7 @@
 
 #include "apps/server/FaultyReply.h"
 #include "apps/server/SessionMishaps.h"
+#include "apps/support/ChildProcess.h"
 #include "apps/support/EventReceiver.h"
 #include "utils/UnicodeText.h"
 
@@ -9,6 +10,8 @@
 
 #include <cstdio>
 #include <exception>
+#include <memory>
+#include <stdexcept>
 #include <string>
 #include <unistd.h>
 #include <utility>
@@ -41,6 +44,14 @@ OSErr ReadScript(const AppleEvent* pEvent, std::string& strScript)
                             nullptr);
     strScript = Utf8FromUtf16(units);
     return nStatus;
+}
+
+std::int64_t SenderOf(const AppleEvent* pEvent)
+{
+    SInt32 nProcess = 0;
+    AEGetAttributePtr(pEvent, keySenderPIDAttr, typeSInt32, nullptr, &nProcess, sizeof nProcess,
+                      nullptr);
+    return nProcess;
 }
 
 std::vector<std::string> NamesOf(const FaultSet& faults)
@@ -86,52 +97,74 @@ OSErr CEventHandler::Receive(const AppleEvent* pEvent, AppleEvent* pReply, void*
     }
 }
 
-OSErr CEventHandler::Handle(const AppleEvent* pEvent, AppleEvent* pReply)
+OSErr CEventHandler::Handle(const AppleEvent* pEvent, const AppleEvent* pReply)
 {
-    const FaultSet faults = m_misbehaviour.At(++m_nEvents);
+    const std::int64_t nNumber = ++m_nEvents;
+    const FaultSet faults = m_misbehaviour.At(nNumber);
     std::string strScript;
-    const OSErr nStatus = ReadScript(pEvent, strScript);
+    OSErr nStatus = ReadScript(pEvent, strScript);
+    if (nStatus == noErr)
+        nStatus = AESuspendTheCurrentEvent(pEvent);
     if (nStatus != noErr)
         return nStatus;
-    m_log.In(m_nEvents, strScript);
-    m_log.Faults(m_nEvents, NamesOf(faults));
+    const auto pKept =
+        std::make_shared<Event>(Event{nNumber, SenderOf(pEvent), faults, *pEvent, *pReply});
+    Command command;
+    command.nClient = pKept->nProcess;
+    command.begin = [this, pKept, strScript] { return Begin(*pKept, strScript); };
+    command.end = [this, pKept](const CommandReply& reply) { End(*pKept, reply); };
+    command.strScript = std::move(strScript);
+    m_queue.Add(std::move(command));
+    return noErr;
+}
 
-    if (faults.count(Fault::Hang) != 0)
+Trouble CEventHandler::Begin(Event& event, const std::string& strScript)
+{
+    if (!std::exchange(event.fBegun, true))
     {
-        m_waits.untilEnd();
-        return errAEEventFailed;
+        m_log.In(event.nNumber, strScript);
+        m_log.Faults(event.nNumber, NamesOf(event.faults));
+        SufferBefore(event.faults);
     }
-    SufferBefore(faults);
-    const CommandReply reply =
-        m_processor.Run(strScript, {faults.count(Fault::DocumentVanishes) != 0,
-                                    faults.count(Fault::FrozenCounter) != 0});
+    event.nUpdates = m_processor.Session().UpdateCount();
+    return {event.faults.count(Fault::DocumentVanishes) != 0,
+            event.faults.count(Fault::FrozenCounter) != 0};
+}
+
+void CEventHandler::End(Event& event, const CommandReply& reply)
+{
+    const FaultSet& faults = event.faults;
     if (faults.count(Fault::ExitAfterEffect) != 0)
         _exit(kExitByFault);
-
-    m_log.Out(m_nEvents, reply);
+    m_log.Out(event.nNumber, reply);
+    if (m_processor.Session().UpdateCount() != event.nUpdates)
+        m_log.Change(event.nNumber, event.nProcess, ProgramOf(event.nProcess));
     // The sender may not want a reply; the command has been run all the same.
-    return pReply->descriptorType == typeNull ? OSErr(noErr)
-                                              : Answer(pEvent, pReply, reply, faults);
+    if (event.reply.descriptorType != typeNull)
+    {
+        if (faults.count(Fault::NoReply) != 0)
+            return;
+        if (faults.count(Fault::LateReply) != 0)
+            m_waits.delay();
+        if (const OSErr nStatus = PutReply(&event.reply, reply, faults); nStatus != noErr)
+            std::fprintf(stderr, "tarvane-server: a reply could not be made: status %d\n", nStatus);
+    }
+    AEResumeTheCurrentEvent(&event.event, &event.reply, kAENoDispatch, nullptr);
 }
 
 void CEventHandler::SufferBefore(const FaultSet& faults)
 {
+    if (faults.count(Fault::Hang) != 0)
+    {
+        m_waits.untilEnd();
+        throw std::runtime_error("the server ends");
+    }
     if (faults.count(Fault::ExitBeforeEffect) != 0)
         _exit(kExitByFault);
     if (faults.count(Fault::TrackVanishes) != 0 || faults.count(Fault::TracksMove) != 0)
         m_processor.Change([&](CSession& session) { Befall(session, faults); });
     if (faults.count(Fault::EventFlood) != 0)
         m_flood.Begin(kSignature);
-}
-
-OSErr CEventHandler::Answer(const AppleEvent* pEvent, AppleEvent* pReply, const CommandReply& reply,
-                            const FaultSet& faults)
-{
-    if (faults.count(Fault::NoReply) != 0)
-        return AESuspendTheCurrentEvent(pEvent);
-    if (faults.count(Fault::LateReply) != 0)
-        m_waits.delay();
-    return PutReply(pReply, reply, faults);
 }
 
 } // namespace Tarvane::Server

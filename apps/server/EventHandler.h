@@ -2,11 +2,12 @@
 // 'TkNe'.
 //
 // In: the direct parameter, 'utxt', the script in UTF-16 of this machine's byte order. Out: 'Rslt'
-// and, when something went wrong, 'Errr', both 'utxt' in the same form. 'Rslt' is always there. An
-// event without a script is no command: its status is what reading the parameter gave.
+// and, when something went wrong, 'Errr', both 'utxt' in the same form. 'Rslt' is there unless a
+// change was asked for and not made. An event without a script is no command: its status is what
+// reading the parameter gave.
 #pragma once
 
-#include "apps/server/CommandProcessor.h"
+#include "apps/server/CommandQueue.h"
 #include "apps/server/EventFlood.h"
 #include "apps/server/EventLog.h"
 #include "apps/server/Misbehaviour.h"
@@ -26,7 +27,8 @@ struct FaultWaits
     std::function<void()> delay;
 };
 
-// Main thread. Installed from Install to its end. What it is given must outlive it.
+// Main thread. Events go through a queue (CommandQueue.h) and are answered when their turn has come
+// and their script has run. Installed from Install to its end. What it is given must outlive it.
 class CEventHandler
 {
 public:
@@ -42,16 +44,29 @@ public:
 
 private:
     static OSErr Receive(const AppleEvent* pEvent, AppleEvent* pReply, void* pHandler);
-    OSErr Handle(const AppleEvent* pEvent, AppleEvent* pReply);
+    // An event on its way through the queue.
+    struct Event
+    {
+        std::int64_t nNumber;
+        std::int64_t nProcess; // that sent it; 0 when nobody can tell
+        FaultSet faults;
+        AppleEvent event; // suspended, as its reply is
+        AppleEvent reply;
+        std::int64_t nUpdates = 0; // of the session when it began
+        bool fBegun = false;       // a command may begin again
+    };
+
+    OSErr Handle(const AppleEvent* pEvent, const AppleEvent* pReply);
+    Trouble Begin(Event& event, const std::string& strScript);
     void SufferBefore(const FaultSet& faults);
-    OSErr Answer(const AppleEvent* pEvent, AppleEvent* pReply, const CommandReply& reply,
-                 const FaultSet& faults);
+    void End(Event& event, const CommandReply& reply);
 
     CCommandProcessor& m_processor;
     CEventLog& m_log;
     CMisbehaviour m_misbehaviour;
     FaultWaits m_waits;
     CEventFlood m_flood;
+    CCommandQueue m_queue{m_processor};
     std::int64_t m_nEvents = 0;
     bool m_fInstalled = false;
 };

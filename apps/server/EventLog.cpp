@@ -1,5 +1,8 @@
 #include "apps/server/EventLog.h"
 
+#include "apps/support/PlainText.h"
+
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <ctime>
@@ -32,9 +35,15 @@ void WriteIndented(std::ostream& stream, std::string_view text)
     while (!text.empty())
     {
         const std::size_t nEnd = std::min(text.find_first_of("\r\n"), text.size());
-        stream << "    " << text.substr(0, nEnd) << '\n';
+        stream << "    " << PlainText(text.substr(0, nEnd)) << '\n';
         text.remove_prefix(std::min(nEnd + 1, text.size()));
     }
+}
+
+std::string InOneLine(std::string strText)
+{
+    std::replace(strText.begin(), strText.end(), '\n', '.');
+    return strText;
 }
 
 } // namespace
@@ -80,10 +89,20 @@ void CEventLog::Out(std::int64_t nEvent, const CommandReply& reply)
     if (m_pStream == nullptr)
         return;
     Begin(nEvent, "out");
-    *m_pStream << "  result\n";
+    *m_pStream << (reply.fRefused ? "  no result\n" : "  result\n");
     WriteIndented(*m_pStream, reply.strResult);
     *m_pStream << "  error\n";
     WriteIndented(*m_pStream, reply.strError);
+    End();
+}
+
+void CEventLog::Change(std::int64_t nEvent, std::int64_t nProcess, const std::string& strProgram)
+{
+    if (m_pStream == nullptr)
+        return;
+    Begin(nEvent, PlainText("changed the session, sent by " + std::to_string(nProcess) + " " +
+                            InOneLine(strProgram))
+                      .c_str());
     End();
 }
 

@@ -7,9 +7,12 @@
 //       result
 //         0
 //       error
+//     2026-03-01T12:34:56.790Z event 1 changed the session, sent by 4711 /usr/bin/tarvane-link
 //
-// Lines of scripts, results and errors are indented by four spaces, so that none can pass for a
-// line of the log itself. Each record is written out before the next thing happens.
+// The last line is that of an event that changed anything. Control characters are points.
+// "no result" stands there for a change that was asked for and not made. Lines of scripts, results
+// and errors are indented by four spaces, so that none can pass for a line of the log itself. Each
+// record is written out before the next thing happens.
 #pragma once
 
 #include "apps/server/CommandProcessor.h"
@@ -35,6 +38,8 @@ public:
     // What is planned to go wrong with the event.
     void Faults(std::int64_t nEvent, const std::vector<std::string>& names);
     void Out(std::int64_t nEvent, const CommandReply& reply);
+    // Who has changed the session by it.
+    void Change(std::int64_t nEvent, std::int64_t nProcess, const std::string& strProgram);
 
 private:
     void Begin(std::int64_t nEvent, const char* szWhat);

@@ -25,11 +25,12 @@ OSErr PutUnits(AppleEvent* pReply, AEKeyword nKey, const std::u16string& units)
                          static_cast<Size>(units.size() * sizeof(char16_t)));
 }
 
-OSErr PutResult(AppleEvent* pReply, const std::string& strResult, const FaultSet& faults)
+OSErr PutResult(AppleEvent* pReply, const CommandReply& reply, const FaultSet& faults)
 {
-    if (faults.count(Fault::NoResult) != 0)
+    if (faults.count(Fault::NoResult) != 0 ||
+        (reply.fRefused && faults.count(Fault::RefusalWithResult) == 0))
         return noErr;
-    const std::string& strSent = faults.count(Fault::EmptyResult) != 0 ? "" : strResult;
+    const std::string& strSent = faults.count(Fault::EmptyResult) != 0 ? "" : reply.strResult;
     if (faults.count(Fault::WrongType) != 0)
         return AEPutParamPtr(pReply, kResultKey, typeChar, strSent.data(),
                              static_cast<Size>(strSent.size()));
@@ -53,7 +54,7 @@ std::string ErrorOf(const CommandReply& reply, const FaultSet& faults)
 
 OSErr PutReply(AppleEvent* pReply, const CommandReply& reply, const FaultSet& faults)
 {
-    OSErr nStatus = PutResult(pReply, reply.strResult, faults);
+    OSErr nStatus = PutResult(pReply, reply, faults);
     const std::string strError = ErrorOf(reply, faults);
     if (nStatus == noErr && !strError.empty())
         nStatus = PutUnits(pReply, kErrorKey, Utf16FromUtf8(strError));

@@ -4,6 +4,7 @@
 #include "apps/server/NumberText.h"
 #include "apps/server/SandboxState.h"
 
+#include <algorithm>
 #include <locale.h>
 #include <memory>
 #if __has_include(<xlocale.h>)
@@ -113,13 +114,16 @@ std::string ErrorText(lua_State* pState)
         NumberBuffer buffer;
         strText = NumberText(lua_tonumber(pState, -1), buffer);
     }
-    if (strText.empty())
+    // Clients read up to a NUL.
+    std::replace(strText.begin(), strText.end(), '\0', ' ');
+    if (strText.find_first_not_of(' ') == std::string::npos)
         strText = std::string("the script failed without words; its error is a ") +
                   luaL_typename(pState, -1);
     if (strText.size() > kLongestError)
     {
         std::size_t nEnd = kLongestError;
-        while (nEnd > 0 && (strText[nEnd] & 0xc0) == 0x80)
+        // No character has more than three bytes behind its first; what has more is no text.
+        for (int n = 0; n < 3 && (strText[nEnd] & 0xc0) == 0x80; n++)
             nEnd--;
         strText.resize(nEnd);
     }
@@ -149,12 +153,13 @@ ScriptResult RunScript(std::string_view strScript, const std::vector<ScriptFunct
                        const SandboxLimits& limits)
 {
     if (strScript.size() > limits.nScriptBytes)
-        return {"", "the script is longer than " + std::to_string(limits.nScriptBytes) + " bytes"};
+        return {"", "the script is longer than " + std::to_string(limits.nScriptBytes) + " bytes",
+                false};
     const CPlainLocale plain;
     CSandboxState state(limits);
     Job job{strScript, functions};
     std::string strError = RunJobBounded(job, state);
-    return {state.Output(), std::move(strError)};
+    return {state.Output(), std::move(strError), state.ChangeCalled()};
 }
 
 } // namespace Tarvane::Server

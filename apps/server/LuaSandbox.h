@@ -22,7 +22,9 @@ struct SandboxLimits
     // Under the 16 MiB that a reply can carry, in UTF-16 too.
     std::size_t nOutputBytes = 4 << 20;
     std::int64_t nInstructions = 10'000'000;
-    // Of processor time. Waiting does not count, nor does a stopped process.
+    // Of processor time. Waiting does not count, nor does a stopped process. It is looked at
+    // between instructions; whoever runs scripts ends what takes longer within one
+    // (ScriptWorker.h).
     std::int64_t nMilliseconds = 10'000;
     // Of one call of a library function that counts no instructions: a step is a byte, a table
     // entry or a try of a pattern. A call that could take more is refused with an error of its own,
@@ -36,6 +38,8 @@ struct ScriptFunction
 {
     std::string strName;
     std::function<ScriptValue(const CScriptArguments&)> call;
+    bool fChanges = false; // what its callers ask for is a change of the session
+    bool fDeletes = false; // and a loss of what is in it
 };
 
 struct ScriptResult
@@ -44,7 +48,12 @@ struct ScriptResult
     std::string strOutput;
     // Empty when the script ran to its end.
     std::string strError;
+    // A function that changes was called, whether it did or not.
+    bool fChangeCalled = false;
 };
+
+// What is said of a script that has passed the bound of time.
+std::string ProcessorTimeText(std::int64_t nMilliseconds);
 
 // Runs the script in a fresh state, which offers the given functions and these of Lua 5.4: assert,
 // error, ipairs, next, pairs, pcall, print, rawequal, rawget, rawlen, rawset, select, tonumber,

@@ -82,6 +82,8 @@ const std::vector<FaultKind>& FaultKinds()
         {"empty-result", Fault::EmptyResult, false, "answers with an empty 'Rslt'"},
         {"error-beside-result", Fault::ErrorBesideResult, false,
          "adds an 'Errr' to what the script printed"},
+        {"refusal-with-result", Fault::RefusalWithResult, false,
+         "answers with an empty 'Rslt' and the error for a change that it does not make"},
         {"lone-surrogates", Fault::LoneSurrogates, false,
          "ends 'Rslt' with halves of surrogate pairs"},
         {"huge-reply", Fault::HugeReply, false, "fills 'Rslt' up to 16 MB with line ends"},

@@ -25,6 +25,7 @@ enum class Fault
     WrongType,         // 'Rslt' as 'TEXT'
     EmptyResult,       // 'Rslt' of no bytes
     ErrorBesideResult, // 'Errr' beside what the script printed
+    RefusalWithResult, // an empty 'Rslt' with 'Errr' for a change that was not made
     LoneSurrogates,    // 'Rslt' with halves of characters in it
     HugeReply,         // 'Rslt' of 16,000,000 bytes, which reads as what the script printed
     DocumentVanishes,  // no document can be selected

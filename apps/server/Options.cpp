@@ -23,6 +23,11 @@ std::string CheckLinkOffset(double dSeconds)
     return flaw ? "the offset " + *flaw : std::string();
 }
 
+std::string CheckFileName(const std::string& strFile)
+{
+    return strFile.empty() ? "a file's name is empty" : std::string();
+}
+
 std::string FaultHelp()
 {
     std::string strHelp =
@@ -56,7 +61,8 @@ void DeclareOptions(CLI::App& app, Options& options)
     app.add_option("--session", options.strSessionFile,
                    "Keep the session in this file; continue it when it exists. Without it nothing "
                    "is kept when the server ends")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(CheckFileName);
     app.add_option("--track", options.trackNames,
                    "Give a new session a track of this name, in both documents (repeatable)")
         ->type_name("NAME")
@@ -81,9 +87,11 @@ void DeclareOptions(CLI::App& app, Options& options)
         ->type_name("SECONDS");
     app.add_flag("--no-document", options.fNoDocument,
                  "Behave as with no document open: scripts can select none");
+    app.add_flag("--read-only", options.fReadOnly, "Refuse every change that a script asks for");
+    app.add_flag("--no-delete", options.fNoDelete, "Refuse to delete regions and marker areas");
     app.add_option("--render-folder", options.strRenderFolder,
                    "Put exported and rendered audio into this folder (default: FILE.audio beside "
-                   "the session file, tarvane-audio among the temporary files without one)")
+                   "the session file, a new folder of the user's own without one)")
         ->type_name("FOLDER");
     app.add_option("--log", options.strLogFile,
                    "Record every event in and out in this file; - is the standard output")

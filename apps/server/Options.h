@@ -19,7 +19,10 @@ struct Options
     std::vector<std::string> trackNames;
     std::optional<double> linkOffset; // seconds
     bool fNoDocument = false;
-    std::string strRenderFolder; // empty: beside the session file (RenderFolderFor)
+    bool fReadOnly = false;
+    bool fNoDelete = false;
+    std::string
+        strRenderFolder; // empty: beside the session file, or a private one (RenderFolderFor)
     std::string strLogFile;
     std::vector<FaultPlan> faults;
     std::optional<std::uint64_t> seed; // of faults at random

@@ -59,11 +59,13 @@ std::vector<ScriptFunction> ProcessFunctions(CScriptContext& context)
 {
     return {
         {"CreateProcess",
-         [&context](const CScriptArguments& arguments) { return Create(context, arguments); }},
+         [&context](const CScriptArguments& arguments) { return Create(context, arguments); },
+         true},
         {"FindLastProcessCreated",
          [&context](const CScriptArguments&) { return FindLast(context); }},
         {"SelectProcess",
-         [&context](const CScriptArguments& arguments) { return Select(context, arguments); }},
+         [&context](const CScriptArguments& arguments) { return Select(context, arguments); },
+         true},
     };
 }
 

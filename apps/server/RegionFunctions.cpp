@@ -101,7 +101,8 @@ std::vector<ScriptFunction> RegionFunctions(CScriptContext& context)
         {"CheckForDuplicateRegion", [&context](const CScriptArguments& arguments)
          { return CheckForDuplicate(context, arguments); }},
         {"AddAudioRegion",
-         [&context](const CScriptArguments& arguments) { return AddRegion(context, arguments); }},
+         [&context](const CScriptArguments& arguments) { return AddRegion(context, arguments); },
+         true},
     };
 }
 

@@ -7,9 +7,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -55,14 +57,30 @@ bool IsWholeNumbers(int nWavForm)
     return nWavForm != SF_FORMAT_FLOAT && nWavForm != SF_FORMAT_DOUBLE;
 }
 
-std::unique_ptr<SNDFILE, SoundCloser> CreateSound(const std::filesystem::path& path,
+// A new file of the folder, which no other program knows the name of; the caller owns the
+// descriptor.
+int NewFile(const std::filesystem::path& folder, std::filesystem::path& path)
+{
+    std::string strName = (folder / ".being-written-XXXXXX.wav").string();
+    const int nFile = mkstemps(strName.data(), 4);
+    path = strName;
+    if (nFile < 0)
+        Fail("cannot make a sound file in", folder, std::strerror(errno));
+    const mode_t nMask = umask(0);
+    umask(nMask);
+    fchmod(nFile, 0666 & ~nMask);
+    return nFile;
+}
+
+// The descriptor becomes the file's.
+std::unique_ptr<SNDFILE, SoundCloser> CreateSound(int nFile, const std::filesystem::path& path,
                                                   const CRegionReader& reader)
 {
     SF_INFO info{};
     info.samplerate = reader.SampleRate();
     info.channels = reader.Channels();
     info.format = SF_FORMAT_RF64 | WavForm(reader.SampleForm());
-    std::unique_ptr<SNDFILE, SoundCloser> pFile(sf_open(path.c_str(), SFM_WRITE, &info));
+    std::unique_ptr<SNDFILE, SoundCloser> pFile(sf_open_fd(nFile, SFM_WRITE, &info, SF_TRUE));
     if (pFile == nullptr)
         Fail("cannot make the sound file", path, sf_strerror(nullptr));
     sf_command(pFile.get(), SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
@@ -83,10 +101,10 @@ sf_count_t WriteFrames(SNDFILE* pFile, const std::vector<double>& samples, sf_co
     return sf_writef_int(pFile, numbers.data(), nFrames);
 }
 
-void CopyAudio(const Region& region, const std::filesystem::path& path)
+void CopyAudio(CRegionReader& reader, const Region& region, int nFile,
+               const std::filesystem::path& path)
 {
-    CRegionReader reader(region);
-    auto pFile = CreateSound(path, reader);
+    auto pFile = CreateSound(nFile, path, reader);
     const bool fWholeNumbers = IsWholeNumbers(WavForm(reader.SampleForm()));
     while (!reader.AtEnd())
     {
@@ -157,11 +175,12 @@ std::string CRenderFolder::Write(const Region& region)
     if (error)
         Fail("cannot make the folder", m_folder, error.message());
 
-    const std::filesystem::path part =
-        m_folder / (".being-written-" + std::to_string(getpid()) + ".wav");
+    CRegionReader reader(region);
+    std::filesystem::path part;
+    const int nFile = NewFile(m_folder, part);
     try
     {
-        CopyAudio(region, part);
+        CopyAudio(reader, region, nFile, part);
         Sync(part);
         const std::filesystem::path path = GiveName(part, Stem(region));
         unlink(part.c_str());

@@ -52,7 +52,8 @@ std::vector<ScriptFunction> RenderFunctions(CScriptContext& context)
         {"ExportRegion", [&context](const CScriptArguments& arguments)
          { return context.Folder().Write(context.FindRegion(arguments.Integer(1))); }},
         {"RegionRender",
-         [&context](const CScriptArguments& arguments) { return Render(context, arguments); }},
+         [&context](const CScriptArguments& arguments) { return Render(context, arguments); },
+         true},
         {"GetRegionStartPosition", [&context](const CScriptArguments& arguments)
          { return context.FindRegion(arguments.Integer(1)).TimelineStart(); }},
         {"GetRegionEndPosition", [&context](const CScriptArguments& arguments)

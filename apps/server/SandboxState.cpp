@@ -29,6 +29,12 @@ std::string ByteText(std::size_t nBytes)
 
 } // namespace
 
+std::string ProcessorTimeText(std::int64_t nMilliseconds)
+{
+    return "the script takes more than " + std::to_string(nMilliseconds) +
+           " milliseconds of processor time";
+}
+
 CSandboxState::CSandboxState(const SandboxLimits& limits)
     : m_limits(limits), m_nTimeAtStart(ProcessorMilliseconds())
 {
@@ -106,6 +112,7 @@ void CSandboxState::Append(lua_State* pState, char cNext)
 
 bool CSandboxState::Call(lua_State* pState, const ScriptFunction& function) noexcept
 {
+    m_fChangeCalled |= function.fChanges;
     try
     {
         m_callResult = function.call(CScriptArguments(pState, lua_gettop(pState)));
@@ -137,8 +144,7 @@ std::string CSandboxState::BoundText() const
         return "the script runs longer than " + std::to_string(m_limits.nInstructions) +
                " instructions";
     case Bound::Time:
-        return "the script takes more than " + std::to_string(m_limits.nMilliseconds) +
-               " milliseconds of processor time";
+        return ProcessorTimeText(m_limits.nMilliseconds);
     case Bound::Output:
         return "the script prints more than " + ByteText(m_limits.nOutputBytes);
     case Bound::None:

@@ -37,6 +37,7 @@ public:
     bool Call(lua_State* pState, const ScriptFunction& function) noexcept;
     const ScriptValue& CallResult() const { return m_callResult; }
     const std::string& CallError() const { return m_strCallError; }
+    bool ChangeCalled() const { return m_fChangeCalled; }
 
     // Once a bound has been reached the script is to end, whatever it catches.
     bool IsOver() const { return m_bound != Bound::None; }
@@ -72,6 +73,7 @@ private:
     std::string m_strOutput;
     ScriptValue m_callResult;
     std::string m_strCallError;
+    bool m_fChangeCalled = false;
 };
 
 } // namespace Tarvane::Server

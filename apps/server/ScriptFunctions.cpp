@@ -1,5 +1,6 @@
 #include "apps/server/ScriptFunctions.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace Tarvane::Server
@@ -9,6 +10,8 @@ bool CScriptContext::Select(DocumentKind kind)
 {
     if (m_fHasDocuments)
         m_selected = kind;
+    else
+        m_fSelectionFailed = true;
     return m_fHasDocuments;
 }
 
@@ -51,6 +54,50 @@ std::vector<ScriptFunction> MakeScriptFunctions(CScriptContext& context)
         std::move(some.begin(), some.end(), std::back_inserter(all));
     }
     return all;
+}
+
+namespace
+{
+
+bool IsOfName(char c)
+{
+    return c == '_' || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+bool Names(std::string_view strScript, std::string_view name)
+{
+    for (std::size_t nAt = strScript.find(name); nAt != std::string_view::npos;
+         nAt = strScript.find(name, nAt + 1))
+    {
+        const std::size_t nEnd = nAt + name.size();
+        if ((nAt == 0 || !IsOfName(strScript[nAt - 1])) &&
+            (nEnd == strScript.size() || !IsOfName(strScript[nEnd])))
+            return true;
+    }
+    return false;
+}
+
+std::vector<std::string> ChangingNames()
+{
+    CSession session;
+    CRenderFolder folder{{}};
+    CScriptContext context(session, folder, true);
+    std::vector<std::string> names;
+    for (const ScriptFunction& function : MakeScriptFunctions(context))
+    {
+        if (function.fChanges)
+            names.push_back(function.strName);
+    }
+    return names;
+}
+
+} // namespace
+
+bool NamesChange(std::string_view strScript)
+{
+    static const std::vector<std::string> names = ChangingNames();
+    return std::any_of(names.begin(), names.end(),
+                       [=](const std::string& strName) { return Names(strScript, strName); });
 }
 
 } // namespace Tarvane::Server

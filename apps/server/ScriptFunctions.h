@@ -70,6 +70,8 @@ public:
     CRenderFolder& Folder() { return m_folder; }
     // False when the document is not there.
     bool Select(DocumentKind kind);
+    // A document was asked for that is not there.
+    bool SelectionFailed() const { return m_fSelectionFailed; }
     // Throw CScriptError when nothing is selected.
     DocumentKind Selected() const;
     const Document& SelectedDocument() const;
@@ -82,10 +84,15 @@ private:
     CRenderFolder& m_folder;
     bool m_fHasDocuments;
     std::optional<DocumentKind> m_selected;
+    bool m_fSelectionFailed = false;
 };
 
 // All functions. The context must outlive them.
 std::vector<ScriptFunction> MakeScriptFunctions(CScriptContext& context);
+
+// Whether the name of a function that changes the session stands anywhere in the script, comments
+// and texts included.
+bool NamesChange(std::string_view strScript);
 
 // The functions by subject, each list in a source file of its own.
 std::vector<ScriptFunction> DocumentFunctions(CScriptContext& context);

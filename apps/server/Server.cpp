@@ -8,11 +8,15 @@
 #include "apps/server/SessionListing.h"
 #include "apps/support/CommandLine.h"
 
+#include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <csignal>
+#include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <system_error>
+#include <unistd.h>
 #include <utility>
 
 namespace Tarvane::Server
@@ -90,6 +94,24 @@ int PrintListing(const Options& options)
     return kExitDone;
 }
 
+// A folder into which nobody else can put anything.
+std::filesystem::path PrivateFolder()
+{
+    for (const auto& [szVariable, szBelow] : {std::pair{"XDG_STATE_HOME", "tarvane-server"},
+                                              std::pair{"HOME", ".local/state/tarvane-server"}})
+    {
+        const char* const szFolder = std::getenv(szVariable);
+        if (szFolder != nullptr && szFolder[0] == '/')
+            return std::filesystem::path(szFolder) / szBelow;
+    }
+    std::string strNew =
+        (std::filesystem::temp_directory_path() / "tarvane-server-XXXXXX").string();
+    if (mkdtemp(strNew.data()) == nullptr)
+        throw std::system_error(errno, std::generic_category(),
+                                "cannot make a folder for audio; name one with --render-folder");
+    return strNew;
+}
+
 // Failures of writing are to come back as errors, not to end the process.
 void IgnoreBrokenPipes()
 {
@@ -121,7 +143,7 @@ std::filesystem::path RenderFolderFor(const CSessionStore* pStore, const Options
     if (!options.strRenderFolder.empty())
         return std::filesystem::absolute(options.strRenderFolder);
     if (pStore == nullptr)
-        return std::filesystem::temp_directory_path() / "tarvane-audio";
+        return PrivateFolder() / "audio";
     std::filesystem::path folder = pStore->File();
     return folder += ".audio";
 }
@@ -143,7 +165,7 @@ int RunServer(const Options& options)
     CEventLog log(options.strLogFile);
     CCommandProcessor processor(OpenSession(pStore.get(), options), pStore.get(),
                                 CRenderFolder(RenderFolderFor(pStore.get(), options)),
-                                !options.fNoDocument);
+                                !options.fNoDocument, {}, {options.fReadOnly, options.fNoDelete});
     const std::chrono::milliseconds delay(std::llround(options.dDelay * 1000));
     CMisbehaviour misbehaviour(options.faults, options.seed);
     if (misbehaviour.StartsSlowly())

@@ -15,7 +15,9 @@ namespace Tarvane::Server
 // pStore may be null: the session is then new and in memory.
 CSession OpenSession(CSessionStore* pStore, const Options& options);
 
-// The folder for exported and rendered audio, a full path.
+// The folder for exported and rendered audio, a full path: the one asked for, one beside the
+// session file, or one of the user's own. Without a home folder that is a new one at each call.
+// Throws std::system_error.
 std::filesystem::path RenderFolderFor(const CSessionStore* pStore, const Options& options);
 
 // Does what the options ask for, and returns when that is done or the process has been asked to

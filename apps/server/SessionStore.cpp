@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -18,6 +19,14 @@ namespace
 
 // Far above any session of use; a file that is no session at all is not read into memory.
 constexpr std::size_t kLargestFile = std::size_t(256) << 20;
+
+CSessionStore::FileStamp StampOf(const std::filesystem::path& file)
+{
+    struct stat status = {};
+    if (stat(file.c_str(), &status) != 0)
+        return {};
+    return {status.st_dev, status.st_ino, status.st_size};
+}
 
 } // namespace
 
@@ -50,6 +59,7 @@ std::optional<CSession> CSessionStore::Load()
     if (!std::filesystem::exists(m_file))
         return std::nullopt;
     m_strContent = ReadFile(m_file, kLargestFile);
+    m_stamp = StampOf(m_file);
     m_fEarlierForm = IsSessionText(m_strContent);
     const std::string strWhich = "the session file " + m_file.string();
     try
@@ -76,6 +86,10 @@ void CSessionStore::Save(const CSession& session)
     if (const auto flaw = session.Flaw())
         throw CSessionFlaw("it could not be loaded again: " + *flaw);
     std::string strContent = EncodeSession(session);
+    if (strContent.size() > kLargestFile)
+        throw CSessionFlaw("it would be larger than " + std::to_string(kLargestFile >> 20) +
+                           " MiB, and could not be loaded again");
+    RequireOwnFile();
     try
     {
         ReplaceFile(m_file, strContent);
@@ -83,10 +97,29 @@ void CSessionStore::Save(const CSession& session)
     catch (const std::system_error&)
     {
         PutBack();
+        m_stamp = StampOf(m_file);
         throw;
     }
     m_strContent = std::move(strContent);
+    m_stamp = StampOf(m_file);
     m_fEarlierForm = false;
+}
+
+// Somebody else's session under the name must not be lost; nor must what is only here.
+void CSessionStore::RequireOwnFile()
+{
+    const FileStamp now = StampOf(m_file);
+    if (m_strRefusal.empty() && now.nInode != 0 && m_stamp.nInode != 0 && !(now == m_stamp))
+    {
+        const std::filesystem::path kept = m_file.string() + ".kept-" + std::to_string(getpid());
+        ReplaceFile(kept, m_strContent);
+        m_strRefusal = "the session file " + m_file.string() +
+                       " was changed by another program and is left as it is; the session as this "
+                       "server last saved it is in " +
+                       kept.string() + ". End the server and decide between the two";
+    }
+    if (!m_strRefusal.empty())
+        throw std::runtime_error(m_strRefusal);
 }
 
 // The file has been replaced already when it is its folder that could not be synced. The session

@@ -4,6 +4,7 @@
 #include "apps/server/Session.h"
 #include "apps/server/SessionFlaw.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -45,15 +46,30 @@ public:
 
     // When this returns the session is on disk and survives the end of the process at any instant;
     // until then the file holds what it held. Throws std::system_error with what stands in the way,
-    // and CSessionFlaw for a session that could not be loaded again; the file then holds what it
-    // held.
+    // and CSessionFlaw for a session that could not be loaded again, one of more than 256 MiB among
+    // them; the file then holds what it held. When another program has put a file in its place,
+    // that file stays, the session as last saved goes to "<name>.kept-<process>", and nothing is
+    // saved any more: std::runtime_error, now and from then on.
     void Save(const CSession& session);
+
+    // What tells a file from another under the same name; all 0 for none.
+    struct FileStamp
+    {
+        std::uintmax_t nDevice = 0;
+        std::uintmax_t nInode = 0;
+        std::intmax_t nBytes = 0;
+
+        bool operator==(const FileStamp&) const = default;
+    };
 
 private:
     void PutBack();
+    void RequireOwnFile();
 
     std::filesystem::path m_file;
     std::string m_strContent; // of the file, as last loaded or saved; empty when there is none
+    FileStamp m_stamp;        // of the file then
+    std::string m_strRefusal; // why nothing is saved any more; empty while it is
     bool m_fEarlierForm = false;
     int m_nLock = -1;
 };

@@ -10,12 +10,12 @@ namespace Tarvane::Server
 namespace
 {
 
-using Json = nlohmann::json;
+using TextJson = nlohmann::json;
 
 constexpr const char* szForm = "Tarvane Link session";
 constexpr int kVersion = 1;
 
-const Json& Member(const Json& object, const char* szKey)
+const TextJson& Member(const TextJson& object, const char* szKey)
 {
     if (!object.is_object())
         throw CSessionFlaw(std::string("there is no object to hold \"") + szKey + "\"");
@@ -30,7 +30,7 @@ const Json& Member(const Json& object, const char* szKey)
     throw CSessionFlaw(std::string("\"") + szKey + "\" is no " + szWanted);
 }
 
-template <typename Integer> Integer ToInteger(const Json& value, const char* szKey)
+template <typename Integer> Integer ToInteger(const TextJson& value, const char* szKey)
 {
     // Unsigned is how the reader tells a number of zero and above; beyond the signed range it would
     // turn over.
@@ -43,44 +43,44 @@ template <typename Integer> Integer ToInteger(const Json& value, const char* szK
     return value.get<Integer>();
 }
 
-template <typename Integer> Integer GetInteger(const Json& object, const char* szKey)
+template <typename Integer> Integer GetInteger(const TextJson& object, const char* szKey)
 {
     return ToInteger<Integer>(Member(object, szKey), szKey);
 }
 
-double GetNumber(const Json& object, const char* szKey)
+double GetNumber(const TextJson& object, const char* szKey)
 {
-    const Json& value = Member(object, szKey);
+    const TextJson& value = Member(object, szKey);
     if (!value.is_number())
         FailType(szKey, "number");
     return value.get<double>();
 }
 
-std::string GetString(const Json& object, const char* szKey)
+std::string GetString(const TextJson& object, const char* szKey)
 {
-    const Json& value = Member(object, szKey);
+    const TextJson& value = Member(object, szKey);
     if (!value.is_string())
         FailType(szKey, "text");
     return value.get<std::string>();
 }
 
-bool GetFlag(const Json& object, const char* szKey)
+bool GetFlag(const TextJson& object, const char* szKey)
 {
-    const Json& value = Member(object, szKey);
+    const TextJson& value = Member(object, szKey);
     if (!value.is_boolean())
         FailType(szKey, "truth value");
     return value.get<bool>();
 }
 
-const Json& GetList(const Json& object, const char* szKey)
+const TextJson& GetList(const TextJson& object, const char* szKey)
 {
-    const Json& value = Member(object, szKey);
+    const TextJson& value = Member(object, szKey);
     if (!value.is_array())
         FailType(szKey, "list");
     return value;
 }
 
-Region DecodeRegion(const Json& object)
+Region DecodeRegion(const TextJson& object)
 {
     Region region;
     region.nId = GetInteger<std::int64_t>(object, "id");
@@ -90,58 +90,58 @@ Region DecodeRegion(const Json& object)
     region.nEnd = GetInteger<std::int64_t>(object, "end");
     region.nPosition = GetInteger<std::int64_t>(object, "position");
     region.nSampleRate = GetInteger<std::int32_t>(object, "sampleRate");
-    for (const Json& channel : GetList(object, "channels"))
+    for (const TextJson& channel : GetList(object, "channels"))
         region.channels.push_back(ToInteger<std::int32_t>(channel, "channels"));
     region.fMuted = GetFlag(object, "muted");
     return region;
 }
 
-MarkerArea DecodeMarkerArea(const Json& object)
+MarkerArea DecodeMarkerArea(const TextJson& object)
 {
     return {GetInteger<std::int64_t>(object, "id"), GetInteger<std::int64_t>(object, "track"),
             GetInteger<std::int64_t>(object, "start"), GetInteger<std::int64_t>(object, "end")};
 }
 
-Process DecodeProcess(const Json& object)
+Process DecodeProcess(const TextJson& object)
 {
     Process process;
     process.nId = GetInteger<std::int64_t>(object, "id");
     process.strKind = GetString(object, "kind");
     process.strHost = GetString(object, "host");
-    for (const Json& input : GetList(object, "inputs"))
+    for (const TextJson& input : GetList(object, "inputs"))
         process.inputs.push_back(
             {GetInteger<std::int64_t>(input, "ioType"), GetInteger<std::int64_t>(input, "track"),
              GetInteger<std::int64_t>(input, "start"), GetInteger<std::int64_t>(input, "end")});
-    for (const Json& output : GetList(object, "outputs"))
+    for (const TextJson& output : GetList(object, "outputs"))
         process.outputTrackIds.push_back(ToInteger<std::int64_t>(output, "outputs"));
     process.nRegionId = GetInteger<std::int64_t>(object, "region");
     return process;
 }
 
-Document DecodeDocument(const Json& object)
+Document DecodeDocument(const TextJson& object)
 {
     Document document;
     document.dDisplayPosition = GetNumber(object, "displayPosition");
     document.nSelectedRegionId = GetInteger<std::int64_t>(object, "selectedRegion");
-    for (const Json& track : GetList(object, "tracks"))
+    for (const TextJson& track : GetList(object, "tracks"))
         document.tracks.push_back(
             {GetInteger<std::int64_t>(track, "id"), GetString(track, "name")});
-    for (const Json& region : GetList(object, "regions"))
+    for (const TextJson& region : GetList(object, "regions"))
         document.regions.push_back(DecodeRegion(region));
-    for (const Json& area : GetList(object, "markerAreas"))
+    for (const TextJson& area : GetList(object, "markerAreas"))
         document.markerAreas.push_back(DecodeMarkerArea(area));
-    for (const Json& process : GetList(object, "processes"))
+    for (const TextJson& process : GetList(object, "processes"))
         document.processes.push_back(DecodeProcess(process));
     return document;
 }
 
-Json Parse(std::string_view text)
+TextJson Parse(std::string_view text)
 {
     try
     {
-        return Json::parse(text);
+        return TextJson::parse(text);
     }
-    catch (const Json::exception& error)
+    catch (const TextJson::exception& error)
     {
         throw CSessionFlaw(std::string("this is no whole session text: ") + error.what());
     }
@@ -157,8 +157,8 @@ bool IsSessionText(std::string_view bytes)
 
 CSession DecodeSessionText(std::string_view text)
 {
-    const Json whole = Parse(text);
-    if (!whole.is_object() || whole.value("form", Json()) != szForm)
+    const TextJson whole = Parse(text);
+    if (!whole.is_object() || whole.value("form", TextJson()) != szForm)
         throw CSessionFlaw("this is no session of this program");
     RequireVersion(GetInteger<std::int64_t>(whole, "version"), kVersion);
 

@@ -52,9 +52,11 @@ end
 function api.GetMarkerTrackID(idTrack) return idTrack end
 function api.CountMarkerAreas() return 0 end
 
--- What the script printed, and its error, if any.
+-- What the script printed, and its error, if any. A script that changes and fails changes nothing,
+-- and has no result.
 function Run(strScript)
-    local printed = {}
+    local printed, kept = {}, {}
+    for nTrack, list in ipairs(regions) do kept[nTrack] = table.move(list, 1, #list, 1, {}) end
     local own = setmetatable({}, { __index = api })
     function own.print(...)
         local words = table.pack(...)
@@ -64,7 +66,9 @@ function Run(strScript)
     local fnScript, strError = load(strScript, '=script', 't', own)
     local fDone = false
     if fnScript then fDone, strError = pcall(fnScript) end
-    return table.concat(printed), not fDone and tostring(strError) or nil
+    local fChanges = strScript:find('AddAudioRegion') or strScript:find('DeleteRegion')
+    if not fDone and fChanges then regions, printed = kept, nil end
+    return printed and table.concat(printed), not fDone and tostring(strError) or nil
 end
 )";
 
@@ -132,7 +136,8 @@ OSErr Handle(const AppleEvent* pEvent, AppleEvent* pReply, void* pState)
     lua_pushstring(pLua, TextIn(pEvent).c_str());
     if (lua_pcall(pLua, 1, 2, 0) != LUA_OK)
         return errAEEventFailed;
-    PutText(pReply, 'Rslt', lua_tostring(pLua, -2));
+    if (!lua_isnil(pLua, -2))
+        PutText(pReply, 'Rslt', lua_tostring(pLua, -2));
     if (!lua_isnil(pLua, -1))
         PutText(pReply, 'Errr', lua_tostring(pLua, -1));
     lua_settop(pLua, 0);

@@ -255,14 +255,24 @@ TEST_F(SoakInvariants, TheSameCaptureDeliveredTwiceBreaksThem)
 TEST_F(SoakInvariants, ARefusalForAFullDiskChangesNothing)
 {
     round.answers[1].strError = "nothing was changed, for the session could not be saved: no room";
+    round.attempts[1].outcome = Outcome::Undelivered;
+    round.lives[0].acknowledges[1].nNotDelivered = 1;
     ExpectBroken("in-session-once", "was refused and is in the session");
     round.regions.erase(round.regions.begin() + 1);
     ExpectHolds();
 }
 
+TEST_F(SoakInvariants, ARefusalThatCountsAsDeliveredBreaksThem)
+{
+    round.answers[1].strError = "nothing was changed, for the session could not be saved: no room";
+    ExpectBroken("in-session-once", "was refused by the server");
+}
+
 TEST_F(SoakInvariants, ARefusalForAnythingElseBreaksThem)
 {
     round.answers[1].strError = "there is no track 1";
+    round.attempts[1].outcome = Outcome::Undelivered;
+    round.lives[0].acknowledges[1].nNotDelivered = 1;
     round.regions.erase(round.regions.begin() + 1);
     ExpectBroken("refused-for-cause", "there is no track 1");
 }

@@ -136,14 +136,13 @@ TEST_F(DeliveryFaults, WithoutTracksOrADocumentNothingIsSent)
     }
 }
 
-// The server refuses the place with a Lua error. The link goes by the status of the command alone
-// and acknowledges the capture as delivered, which is how the link is defined.
-TEST_F(DeliveryFaults, ScriptErrorOfTheServerIsNoFailureOfTheCommand)
+// The server refuses the place with a Lua error, and answers without a result.
+TEST_F(DeliveryFaults, WhatTheServerRefusesIsNotDelivered)
 {
     StartServerWith({"--track", "Dialogue", "--link-offset", "2.0"});
     StartHost();
     const json capture = CaptureOne(1e17);
-    EXPECT_EQ(capture["ack"]["fNotDelivered"], 0);
+    EXPECT_EQ(capture["ack"]["fNotDelivered"], 1);
     EXPECT_EQ(AcknowledgesOf(0), 1U);
     EXPECT_THAT(Regions(), IsEmpty());
     EXPECT_EQ(Asked("CheckForDuplicateRegion("), 1U);

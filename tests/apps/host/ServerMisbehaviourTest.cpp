@@ -42,11 +42,10 @@ protected:
         EXPECT_EQ(Regions()[0].nPosition, dPosition);
     }
 
-    // Acknowledged as delivered, for the command has succeeded, and nothing stands in the session.
-    void ExpectDeliveredNowhere()
+    void ExpectRefused()
     {
         const json capture = CaptureOne();
-        EXPECT_EQ(capture["ack"]["fNotDelivered"], 0) << capture;
+        EXPECT_EQ(capture["ack"]["fNotDelivered"], 1) << capture;
         EXPECT_EQ(AcknowledgesOf(0), 1U);
         EXPECT_THAT(Regions(), IsEmpty());
     }
@@ -124,7 +123,7 @@ TEST_F(ServerMisbehaviour, SixteenMegabytesAreReadLikeAnyReply)
 TEST_F(ServerMisbehaviour, DocumentThatVanishesBetweenTwoCommandsTakesNothing)
 {
     StartBoth("document-vanishes@6");
-    ExpectDeliveredNowhere();
+    ExpectRefused();
     EXPECT_THAT(State()["tracks"], IsEmpty());
     EXPECT_EQ(State()["message"], kNoSession);
 }
@@ -133,7 +132,7 @@ TEST_F(ServerMisbehaviour, TrackThatVanishesBeforeItsCaptureTakesNothing)
 {
     StartBoth("track-vanishes@5");
     host->Ask("track 1", kLong);
-    ExpectDeliveredNowhere();
+    ExpectRefused();
     EXPECT_THAT(State()["tracks"], ElementsAre("Dialogue"));
     EXPECT_EQ(State()["selected"], 0) << "the last track, for want of the chosen one";
 }
@@ -167,6 +166,15 @@ TEST_F(ServerMisbehaviour, ReplyAfterTheTimeoutIsNoOtherCommands)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ(CaptureOne()["outcome"], "duplicate");
     EXPECT_THAT(Regions(), SizeIs(1));
+}
+
+TEST_F(ServerMisbehaviour, RefusalWithAResultCountsAsDelivered)
+{
+    StartBoth("refusal-with-result,track-vanishes@5");
+    host->Ask("track 1", kLong);
+    const json capture = CaptureOne();
+    EXPECT_EQ(capture["ack"]["fNotDelivered"], 0) << capture;
+    EXPECT_THAT(Regions(), IsEmpty());
 }
 
 TEST_F(ServerMisbehaviour, ServerThatStartsSlowlyIsFoundOnceItIsThere)

@@ -82,6 +82,7 @@ TEST_F(CommandProcessor, AFailedSaveUndoesTheChangeAndSaysSo)
                     HasSubstr("nothing was changed, for the session could not be saved: cannot "));
         EXPECT_THAT(reply.strError, HasSubstr("No space left on device"));
         EXPECT_EQ(reply.strResult, "");
+        EXPECT_TRUE(reply.fRefused);
         EXPECT_EQ(LiveRegions(), 1u);
         EXPECT_EQ(StoredRegions(), 1u);
         EXPECT_EQ(m_stored.Session().UpdateCount(), nUpdates);
@@ -99,25 +100,64 @@ TEST_F(CommandProcessor, ASaveThatFailsLateIsUndoneInTheFileToo)
     EXPECT_EQ(StoredRegions(), 1u);
 }
 
-// A client takes an event that was answered as delivered, error text or not.
-TEST_F(CommandProcessor, WhatWasDoneBeforeAnErrorStaysDone)
+TEST_F(CommandProcessor, WhatWasDoneBeforeAnErrorIsUndoneAndRefused)
 {
+    Run("MoveDisplayToPosition(1)");
     const CommandReply reply = Run(Add(0) + "MoveDisplayToPosition('nowhere')");
     EXPECT_EQ(reply.strError,
               "MoveDisplayToPosition: argument 1 should be a number, and is a string");
-    EXPECT_EQ(LiveRegions(), 1u);
-    EXPECT_EQ(StoredRegions(), 1u);
-    // Sent again, it is found to be there.
-    EXPECT_EQ(Run("print(CheckForDuplicateRegion(GetTrackID(0), \"" + m_strTake + "\",0,0,100))")
-                  .strResult,
-              "1\n");
+    EXPECT_TRUE(reply.fRefused);
+    EXPECT_EQ(LiveRegions(), 0u);
+    EXPECT_EQ(StoredRegions(), 0u);
 }
 
-TEST_F(CommandProcessor, WhatWasDoneBeforeABoundStaysDone)
+TEST_F(CommandProcessor, WhatWasDoneBeforeABoundIsUndoneAndRefused)
 {
-    EXPECT_EQ(Run(Add(0) + "while true do end").strError,
-              "the script runs longer than 10000000 instructions");
-    EXPECT_EQ(StoredRegions(), 1u);
+    Run("MoveDisplayToPosition(1)");
+    const CommandReply reply = Run(Add(0) + "while true do end");
+    EXPECT_EQ(reply.strError, "the script runs longer than 10000000 instructions");
+    EXPECT_TRUE(reply.fRefused);
+    EXPECT_EQ(StoredRegions(), 0u);
+}
+
+TEST_F(CommandProcessor, AChangeThatFailsBeforeItBeginsIsRefused)
+{
+    for (const std::string& strScript :
+         {"AddAudioRegion(GetTrackID(7), \"" + m_strTake + "\", true, false, 0,0,100)",
+          std::string("AddAudioRegion(GetTrackID(0), \"/missing.wav\", true, false, 0,0,100)"),
+          std::string("AddAudioRegion(GetTrackID(0), \"/a\"b.wav\", true, false, 0,0,100)"),
+          std::string("_G['Delete' .. 'Region'](99)")})
+    {
+        const CommandReply reply = Run(strScript);
+        EXPECT_NE(reply.strError, "") << strScript;
+        EXPECT_TRUE(reply.fRefused) << strScript;
+    }
+}
+
+TEST_F(CommandProcessor, AQuestionThatFailsIsAnsweredAndNotRefused)
+{
+    for (const char* szScript :
+         {"print(GetTrackName(99))", "error('no')", "no script", "while 1 do end",
+          "print(CheckForDuplicateRegion(1, '/missing.wav', 0, 0, 1))", "NotDeleteRegion()"})
+    {
+        const CommandReply reply = Run(szScript);
+        EXPECT_NE(reply.strError, "") << szScript;
+        EXPECT_FALSE(reply.fRefused) << szScript;
+    }
+}
+
+TEST_F(CommandProcessor, AChangeThatFindsNoDocumentIsRefused)
+{
+    const Trouble vanished{true, false};
+    const CommandReply reply =
+        m_stored.Run("if SelectScriptDocument() then\n" + Add(0) + "end\n", vanished);
+    EXPECT_EQ(reply.strError, "nothing was changed, for no document is open");
+    EXPECT_TRUE(reply.fRefused);
+    const CommandReply told = m_stored.Run(
+        "if SelectScriptDocument() then\n" + Add(0) + "else print(1) print(0) end\n", vanished);
+    EXPECT_EQ(told.strResult, "1\n0\n") << "it says so itself";
+    EXPECT_FALSE(told.fRefused);
+    EXPECT_FALSE(m_stored.Run("if SelectScriptDocument() then print(1) end", vanished).fRefused);
 }
 
 TEST_F(CommandProcessor, TheOutputOfAScriptThatFailsIsWithheld)
@@ -127,11 +167,11 @@ TEST_F(CommandProcessor, TheOutputOfAScriptThatFailsIsWithheld)
     EXPECT_EQ(reply.strError, "halfway");
 }
 
-TEST_F(CommandProcessor, AScriptErrorIsNotLostInAFailedSave)
+TEST_F(CommandProcessor, AScriptThatFailsSavesNothing)
 {
     const CFailingCall failing("write", 1, ENOSPC);
-    EXPECT_THAT(Run(Add(0) + "error('and this', 0)").strError,
-                testing::AllOf(HasSubstr("could not be saved"), HasSubstr("; and and this")));
+    EXPECT_EQ(Run(Add(0) + "error('and this', 0)").strError, "and this");
+    EXPECT_FALSE(failing.HasFailed());
 }
 
 TEST_F(CommandProcessor, NoDocumentCanBeSelectedWhileItHasVanished)
@@ -169,6 +209,33 @@ TEST_F(CommandProcessor, AChangeBehindTheClientsBacksThatCannotBeSavedIsUndone)
         m_stored.Change([](CSession& session) { session.DeleteTrack(DocumentKind::Script, 1); }),
         std::runtime_error);
     EXPECT_EQ(LiveRegions(), 1u);
+}
+
+TEST_F(CommandProcessor, AReadOnlyServerAnswersAndChangesNothing)
+{
+    CCommandProcessor processor(CSession({"Vox"}, 0), nullptr, RenderFolder(), true, {},
+                                {true, false});
+    const CommandReply reply = processor.Run("SelectScriptDocument() " + Add(0));
+    EXPECT_EQ(reply.strError,
+              "AddAudioRegion: this server changes nothing: it was started with --read-only");
+    EXPECT_TRUE(reply.fRefused);
+    EXPECT_EQ(processor.Run("SelectScriptDocument() print(GetTrackCount())").strResult, "1\n");
+    EXPECT_EQ(processor.Session().UpdateCount(), 0);
+}
+
+TEST_F(CommandProcessor, AServerThatDeletesNothingAddsAllTheSame)
+{
+    CCommandProcessor processor(CSession({"Vox"}, 0), nullptr, RenderFolder(), true, {},
+                                {false, true});
+    EXPECT_EQ(processor.Run("SelectScriptDocument() " + Add(0)).strError, "");
+    for (const std::string strDelete :
+         {"DeleteRegion(GetRegionID(GetTrackID(0), 0))", "DeleteMarkerArea(1)"})
+    {
+        const CommandReply reply = processor.Run("SelectScriptDocument() " + strDelete);
+        EXPECT_THAT(reply.strError, HasSubstr("this server deletes nothing"));
+        EXPECT_TRUE(reply.fRefused);
+    }
+    EXPECT_EQ(Regions(processor.Session()), 1u);
 }
 
 TEST_F(CommandProcessor, LimitsAreTheGivenOnes)

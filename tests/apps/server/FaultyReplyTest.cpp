@@ -54,6 +54,15 @@ TEST(FaultyReply, WithoutFaultsHoldsWhatTheCommandGave)
     EXPECT_EQ(bad.error, u"no such track");
 }
 
+TEST(FaultyReply, WhatIsRefusedHasNoResult)
+{
+    const Carried refused = Put({"", "no such file", true}, {});
+    EXPECT_EQ(refused.result, std::nullopt);
+    EXPECT_EQ(refused.error, u"no such file");
+    EXPECT_EQ(Put({"", "no such file", true}, {Fault::EmptyResult}).result, std::nullopt);
+    EXPECT_EQ(Put({"", "no such file", true}, {Fault::RefusalWithResult}).result, u"");
+}
+
 TEST(FaultyReply, ResultMayBeMissingOrEmpty)
 {
     EXPECT_EQ(Put({"1\n", ""}, {Fault::NoResult}).result, std::nullopt);

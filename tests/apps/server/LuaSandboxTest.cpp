@@ -83,6 +83,14 @@ TEST(LuaSandbox, ALongErrorIsCutBetweenCharacters)
     EXPECT_EQ(strError.substr(strError.size() - 3), "\u20ac");
 }
 
+TEST(LuaSandbox, AnErrorIsNeverShortenedToNothing)
+{
+    EXPECT_EQ(RunScript("error(('\\x80'):rep(5000), 0)", {}).strError.size(), 4093u);
+    EXPECT_EQ(RunScript("error('\\0why', 0)", {}).strError, " why");
+    EXPECT_EQ(RunScript("error('\\0\\0', 0)", {}).strError,
+              "the script failed without words; its error is a string");
+}
+
 TEST(LuaSandbox, WhatWasPrintedBeforeAnErrorIsStillThere)
 {
     const ScriptResult result = RunScript("print(1) error('x', 0)", {});

@@ -7,7 +7,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <fstream>
+#include <optional>
 #include <memory>
 
 namespace Tarvane::Server
@@ -129,10 +131,40 @@ TEST_F(OpenSessionOf, MadeAudioGoesBesideTheSession)
 {
     const CSessionStore store(m_file);
     EXPECT_EQ(RenderFolderFor(&store, m_options), m_folder / "session.audio");
-    EXPECT_EQ(RenderFolderFor(nullptr, m_options),
-              std::filesystem::temp_directory_path() / "tarvane-audio");
     m_options.strRenderFolder = "made";
     EXPECT_EQ(RenderFolderFor(&store, m_options), std::filesystem::current_path() / "made");
+}
+
+// The environment as it was, once the object goes.
+class CWithVariable
+{
+public:
+    CWithVariable(const char* szName, const char* szValue) : m_szName(szName)
+    {
+        if (const char* szBefore = std::getenv(szName))
+            m_before = szBefore;
+        szValue != nullptr ? setenv(szName, szValue, 1) : unsetenv(szName);
+    }
+    ~CWithVariable() { m_before ? setenv(m_szName, m_before->c_str(), 1) : unsetenv(m_szName); }
+
+private:
+    const char* m_szName;
+    std::optional<std::string> m_before;
+};
+
+TEST_F(OpenSessionOf, WithoutASessionMadeAudioGoesWhereNobodyElseCanPutAnything)
+{
+    const CWithVariable home("HOME", "/home/somebody");
+    const CWithVariable state("XDG_STATE_HOME", "/state");
+    EXPECT_EQ(RenderFolderFor(nullptr, m_options), "/state/tarvane-server/audio");
+    const CWithVariable noState("XDG_STATE_HOME", nullptr);
+    EXPECT_EQ(RenderFolderFor(nullptr, m_options),
+              "/home/somebody/.local/state/tarvane-server/audio");
+    const CWithVariable noHome("HOME", nullptr);
+    const std::filesystem::path made = RenderFolderFor(nullptr, m_options).parent_path();
+    EXPECT_EQ(std::filesystem::status(made).permissions(), std::filesystem::perms::owner_all);
+    EXPECT_NE(RenderFolderFor(nullptr, m_options).parent_path(), made) << "nobody can foresee it";
+    std::filesystem::remove(made);
 }
 
 TEST_F(OpenSessionOf, WithoutAFileThereIsANewSession)

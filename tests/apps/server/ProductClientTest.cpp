@@ -82,11 +82,12 @@ TEST_F(ProductClient, TheUpdateCountFollowsTheChanges)
     EXPECT_EQ(m_script.GetUpdateCount(), 5);
 }
 
-TEST_F(ProductClient, ARefusalReachesTheUser)
+TEST_F(ProductClient, ARefusalIsNotDelivered)
 {
     const Child server = Start({"--track", "Vox"});
     EXPECT_FALSE(Deliver(0, 0, 101));
-    EXPECT_THAT(m_script.m_strLastError, testing::HasSubstr("is too short: it has 100 frames"));
+    EXPECT_EQ(m_script.m_strLastError, "AEError ID:-1701");
+    EXPECT_EQ(m_script.GetUpdateCount(), 0);
 }
 
 TEST_F(ProductClient, ADeliveredCaptureCanBeExportedAndRendered)

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <fstream>
 #include <limits>
+#include <unistd.h>
 
 namespace Tarvane::Server
 {
@@ -149,6 +150,17 @@ TEST_F(RenderFolder, FailuresLeaveNoFile)
     EXPECT_THAT(m_folder.Files(), ElementsAre("deep/made/take-region-7.wav", "take.wav"));
     std::filesystem::remove(m_region.strPath);
     EXPECT_THAT(ErrorOfWriting(), HasSubstr("does not exist"));
+}
+
+TEST_F(RenderFolder, LinksOfOthersAreNotFollowed)
+{
+    std::ofstream(m_folder / "precious") << "as it was";
+    std::filesystem::create_directories(m_folder / "deep/made");
+    for (const std::string& strName :
+         {".being-written-" + std::to_string(getpid()) + ".wav", std::string("take-region-7.wav")})
+        std::filesystem::create_symlink(m_folder / "precious", m_folder / "deep/made" / strName);
+    EXPECT_EQ(m_made.Write(m_region), (m_folder / "deep/made/take-region-7-2.wav").string());
+    EXPECT_EQ(std::filesystem::file_size(m_folder / "precious"), 9u);
 }
 
 TEST_F(RenderFolder, AFolderThatCannotBeMadeIsAnError)

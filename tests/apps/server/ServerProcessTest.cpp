@@ -2,6 +2,8 @@
 #include "tests/apps/server/ServerFixture.h"
 
 #include <csignal>
+#include <filesystem>
+#include <unistd.h>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -13,6 +15,7 @@ namespace
 {
 
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 std::string FileText(const std::string& strPath)
@@ -223,13 +226,61 @@ TEST_F(ServerProcess, WrongUseIsToldInOneLine)
     }
 }
 
+TEST_F(ServerProcess, ARefusedChangeHasNoResult)
+{
+    const Child server = Start({"--track", "Vox"});
+    const CScriptAnswer answer =
+        SendScript("SelectScriptDocument() AddAudioRegion(GetTrackID(0), \"/missing.wav\", true, "
+                   "false, 0,0,100)");
+    EXPECT_EQ(answer.nStatus, noErr);
+    EXPECT_EQ(answer.result, std::nullopt);
+    EXPECT_THAT(answer.error.value_or(""), HasSubstr("/missing.wav does not exist"));
+}
+
+TEST_F(ServerProcess, TheLogNamesWhoChangedTheSession)
+{
+    const std::string strLog = Path("log");
+    const Child server = Start({"--track", "Vox", "--log", strLog});
+    SendScript("print(1)");
+    EXPECT_THAT(FileText(strLog), Not(HasSubstr("changed the session")));
+    SendScript(Add(0));
+    EXPECT_THAT(FileText(strLog),
+                HasSubstr(" event 2 changed the session, sent by " + std::to_string(getpid()) + " " +
+                          std::filesystem::read_symlink("/proc/self/exe").string()));
+}
+
+TEST_F(ServerProcess, AReadOnlyServerRefusesChanges)
+{
+    const Child server = Start({"--track", "Vox", "--read-only"});
+    EXPECT_THAT(SendScript(Add(0)).error.value_or(""), HasSubstr("--read-only"));
+    EXPECT_EQ(SendScript("print(GetUpdateCount())").result, "0\n");
+}
+
+TEST_F(ServerProcess, AnEmptySessionNameIsWrongUse)
+{
+    const Ended ended = RunToEnd({"--session", ""});
+    EXPECT_EQ(ended.nExitCode, 2);
+    EXPECT_THAT(ended.strError, HasSubstr("a file's name is empty"));
+}
+
+TEST_F(ServerProcess, AWorkerHoldsNeitherTheNameNorTheSession)
+{
+    Child server = Start({"--session", m_strSession});
+    ASSERT_EQ(SendScript("print(1)").nStatus, noErr);
+    kill(server->Pid(), SIGKILL);
+    server->WaitForEnd(kAnyTime);
+    EXPECT_EQ(SendScript("print(1)").nStatus, procNotFound);
+    server = Start({"--session", m_strSession});
+    EXPECT_EQ(SendScript("print(1)").result, "1\n");
+}
+
 TEST_F(ServerProcess, HelpAndVersionAreAnswered)
 {
     const Ended help = RunToEnd({"--help"});
     EXPECT_EQ(help.nExitCode, 0);
     for (const char* szPart :
          {"--session", "--track", "--link-offset", "--log", "--no-document", "--list-session",
-          "--json", "--render-folder", "--misbehave", "--seed", "--delay", "Exit codes: "})
+          "--json", "--render-folder", "--read-only", "--no-delete", "--misbehave", "--seed", "--delay", "Exit codes: "})
         EXPECT_THAT(help.strOutput, HasSubstr(szPart));
     for (const Tarvane::Server::FaultKind& kind : Tarvane::Server::FaultKinds())
         EXPECT_THAT(help.strOutput, HasSubstr(std::string(kind.szName) + ": "));

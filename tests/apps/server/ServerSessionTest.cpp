@@ -233,7 +233,7 @@ TEST_F(ServerSession, AFailedSaveUndoesTheChangeAndTellsTheClient)
     std::filesystem::create_directory(m_strSession + ".saving");
     const CScriptAnswer answer = SendScript(Add(1000));
     EXPECT_EQ(answer.nStatus, noErr);
-    EXPECT_EQ(answer.result, "");
+    EXPECT_EQ(answer.result, std::nullopt);
     EXPECT_THAT(answer.error.value_or(""), HasSubstr("nothing was changed, for the session could "
                                                      "not be saved: cannot open"));
     EXPECT_EQ(StoredPositions(), std::vector<std::int64_t>{0});

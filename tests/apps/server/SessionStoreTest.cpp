@@ -10,6 +10,7 @@
 
 #include <fstream>
 #include <system_error>
+#include <unistd.h>
 
 namespace Tarvane::Server
 {
@@ -154,6 +155,39 @@ TEST_F(SessionStore, WhatCouldNotBeLoadedAgainIsNotSaved)
     unsound.AddMarkerArea(DocumentKind::Script, {kNullId, 99, 0, 1});
     EXPECT_THROW(store.Save(unsound), CSessionFlaw);
     EXPECT_EQ(StoredUpdates(), 1);
+}
+
+TEST_F(SessionStore, AFileThatAnotherProgramHasPutThereIsLeftAndBothAreKept)
+{
+    CSessionStore store(m_file);
+    store.Save(SessionAt(3));
+    std::filesystem::remove(m_file);
+    std::ofstream(m_file) << "of somebody else";
+    for (const int nUpdates : {4, 5})
+    {
+        try
+        {
+            store.Save(SessionAt(nUpdates));
+            FAIL() << "it was written over";
+        }
+        catch (const std::runtime_error& error)
+        {
+            EXPECT_THAT(error.what(), HasSubstr("was changed by another program"));
+        }
+    }
+    EXPECT_EQ(ReadFile(m_file, kAny), "of somebody else");
+    const std::string strKept = "session.kept-" + std::to_string(getpid());
+    EXPECT_THAT(m_folder.Files(), ElementsAre("session", strKept));
+    EXPECT_EQ(CSessionStore(m_folder / strKept).Load()->UpdateCount(), 3);
+}
+
+TEST_F(SessionStore, AFileThatIsGoneIsWrittenAnew)
+{
+    CSessionStore store(m_file);
+    store.Save(SessionAt(3));
+    std::filesystem::remove(m_file);
+    store.Save(SessionAt(4));
+    EXPECT_EQ(StoredUpdates(), 4);
 }
 
 TEST_F(SessionStore, AFailedSaveLeavesTheSessionBefore)

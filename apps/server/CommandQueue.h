@@ -1,0 +1,103 @@
+// Who is served when: the commands of several clients, on processes that run their scripts.
+//
+// Clients take turns, and a client's own commands run one after the other. A command runs on the
+// session as it is when it begins. One that takes longer than a turn makes room: the next begins
+// beside it, and of those that are over their turn one at a time goes on. So a short question waits
+// for the turns of those before it, never for the whole of a long script. What a command changes is
+// kept only if nobody has changed the session since it began; otherwise it runs again, and the
+// second time alone.
+#pragma once
+
+#include "apps/server/CommandProcessor.h"
+#include "apps/server/LoopWatch.h"
+#include "apps/server/ScriptWorker.h"
+
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <list>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace Tarvane::Server
+{
+
+struct Command
+{
+    std::int64_t nClient = 0; // whoever sends has one number
+    std::string strScript;
+    // Asked when the command's turn comes: what is amiss then. May throw; the text is the answer.
+    std::function<Trouble()> begin;
+    // Told once what is to be answered, when what the command changed is on disk.
+    std::function<void(const CommandReply&)> end;
+};
+
+struct QueueLimits
+{
+    std::chrono::milliseconds turn{100};
+    // While it runs; waiting for others does not count.
+    std::chrono::milliseconds longest{20'000};
+    std::size_t nWaitingBytes = 64 << 20; // of scripts that wait
+};
+
+// Main thread, in its run loop.
+class CCommandQueue
+{
+public:
+    // The processor must outlive the object.
+    explicit CCommandQueue(CCommandProcessor& processor, const QueueLimits& limits = {});
+    ~CCommandQueue();
+    CCommandQueue(const CCommandQueue&) = delete;
+    CCommandQueue& operator=(const CCommandQueue&) = delete;
+
+    // The command is answered at once when too much is waiting.
+    void Add(Command command);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    struct Waiting
+    {
+        Command command;
+        bool fAlone = false; // has met with a change of others before
+    };
+
+    // A command on its worker.
+    struct Running
+    {
+        Command command;
+        Trouble trouble;
+        bool fAlone = false;
+        std::unique_ptr<CScriptWorker> pWorker;
+        std::unique_ptr<CReadWatch> pWatch;
+        Clock::duration before{}; // that it has run until it was stopped last
+        Clock::time_point since;
+        bool fStopped = false;
+        bool fLong = false; // its turn is over
+    };
+    using Runs = std::list<Running>;
+
+    void Step();
+    void StartNext();
+    bool CanStart(const Waiting& waiting) const;
+    void Start(Waiting waiting);
+    void LookAtTimes();
+    void LetOneLongRun();
+    void SetTimer();
+    void Take(Runs::iterator run);
+    void Finish(Runs::iterator run, Execution execution);
+    Clock::duration Ran(const Running& run) const;
+    std::unique_ptr<CScriptWorker> TakeWorker();
+
+    CCommandProcessor& m_processor;
+    const QueueLimits m_limits;
+    std::deque<Waiting> m_waiting;
+    std::size_t m_nWaitingBytes = 0;
+    std::deque<std::int64_t> m_served; // clients, the one served longest ago first
+    Runs m_running;
+    std::unique_ptr<CScriptWorker> m_pIdle;
+    CLoopTimer m_timer;
+};
+
+} // namespace Tarvane::Server

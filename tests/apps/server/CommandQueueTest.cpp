@@ -1,0 +1,150 @@
+#include "apps/server/CommandQueue.h"
+
+#include "tests/apps/server/CommandFixture.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <limits>
+
+namespace Tarvane::Server
+{
+namespace
+{
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+// A script that ends by the bound alone.
+constexpr const char* kEndless = "while true do end";
+
+class CommandQueue : public TarvaneTest::CommandFixture
+{
+protected:
+    static SandboxLimits Limits()
+    {
+        SandboxLimits limits;
+        limits.nInstructions = std::numeric_limits<std::int64_t>::max();
+        limits.nMilliseconds = 1000;
+        return limits;
+    }
+
+    void Add(CCommandQueue& queue, std::int64_t nClient, const std::string& strScript)
+    {
+        Command command;
+        command.nClient = nClient;
+        command.strScript = strScript;
+        command.begin = [this, nClient]
+        {
+            m_begun.push_back(nClient);
+            return Trouble{};
+        };
+        command.end = [this, nClient](const CommandReply& reply)
+        {
+            m_ended.push_back(nClient);
+            m_replies.push_back(reply);
+        };
+        queue.Add(std::move(command));
+    }
+
+    void RunUntil(std::size_t nEnded) const
+    {
+        while (m_ended.size() < nEnded)
+            CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.01, false);
+    }
+
+    std::string Adding(std::int64_t nPosition) const
+    {
+        return "SelectScriptDocument() AddAudioRegion(GetTrackID(0), \"" + m_strTake +
+               "\", true, false, " + std::to_string(nPosition) + ",0,100)";
+    }
+
+    std::vector<std::int64_t> m_begun;
+    std::vector<std::int64_t> m_ended;
+    std::vector<CommandReply> m_replies;
+    CCommandProcessor m_patient{CSession({"Vox"}, 0), nullptr, RenderFolder(), true, Limits()};
+};
+
+TEST_F(CommandQueue, AnswersWhatWasPrintedAndKeepsWhatChanged)
+{
+    CCommandQueue queue(m_patient);
+    Add(queue, 1, Adding(0));
+    Add(queue, 1, "SelectScriptDocument() print(GetRegionCount(GetTrackID(0)))");
+    RunUntil(2);
+    EXPECT_EQ(m_replies[0].strError, "");
+    EXPECT_EQ(m_replies[1].strResult, "1\n");
+    EXPECT_EQ(m_patient.Session().GetDocument(DocumentKind::Script).regions.size(), 1u);
+}
+
+TEST_F(CommandQueue, AShortQuestionIsBehindNoLongScript)
+{
+    CCommandQueue queue(m_patient);
+    for (std::int64_t nClient = 1; nClient <= 7; nClient++)
+        Add(queue, nClient, kEndless);
+    Add(queue, 8, "print('short')");
+    RunUntil(8);
+    EXPECT_EQ(m_ended[0], 8);
+    EXPECT_EQ(m_replies[0].strResult, "short\n");
+    for (std::size_t n = 1; n < 8; n++)
+        EXPECT_EQ(m_replies[n].strError, ProcessorTimeText(1000));
+}
+
+TEST_F(CommandQueue, ClientsTakeTurnsAndEachIsServedInOrder)
+{
+    CCommandQueue queue(m_patient);
+    for (int n = 1; n <= 3; n++)
+        Add(queue, 1, "print(" + std::to_string(n) + ")");
+    Add(queue, 2, "print('other')");
+    RunUntil(4);
+    EXPECT_THAT(m_ended, ElementsAre(1, 2, 1, 1));
+    EXPECT_EQ(m_replies[2].strResult, "2\n");
+    EXPECT_EQ(m_replies[3].strResult, "3\n");
+}
+
+TEST_F(CommandQueue, AChangeOfASessionThatHasChangedMeanwhileIsMadeAnew)
+{
+    QueueLimits limits;
+    limits.turn = std::chrono::milliseconds(0);
+    CCommandQueue queue(m_patient, limits);
+    Add(queue, 1, "for n = 1, 1000000 do end " + Adding(0));
+    while (m_begun.empty())
+        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.01, false);
+    Add(queue, 2, Adding(1000));
+    RunUntil(2);
+    // Whoever came second began again.
+    EXPECT_THAT(m_begun, ElementsAre(1, 2, m_ended[1]));
+    EXPECT_NE(m_ended[0], m_ended[1]);
+    EXPECT_EQ(m_patient.Session().GetDocument(DocumentKind::Script).regions.size(), 2u);
+}
+
+TEST_F(CommandQueue, WhatWaitsInTheWorldIsEndedToo)
+{
+    QueueLimits limits;
+    limits.longest = std::chrono::milliseconds(1000);
+    SandboxLimits patient = Limits();
+    patient.nMilliseconds = 1'000'000;
+    CCommandProcessor processor(CSession({"Vox"}, 0), nullptr, RenderFolder(), true, patient);
+    CCommandQueue queue(processor, limits);
+    Add(queue, 1, std::string(kEndless) + " DeleteRegion()");
+    RunUntil(1);
+    EXPECT_EQ(m_replies[0].strError, "the script takes more than 1 seconds");
+    EXPECT_TRUE(m_replies[0].fRefused) << "it names a change";
+    Add(queue, 1, "print(1)");
+    RunUntil(2);
+    EXPECT_EQ(m_replies[1].strResult, "1\n");
+}
+
+TEST_F(CommandQueue, WhatIsTooMuchToWaitIsRefusedAtOnce)
+{
+    QueueLimits limits;
+    limits.nWaitingBytes = 100;
+    CCommandQueue queue(m_patient, limits);
+    Add(queue, 1, std::string(60, ' '));
+    Add(queue, 1, std::string(60, ' '));
+    Add(queue, 1, std::string(60, ' '));
+    ASSERT_EQ(m_replies.size(), 1u);
+    EXPECT_EQ(m_replies[0].strError, "too many commands are waiting");
+    RunUntil(3);
+}
+
+} // namespace
+} // namespace Tarvane::Server
