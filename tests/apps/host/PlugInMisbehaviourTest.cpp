@@ -40,11 +40,11 @@ protected:
         EXPECT_EQ(Regions()[0].nPosition, 96100);
     }
 
-    // The server has refused it, which the view does not learn.
-    void ExpectDeliveredNowhere()
+    // By the server, which answers without a result.
+    void ExpectRefused()
     {
         const json capture = CaptureOne();
-        EXPECT_EQ(capture["ack"]["fNotDelivered"], 0) << capture;
+        EXPECT_EQ(capture["ack"]["fNotDelivered"], 1) << capture;
         EXPECT_EQ(AcknowledgesOf(0), 1U);
         EXPECT_EQ(Asked("AddAudioRegion("), 1U);
         EXPECT_THAT(Regions(), IsEmpty());
@@ -98,7 +98,7 @@ TEST_F(PlugInMisbehaviour, RecordThatIsCutShortIsAnEmptyRegion)
 TEST_F(PlugInMisbehaviour, PathsWithoutAnEndEndWithTheirFields)
 {
     StartBoth("paths-unterminated");
-    ExpectDeliveredNowhere();
+    ExpectRefused();
     const std::string strPath = folder / "captures/one-001.wav";
     EXPECT_THAT(FileText(folder / "server.log"),
                 HasSubstr("\"" + strPath + std::string(kTNPathSize - strPath.size(), 'x') + "\""));
@@ -115,7 +115,7 @@ TEST_F(PlugInMisbehaviour, PositionThatIsNoNumberIsZero)
 TEST_F(PlugInMisbehaviour, InfinitePositionIsSentAsTheLastOne)
 {
     StartBoth("infinite-position");
-    ExpectDeliveredNowhere();
+    ExpectRefused();
     EXPECT_THAT(FileText(folder / "server.log"), HasSubstr("true, false, 9223372036854775807,0,"));
 }
 
@@ -128,14 +128,14 @@ TEST_F(PlugInMisbehaviour, RegionOfNoNumbersIsEmpty)
 TEST_F(PlugInMisbehaviour, RegionWithoutAnEndIsTheServersToRefuse)
 {
     StartBoth("infinite-region");
-    ExpectDeliveredNowhere();
+    ExpectRefused();
     EXPECT_THAT(FileText(folder / "server.log"), HasSubstr(",0,9223372036854775807)"));
 }
 
 TEST_F(PlugInMisbehaviour, FileThatIsGoneIsTheServersToRefuse)
 {
     StartBoth("file-discarded");
-    ExpectDeliveredNowhere();
+    ExpectRefused();
 }
 
 TEST_F(PlugInMisbehaviour, ElementWhoseAcknowledgeIsIgnoredIsDeliveredAgainAndKnown)
@@ -234,6 +234,6 @@ TEST_F(PlugInMisbehaviour, ViewOutlivesAPlugInThatIsDisposedOfWhileItNotifies)
 TEST_F(PlugInMisbehaviour, ManyFaultsComeTogether)
 {
     StartBoth("storm,nan-position,file-discarded,disposed-while-notifying");
-    ExpectDeliveredNowhere();
-    EndHost(0);
+    ExpectRefused();
+    EndHost(1);
 }
