@@ -94,7 +94,7 @@ bool CCaptureEntry::IsGood() const
 
 std::string WordOfDelivery(const CCaptureEntry& entry)
 {
-    if (entry.Outcome() != CaptureOutcome::Delivered)
+    if (entry.Outcome() != CaptureOutcome::Delivered || !entry.IsGood())
     {
         return "";
     }

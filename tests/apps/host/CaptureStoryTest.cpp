@@ -83,6 +83,7 @@ TEST(CaptureStory, AMisplacedCaptureIsNotGoodAndSaysWhereItShouldStand)
     entry.server.placeMissed = 192100;
     EXPECT_FALSE(entry.IsGood());
     EXPECT_EQ(entry.Outcome(), CaptureOutcome::Delivered);
+    EXPECT_EQ(WordOfDelivery(entry), "");
     EXPECT_THAT(
         TellCapture(entry),
         HasSubstr("  misplaced    placed without the offset, which the server did not tell; "
