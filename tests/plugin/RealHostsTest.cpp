@@ -352,7 +352,9 @@ class Jalv : public RealHosts
 protected:
     Jalv()
     {
-        strJack = "tarvane-test-" + std::to_string(::getpid());
+        // One name for all: of a server that was killed the library keeps the entry, in a table of
+        // eight, until one of the same name comes.
+        strJack = "tarvane-test";
         ::setenv("JACK_DEFAULT_SERVER", strJack.c_str(), 1);
         ::setenv("JACK_NO_START_SERVER", "1", 1);
         ::setenv("JACK_NO_AUDIO_RESERVATION", "1", 1);

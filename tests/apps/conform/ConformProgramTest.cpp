@@ -178,7 +178,7 @@ TEST_F(ConformProgram, OnceAServerIsGoneTheOtherRulesAreNotExamined)
     EXPECT_THAT(ended.Rules("broken"), testing::ElementsAre("S2"));
     EXPECT_EQ(ended.Rules("broken").size() + ended.Rules("not examined").size() +
                   ended.Rules("kept").size(),
-              32U);
+              34U);
     EXPECT_THAT(ended.Rules("not examined"), Contains("S32"));
 }
 

@@ -177,7 +177,10 @@ TEST(CaptureStory, JsonHoldsEveryField)
         {"outcome", "delivered"},
         {"failure", ""},
         {"message", ""},
-        {"advice", ""}};
+        {"advice", ""},
+        {"refusal", ""},
+        {"withoutOffset", false},
+        {"placeMissed", nullptr}};
     EXPECT_EQ(DescribeCapture(Entry()), expected);
     EXPECT_TRUE(DescribeCapture(InState(CaptureState::Waiting))["ack"].is_null());
 }

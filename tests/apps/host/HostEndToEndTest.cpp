@@ -73,7 +73,8 @@ TEST_F(EndToEnd, TheResultsTellEachCaptureAndShowTheWindow)
                            {"trackName", "Foley"}, {"element", 0},
                            {"ack", Ack(0, 0)},     {"outcome", "delivered"},
                            {"failure", ""},        {"message", ""},
-                           {"advice", ""}};
+                           {"advice", ""},         {"refusal", ""},
+                           {"withoutOffset", false}, {"placeMissed", nullptr}};
     EXPECT_EQ(captures[0], expected);
     EXPECT_THAT(FileText(folder / "out/link-view.png"), StartsWith("\x89PNG"));
     EXPECT_THAT(outcome.strOutput, HasSubstr("Capture 1: one.wav\n"));

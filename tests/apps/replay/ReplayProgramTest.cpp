@@ -352,7 +352,7 @@ TEST_F(ReplayProgram, ManualPageAndHelpHaveEveryOption)
     const std::string strHelp = Replay({"--help"}).strOutput;
     EXPECT_EQ(OptionsIn(strHelp),
               (std::set<std::string>{"--as", "--fast", "--help", "--html", "--map", "--record",
-                                     "--timeout", "--version"}));
+                                     "--timeout", "--version", "--yes"}));
     const std::string strPage = ManualPage(MAN_PAGE);
     std::set<std::string> options = OptionsIn(strPage);
     // What the text says of --record belongs to the programs that record.
