@@ -208,8 +208,7 @@ void CRoundCheck::CheckUndelivered(const Attempt& attempt, size_t nRegions)
     const auto answer = m_answers.find(attempt.strPath);
     const bool fRefused = answer != m_answers.end() && !answer->second->strError.empty();
     if (fRefused && answer->second->strError.rfind(kSaveRefused, 0) != 0)
-        Break("refused-for-cause",
-              Describe(attempt) + " was refused: " + answer->second->strError);
+        Break("refused-for-cause", Describe(attempt) + " was refused: " + answer->second->strError);
     if (fRefused && nRegions != 0)
         Break("in-session-once", Describe(attempt) + " was refused and is in the session");
     if (!attempt.fServerAway && !fRefused)
@@ -300,7 +299,7 @@ std::vector<Finding> CheckRound(const RoundEvidence& evidence)
 }
 
 std::vector<Finding> CheckGrowth(const std::string& strProcess, const ProcessSample& first,
-                                 const ProcessSample& last, long nAllowance)
+                                 const ProcessSample& last, long nAllowance, long nDescriptors)
 {
     std::vector<Finding> findings;
     const auto compare = [&](const char* szWhat, long nFirst, long nLast, long nMore)
@@ -310,7 +309,7 @@ std::vector<Finding> CheckGrowth(const std::string& strProcess, const ProcessSam
                                                  " to " + std::to_string(nLast) + " " + szWhat});
     };
     compare("KiB", first.nMemory, last.nMemory, nAllowance);
-    compare("descriptors", first.nDescriptors, last.nDescriptors, 0);
+    compare("descriptors", first.nDescriptors, last.nDescriptors, nDescriptors);
     compare("threads", first.nThreads, last.nThreads, 0);
     compare("objects", first.nObjects, last.nObjects, kObjectsThatAreKept);
     return findings;

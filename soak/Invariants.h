@@ -3,7 +3,8 @@
 //   acknowledged-once     every finished element has one acknowledge, with the outcome that the
 //   host
 //                         was told; an element whose host was killed has one at most
-//   in-session-once       what is acknowledged as delivered stands in the session once, and what the
+//   in-session-once       what is acknowledged as delivered stands in the session once, and what
+//   the
 //                         server refused not at all; no region stands there twice
 //   on-its-track, at-its-sample, with-its-length
 //                         wherever a captured file stands in the session
@@ -28,9 +29,10 @@ namespace Tarvane::Soak
 // Every break of an invariant, each with the captures concerned. Empty when all hold.
 std::vector<Finding> CheckRound(const RoundEvidence& evidence);
 
-// Two samples of one process, both taken when it had nothing to do. nAllowance, in KiB, is what
-// memory may differ by all the same; descriptors and threads may not grow at all.
+// Two samples of one process, the last taken when it had nothing to do. nAllowance, in KiB, is
+// what memory may differ by all the same, nDescriptors what a process may have open more at one
+// time than at another; threads may not grow at all.
 std::vector<Finding> CheckGrowth(const std::string& strProcess, const ProcessSample& first,
-                                 const ProcessSample& last, long nAllowance);
+                                 const ProcessSample& last, long nAllowance, long nDescriptors = 0);
 
 } // namespace Tarvane::Soak

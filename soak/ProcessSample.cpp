@@ -1,11 +1,13 @@
 #include "soak/ProcessSample.h"
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
 #include <sys/resource.h>
+#include <thread>
 
 namespace fs = std::filesystem;
 
@@ -45,6 +47,23 @@ ProcessSample SampleProcess(pid_t nProcess)
         throw std::runtime_error("process " + std::to_string(nProcess) + " has ended");
     sample.nDescriptors = Entries(folder / "fd");
     sample.nThreads = Entries(folder / "task");
+    return sample;
+}
+
+ProcessSample SampleAtRest(pid_t nProcess)
+{
+    constexpr int kMost = 100, kAlike = 4;
+    constexpr std::chrono::milliseconds kBetween{50};
+    ProcessSample sample = SampleProcess(nProcess);
+    for (int nTaken = 1, nAlike = 1; nTaken < kMost && nAlike < kAlike; ++nTaken)
+    {
+        std::this_thread::sleep_for(kBetween);
+        const ProcessSample next = SampleProcess(nProcess);
+        const bool fAlike =
+            next.nDescriptors == sample.nDescriptors && next.nThreads == sample.nThreads;
+        nAlike = fAlike ? nAlike + 1 : 1;
+        sample = next;
+    }
     return sample;
 }
 

@@ -26,6 +26,8 @@ constexpr std::int64_t kFrames = 480;
 constexpr std::size_t kLargestSound = 1 << 20;
 // What a server keeps of each region, in memory and in the text of its file.
 constexpr long kServerMemoryOfARegion = 4; // KiB
+// A server keeps the process that ran its last script, if that changed nothing.
+constexpr long kDescriptorsOfAWorker = 1;
 constexpr std::chrono::milliseconds kGlance{1};
 
 Sound MakeSound(const fs::path& path, unsigned nSeed)
@@ -215,7 +217,7 @@ void CSoak::CloseRound(size_t nRound)
     try
     {
         first = m_pServer->FirstSample();
-        last = SampleProcess(m_pServer->Pid());
+        last = SampleAtRest(m_pServer->Pid());
     }
     catch (const std::exception& error)
     {
@@ -236,7 +238,8 @@ void CSoak::CloseRound(size_t nRound)
     }
     const long nRegions = static_cast<long>(evidence.regions.size());
     TakeFindings(CheckGrowth("the server of round " + std::to_string(nRound), first, last,
-                             m_nAllowance + kServerMemoryOfARegion * nRegions));
+                             m_nAllowance + kServerMemoryOfARegion * nRegions,
+                             kDescriptorsOfAWorker));
     WatchHosts();
     Count(evidence);
     if (m_shared.fBroken)

@@ -338,6 +338,7 @@ TEST(SoakGrowth, HoldsWithinTheAllowance)
     EXPECT_THAT(CheckGrowth("host 0", {20000, 16, 2}, {24096, 16, 2}, 4096), IsEmpty());
     EXPECT_THAT(CheckGrowth("host 0", {1, 1, 1, 61000}, {1, 1, 1, 61300}, 0), IsEmpty());
     EXPECT_THAT(CheckGrowth("host 0", {20000, 16, 2}, {1000, 3, 1}, 0), IsEmpty());
+    EXPECT_THAT(CheckGrowth("server", {1, 15, 1}, {1, 16, 1}, 0, 1), IsEmpty());
 }
 
 TEST(SoakGrowth, EachMeasureBreaksIt)
@@ -346,6 +347,8 @@ TEST(SoakGrowth, EachMeasureBreaksIt)
                 ElementsAre(Field(&Finding::strWhat, "host 0 went from 20000 to 24097 KiB")));
     EXPECT_THAT(CheckGrowth("host 0", {20000, 16, 2}, {20000, 17, 2}, 4096),
                 ElementsAre(Field(&Finding::strWhat, "host 0 went from 16 to 17 descriptors")));
+    EXPECT_THAT(CheckGrowth("server", {1, 15, 1}, {1, 17, 1}, 0, 1),
+                ElementsAre(Field(&Finding::strWhat, "server went from 15 to 17 descriptors")));
     EXPECT_THAT(CheckGrowth("host 0", {20000, 16, 2}, {20000, 16, 3}, 4096),
                 ElementsAre(Field(&Finding::strWhat, "host 0 went from 2 to 3 threads")));
     EXPECT_THAT(CheckGrowth("host 0", {1, 1, 1, 61000}, {1, 1, 1, 61301}, 0),
