@@ -1,5 +1,6 @@
 #include "apps/replay/Page.h"
 
+#include "apps/replay/Misplaced.h"
 #include "apps/replay/PageRow.h"
 #include "apps/replay/PageText.h"
 
@@ -26,7 +27,7 @@ summary:hover, details[open] > summary { background: #eef4f9; }
 details > pre { margin: 0 0 8px 104px; padding: 8px; background: #f4f4f4; border-left: 3px solid #999;
   white-space: pre-wrap; overflow-wrap: anywhere; max-width: 930px; }
 .flaw { border-left: 4px solid #b84a00; padding-left: 8px; }
-.lost { margin-left: 104px; font-weight: bold; color: #b84a00; }
+.note { margin-left: 104px; font-weight: bold; color: #b84a00; }
 line.lane { stroke: #bbb; stroke-width: 1; }
 line.good { stroke: #0072b2; stroke-width: 1.5; }
 line.bad { stroke: #b84a00; stroke-width: 3; }
@@ -52,7 +53,7 @@ bool IsError(const Exchange& exchange)
            (found != exchange.reply.end() && !found->second.strBytes.empty());
 }
 
-std::string Introduction(const Recording& recording)
+std::string Introduction(const Recording& recording, std::size_t nMisplaced)
 {
     const auto nErrors =
         std::count_if(recording.exchanges.begin(), recording.exchanges.end(), IsError);
@@ -62,6 +63,9 @@ std::string Introduction(const Recording& recording)
                           SecondsText(nEnd) + " long; " +
                           std::to_string(recording.exchanges.size()) + " events, " +
                           std::to_string(nErrors) + " of them failed.</p>\n";
+    if (nMisplaced > 0)
+        strText += "<p class=\"flaw\">Takes placed without the offset: " +
+                   std::to_string(nMisplaced) + ".</p>\n";
     if (recording.nFlaws > 0)
         strText += "<p class=\"flaw\">The recording is damaged, " +
                    Escaped(recording.strFirstFlaw) +
@@ -78,10 +82,35 @@ std::string Row(const PageRow& row)
            "</pre></details>\n";
 }
 
+std::string Note(const std::string& strText)
+{
+    return "<p class=\"note\">" + Escaped(strText) + "</p>\n";
+}
+
 std::string Lost(const Line& line)
 {
-    return "<p class=\"lost\">" + std::to_string(line.json.at("count").get<long long>()) +
-           " lines are missing here: the disk took nothing for a long time.</p>\n";
+    return Note(std::to_string(line.json.at("count").get<long long>()) +
+                " lines are missing here: the disk took nothing for a long time.");
+}
+
+std::string Waiting(const Line& line, const std::map<long long, const Exchange*>& exchanges)
+{
+    const Exchange& exchange = *exchanges.at(line.json.at("number").get<long long>());
+    return Note("Still no answer to " + ShortName(exchange) + ", for " +
+                SecondsText(std::max(0LL, line.nTime - exchange.nTime)) + " now.");
+}
+
+// What had no answer when the recording ended.
+std::string OpenEnd(const Recording& recording)
+{
+    std::string strText;
+    for (const Exchange& exchange : recording.exchanges)
+    {
+        if (!exchange.fEnded)
+            strText += Note("The recording ends without an answer to " + ShortName(exchange) +
+                            ", which has gone out at " + SecondsText(exchange.nTime) + ".");
+    }
+    return strText;
 }
 
 } // namespace
@@ -92,9 +121,11 @@ std::string DrawPage(const Recording& recording)
     for (const Exchange& exchange : recording.exchanges)
         exchanges[exchange.nNumber] = &exchange;
 
+    const std::map<long long, Misplaced> misplaced = FindMisplaced(recording);
+
     std::string strPage(kPageStart);
     strPage += "<title>A recording of " + Escaped(recording.strProgram) + "</title>\n" + szStyle +
-               "</head>\n<body>\n" + Introduction(recording) + "<div class=\"heads\">" +
+               "</head>\n<body>\n" + Introduction(recording, misplaced.size()) + "<div class=\"heads\">" +
                DrawHeads() + "</div>\n";
     long long nBefore = 0;
     int nOpen = 0;
@@ -108,16 +139,28 @@ std::string DrawPage(const Recording& recording)
             strPage += Lost(line);
             continue;
         }
+        if (line.strKind == "waiting")
+        {
+            strPage += Waiting(line, exchanges);
+            continue;
+        }
         PageRow row = RowOf(line, exchanges);
         row.fOpen = nOpen > 0;
         strPage += Row(row);
         if (line.strKind == "reply")
+        {
             --nOpen;
+            const auto found = misplaced.find(line.json.at("number").get<long long>());
+            if (found != misplaced.end())
+                strPage += Note(MisplacedText(found->second));
+        }
         else if (line.strKind == "event" &&
                  exchanges.at(line.json.at("number").get<long long>())->fEnded)
+        {
             ++nOpen;
+        }
     }
-    return strPage + "</body>\n</html>\n";
+    return strPage + OpenEnd(recording) + "</body>\n</html>\n";
 }
 
 } // namespace Tarvane::Replay

@@ -112,7 +112,7 @@ void FillEvent(PageRow& row, const Exchange& exchange)
 {
     row.from = Lane::View;
     row.to = Lane::Server;
-    row.strLabel = std::to_string(exchange.nNumber) + ": " + WhatItAsks(exchange.Script());
+    row.strLabel = ShortName(exchange);
     row.strDetails = "Event " + std::to_string(exchange.nNumber) + ", '" +
                      CodeText(exchange.nClass) + "' '" + CodeText(exchange.nId) + "' to '" +
                      CodeText(exchange.nTarget) + "'" +
@@ -131,7 +131,9 @@ void FillReply(PageRow& row, const Exchange& exchange)
     row.fError = exchange.nStatus != noErr || !strError.empty();
     row.strLabel =
         std::to_string(exchange.nNumber) + ": " + MillisecondsText(exchange.nTook) + ", ";
-    if (exchange.nStatus != noErr)
+    if (exchange.nStatus == errAETimeout)
+        row.strLabel += "no answer (status " + std::to_string(exchange.nStatus) + ")";
+    else if (exchange.nStatus != noErr)
         row.strLabel += "status " + std::to_string(exchange.nStatus);
     else if (!strError.empty())
         row.strLabel += "'Errr' " + strError;
@@ -205,6 +207,12 @@ void FillProperty(PageRow& row, const Line& line)
 }
 
 } // namespace
+
+std::string ShortName(const Exchange& exchange)
+{
+    return std::to_string(exchange.nNumber) + ": " +
+           Shortened(WhatItAsks(exchange.Script()), kLongestLabel);
+}
 
 PageRow RowOf(const Line& line, const std::map<long long, const Exchange*>& exchanges)
 {

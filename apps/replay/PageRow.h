@@ -28,7 +28,10 @@ struct PageRow
     bool fOpen = false;     // an event is under way while this row passes
 };
 
-// Of every kind but "lost"; the replies are looked up by their numbers.
+// An event in a few words: its number and what it asks.
+std::string ShortName(const Exchange& exchange);
+
+// Of every kind but "lost" and "waiting"; the replies are looked up by their numbers.
 PageRow RowOf(const Line& line, const std::map<long long, const Exchange*>& exchanges);
 
 // The row's picture, an SVG element of the page's width.

@@ -167,6 +167,8 @@ private:
             CheckProperty(json, strKind != "notification");
         else if (strKind == "lost")
             Whole(json, "count");
+        else if (strKind == "waiting")
+            RequireEvent(json);
         else
             return false;
         return true;
@@ -179,12 +181,17 @@ private:
         m_recording.exchanges.push_back(std::move(exchange));
     }
 
-    void TakeReply(const RecordedJson& json)
+    Exchange& RequireEvent(const RecordedJson& json)
     {
         const auto found = m_places.find(Whole(json, "number", 1));
         if (found == m_places.end())
             Flaw("its event is not in the recording");
-        Exchange& exchange = m_recording.exchanges[found->second];
+        return m_recording.exchanges[found->second];
+    }
+
+    void TakeReply(const RecordedJson& json)
+    {
+        Exchange& exchange = RequireEvent(json);
         if (exchange.fEnded)
             Flaw("there is a reply to this event already");
         const long long nStatus = Whole(json, "status", std::numeric_limits<OSErr>::min(),

@@ -77,6 +77,22 @@ CRecorder::~CRecorder()
     ::close(m_nFile);
 }
 
+void CRecorder::Add(const SeenEvent& event)
+{
+    AddNow(EventLine(event));
+    const std::lock_guard lock(m_mutex);
+    m_open.push_back({event.nNumber, Now()});
+}
+
+void CRecorder::Add(const SeenReply& reply)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        std::erase_if(m_open, [&](const Open& open) { return open.nNumber == reply.nNumber; });
+    }
+    AddNow(ReplyLine(reply));
+}
+
 void CRecorder::AddNow(const RecordedJson& line)
 {
     // Long texts take their time, during which no notification is to wait.
@@ -120,6 +136,19 @@ bool CRecorder::IsRepeat(const SeenProperty& seen, long long nTime)
     found->nLast = nTime;
     found->property.strBytes = seen.strBytes;
     return true;
+}
+
+void CRecorder::AppendWaiting()
+{
+    constexpr long long kLong = std::chrono::microseconds(kLongWait).count();
+    for (Open& open : m_open)
+    {
+        if (open.fTold || Now() - open.nSince < kLong)
+            continue;
+        open.fTold = true;
+        ForgetRepeats();
+        Append(Now(), RecordedJson{{"kind", "waiting"}, {"number", open.nNumber}});
+    }
 }
 
 void CRecorder::AppendRepeats()
@@ -184,6 +213,7 @@ void CRecorder::Work()
                         [this] { return m_fEnding || !m_strWaiting.empty(); });
         if (!m_seen.empty() && Now() - m_nSeenSince > kSecond)
             ForgetRepeats();
+        AppendWaiting();
         lock.unlock();
         WriteWaiting();
         lock.lock();

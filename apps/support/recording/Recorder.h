@@ -27,13 +27,16 @@ public:
     CRecorder& operator=(const CRecorder&) = delete;
 
     // These return when the line is in the file, so that the end of the process takes none away.
-    void Add(const SeenEvent& event) override { AddNow(EventLine(event)); }
-    void Add(const SeenReply& reply) override { AddNow(ReplyLine(reply)); }
+    // An event that has no reply for kLongWait is named in a line of its own.
+    void Add(const SeenEvent& event) override;
+    void Add(const SeenReply& reply) override;
 
     // Waits for no disk: another thread writes the line. What repeats what has been seen in the
     // second before is counted into one line, which then comes at that second's end, or before the
     // next line of another kind.
     void Add(SeenProperty seen);
+
+    static constexpr std::chrono::seconds kLongWait{2};
 
     bool IsMainThread() const { return std::this_thread::get_id() == m_mainThread; }
 
@@ -48,10 +51,19 @@ private:
         long long nFirst = 0, nLast = 0; // of the repeats, microseconds
     };
 
+    // An event whose reply has not come.
+    struct Open
+    {
+        UInt32 nNumber;
+        long long nSince; // microseconds
+        bool fTold = false;
+    };
+
     void AddNow(const RecordedJson& line);
     long long Now() const;
     void Append(long long nTime, const RecordedJson& line);
     void Append(long long nTime, const std::string& strLine);
+    void AppendWaiting();
     void AppendRepeats();
     void ForgetRepeats();
     bool IsRepeat(const SeenProperty& seen, long long nTime);
@@ -70,6 +82,7 @@ private:
     std::condition_variable m_wake;
     std::string m_strWaiting; // whole lines
     std::size_t m_nLost = 0;
+    std::vector<Open> m_open;
     std::vector<Seen> m_seen;
     long long m_nSeenSince = 0;
     bool m_fEnding = false;

@@ -133,6 +133,52 @@ TEST(Page, DamageAndLostLinesAreShown)
     EXPECT_THAT(strPage, HasSubstr("12 lines are missing here"));
 }
 
+TEST(Page, TakePlacedWithoutTheOffsetIsTold)
+{
+    const std::string strAsk = "print(GetLinkSMPTEOffset())";
+    const std::string strAdd = "AddAudioRegion(idTrack, \"/a/take.wav\", true, false, 500,0,9)";
+    const std::string strRead =
+        R"({"time":1,"kind":"read","property":64002,"name":"TNProperty_ElementInfo","scope":0,)"
+        R"("element":0,"thread":"main","status":0,"fields":{"szDubPath":"/a/take.wav",)"
+        R"("tDub.dPosition":500.0,"dSampleRate":48000.0}})"
+        "\n";
+    const std::string strUntold =
+        EventLine(3, 3, strAsk) + ReplyLine(3, 4, {{"Errr", TextParameter("cannot")}});
+    const std::string strAdded = ExchangeLines(4, strAdd, "");
+    const std::string strWords = "take.wav was placed without the offset";
+
+    const std::string strPage =
+        Page(ExchangeLines(1, strAsk, "2.5\n") + strRead + strUntold + strAdded);
+    EXPECT_THAT(strPage, AllOf(HasSubstr(strWords + ", which the server did not tell; it should "
+                                                    "stand at sample 120500.</p>"),
+                               HasSubstr("Takes placed without the offset: 1.")));
+    // Nobody knows the place when the server never told its offset, or the take is not there.
+    for (const std::string& strLines : {strRead + strUntold + strAdded,
+                                        ExchangeLines(1, strAsk, "2.5\n") + strUntold + strAdded})
+        EXPECT_THAT(Page(strLines), HasSubstr(strWords + ", which the server did not tell.</p>"));
+    // Told, not asked, and not added.
+    for (const std::string& strLines :
+         {strRead + ExchangeLines(1, strAsk, "2.5\n") + strAdded, strRead + strAdded,
+          strUntold + EventLine(4, 4, strAdd) + ReplyLine(4, 5, {{"Errr", TextParameter("no")}}),
+          strUntold + EventLine(4, 4, strAdd) + ReplyLine(4, 5, nlohmann::json::object(), -1712)})
+        EXPECT_THAT(Page(strLines), Not(HasSubstr("without the offset")));
+}
+
+TEST(Page, CommandThatHangsIsNamed)
+{
+    const std::string strLines = EventLine(7, 1'000, "SelectScriptDocument() add(1)") +
+                                 R"({"time":2001000,"kind":"waiting","number":7})" + "\n";
+    EXPECT_THAT(Page(strLines),
+                AllOf(HasSubstr("Still no answer to 7: add, for 2.000000 s now.</p>"),
+                      HasSubstr("ends without an answer to 7: add, which has gone out at "
+                                "0.001000 s.</p>")));
+    EXPECT_THAT(Page(strLines + ReplyLine(7, 60'000'000, nlohmann::json::object(), -1712)),
+                AllOf(HasSubstr("no answer (status -1712)"), Not(HasSubstr("ends without"))));
+    EXPECT_THAT(Page(R"({"time":1,"kind":"waiting","number":7})"
+                     "\n"),
+                HasSubstr("its event is not in the recording"));
+}
+
 TEST(Page, NothingInATextIsMarkup)
 {
     const std::string strEvil = "x</pre></script><script>alert('1')</script>&amp;\"";

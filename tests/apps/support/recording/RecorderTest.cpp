@@ -237,3 +237,17 @@ TEST_F(RecorderTest, ProcessThatIsKilledLosesNoEvent)
     EXPECT_TRUE(WIFSIGNALED(nStatus));
     EXPECT_THAT(Kinds(), SizeIs(20));
 }
+
+TEST_F(RecorderTest, EventThatWaitsForLongIsNamedWhileItDoes)
+{
+    CRecorder recorder(m_strFile, "x");
+    recorder.Add(Event(1));
+    recorder.Add(SeenReply{1, 0, 5, {}});
+    recorder.Add(Event(2));
+    const auto start = std::chrono::steady_clock::now();
+    while (Kinds().size() < 4 && std::chrono::steady_clock::now() - start < std::chrono::minutes(1))
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, CRecorder::kLongWait);
+    EXPECT_THAT(Kinds(), ElementsAre("event", "reply", "event", "waiting"));
+    EXPECT_EQ(Lines().back()["number"], 2);
+}
