@@ -2,7 +2,7 @@
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
 #include "apps/support/UnitComponent.h"
-#include "plugin/view/DeliveryWatch.h"
+#include "apps/support/delivery/DeliveryWatch.h"
 #include "plugin/view/PlugInConnection.h"
 
 #include <atomic>
@@ -16,9 +16,19 @@ namespace
 {
 
 std::atomic<CPlugInConnection*> s_pConnection{nullptr};
+std::atomic<CDeliveryWatch*> s_pDeliveries{nullptr};
 // Held while a notification is raised: a unit goes only when none is under way.
 std::shared_mutex s_unitMutex;
 CSocketUnit* s_pUnit = nullptr;
+
+void BeginDelivery(const void* pData, UInt32 nSize)
+{
+    TNCaptureElement record;
+    if (nSize != sizeof record)
+        return;
+    std::memcpy(&record, pData, sizeof record);
+    s_pDeliveries.load()->Begin(record);
+}
 
 // Ahead of the acknowledge, which says no more than that it was delivered or not.
 void TellOutcome(CPlugInConnection& connection, const void* pData, UInt32 nSize)
@@ -27,7 +37,7 @@ void TellOutcome(CPlugInConnection& connection, const void* pData, UInt32 nSize)
     if (nSize != sizeof ack)
         return;
     std::memcpy(&ack, pData, sizeof ack);
-    const CDeliveryReport report = ConcludeDelivery(ack.fNotDelivered != 0);
+    const CDeliveryReport report = s_pDeliveries.load()->Conclude(ack.fNotDelivered != 0);
     CFrame frame{.kind = FrameKind::Outcome,
                  .nId = static_cast<std::uint32_t>(report.outcome),
                  .nElement = static_cast<std::uint32_t>(ack.nElement)};
@@ -38,9 +48,10 @@ void TellOutcome(CPlugInConnection& connection, const void* pData, UInt32 nSize)
 
 } // namespace
 
-AudioComponent CSocketUnit::Register(CPlugInConnection& connection)
+AudioComponent CSocketUnit::Register(CPlugInConnection& connection, CDeliveryWatch& deliveries)
 {
     s_pConnection = &connection;
+    s_pDeliveries = &deliveries;
     static const AudioComponent pComponent =
         UnitComponent<CSocketUnit>::Register('TnLk', "Tarvane: Link");
     return pComponent;
@@ -95,8 +106,6 @@ OSStatus CSocketUnit::GetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope
         return kAudioUnitErr_InvalidScope;
     if (pData == nullptr || pnSize == nullptr)
         return kAudioUnitErr_InvalidParameter;
-    if (nId == TNProperty_ElementInfo)
-        BeginDelivery();
     const auto reply = s_pConnection.load()->Ask(
         {.kind = FrameKind::Get, .nId = nId, .nElement = nElement, .nSize = *pnSize});
     if (!reply)
@@ -107,6 +116,8 @@ OSStatus CSocketUnit::GetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope
         return kAudioUnitErr_InvalidParameter;
     std::memcpy(pData, reply->data.data(), reply->data.size());
     *pnSize = static_cast<UInt32>(reply->data.size());
+    if (nId == TNProperty_ElementInfo)
+        BeginDelivery(pData, *pnSize);
     return noErr;
 }
 

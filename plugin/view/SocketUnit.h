@@ -10,6 +10,7 @@
 namespace Tarvane
 {
 
+class CDeliveryWatch;
 class CPlugInConnection;
 
 // One at a time: there is one plug-in behind a process. All operations: any thread. A property that
@@ -18,8 +19,9 @@ class CPlugInConnection;
 class CSocketUnit
 {
 public:
-    // Makes the component known to the process, once. The connection must outlive the unit.
-    static AudioComponent Register(CPlugInConnection& connection);
+    // Makes the component known to the process, once. The connection, and the watch that knows what
+    // becomes of takes, must outlive the unit.
+    static AudioComponent Register(CPlugInConnection& connection, CDeliveryWatch& deliveries);
     // Raises a property on the unit's listeners, if there is a unit.
     static void Raise(AudioUnitPropertyID nId);
 

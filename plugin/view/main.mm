@@ -6,10 +6,10 @@
 #include "apps/support/CommandLine.h"
 #import "apps/support/MainThread.h"
 #import "apps/support/ViewFactory.h"
-#include "plugin/view/DeliveryWatch.h"
+#include "apps/support/delivery/DeliveryWatch.h"
+#include "apps/support/delivery/ServerWatch.h"
 #import "plugin/view/EmbeddedView.h"
 #include "plugin/view/PlugInConnection.h"
-#include "plugin/view/ServerWatch.h"
 #include "plugin/view/SocketUnit.h"
 
 #import <AppKit/AppKit.h>
@@ -57,10 +57,10 @@ void HideIcon()
         registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
 }
 
-void OpenView(CPlugInConnection& connection)
+void OpenView(CPlugInConnection& connection, CDeliveryWatch& deliveries)
 {
     AudioUnit pUnit = nullptr;
-    if (AudioComponentInstanceNew(CSocketUnit::Register(connection), &pUnit) != noErr)
+    if (AudioComponentInstanceNew(CSocketUnit::Register(connection, deliveries), &pUnit) != noErr)
         throw std::runtime_error("the plug-in cannot be opened.");
     const std::filesystem::path bundle = ProgramFolder() / "TarvaneLink.bundle";
     NSView* view = [MakeViewFactory(bundle) uiViewForAudioUnit:pUnit withSize:NSZeroSize];
@@ -72,6 +72,8 @@ void OpenView(CPlugInConnection& connection)
 int RunView(char** argv)
 {
     RequirePlugIn();
+    CCommandWatch commands;
+    CDeliveryWatch deliveries(commands);
     CPlugInConnection connection(kSocket, MakeHooks());
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     try
@@ -80,8 +82,8 @@ int RunView(char** argv)
         HideIcon();
         OpenApplication(argv);
         [EmbeddedView outliveDisplayErrors];
-        WatchDeliveries();
-        OpenView(connection);
+        WatchEvents({&commands});
+        OpenView(connection, deliveries);
     }
     catch (const std::exception& error)
     {
@@ -90,8 +92,8 @@ int RunView(char** argv)
         throw;
     }
     [pool drain];
-    const CServerWatch watch([&] { connection.Tell({.kind = FrameKind::ServerAppeared}); });
     connection.Tell({.kind = FrameKind::Ready});
+    const CServerWatch watch([&] { connection.Tell({.kind = FrameKind::ServerAppeared}); });
     [NSApp run];
     return kExitDone;
 }

@@ -2,6 +2,7 @@
 #include "plugin/view/SocketUnit.h"
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
+#include "apps/support/delivery/DeliveryWatch.h"
 #include "plugin/view/PlugInConnection.h"
 
 #include <atomic>
@@ -31,7 +32,7 @@ protected:
                                                     .embed = [](std::uint32_t) {},
                                                     .detach = [](std::uint32_t) {},
                                                     .ended = [this] { fEnded.set_value(); }});
-        EXPECT_EQ(AudioComponentInstanceNew(CSocketUnit::Register(*connection), &pUnit), noErr);
+        EXPECT_EQ(AudioComponentInstanceNew(CSocketUnit::Register(*connection, deliveries), &pUnit), noErr);
         EXPECT_EQ(Receive(), (CFrame{.kind = FrameKind::Hello, .nId = kViewProtocolVersion}));
         Send({.kind = FrameKind::Hello, .nId = kViewProtocolVersion});
     }
@@ -65,6 +66,8 @@ protected:
                           });
     }
 
+    CCommandWatch commands;
+    CDeliveryWatch deliveries{commands};
     std::promise<void> fEnded;
     std::optional<CPacketSocket> plugIn;
     std::optional<CPlugInConnection> connection;

@@ -1,6 +1,8 @@
-#include "plugin/view/DeliveryOutcome.h"
+#include "apps/support/delivery/DeliveryOutcome.h"
 
 #include <gtest/gtest.h>
+
+#include <tuple>
 
 using namespace Tarvane;
 
@@ -17,17 +19,23 @@ constexpr const char* kSend =
     "if(SelectScriptDocument()) then\nidTrack = GetTrackID(1)\nAddAudioRegion(idTrack, "
     "\"/takes/a.wav\", true, false, 96100,0,4800)\nMoveDisplayToPosition(96100)\nend\n";
 
-constexpr int kNobodyThere = -600;
-constexpr int kNoAnswer = -1712;
+constexpr OSErr kNobodyThere = -600;
+constexpr OSErr kNoAnswer = -1712;
 
 struct Delivery : testing::Test
 {
-    Delivery() { outcome.Begin(); }
-    void Add(const char* szScript, int nStatus, std::optional<std::string> result,
+    Delivery()
+    {
+        record.tDub.dPosition = 100;
+        record.dSampleRate = 48000;
+        outcome.Begin(record);
+    }
+    void Add(const char* szScript, OSErr nStatus, const std::optional<std::string>& result,
              const std::string& strError = "")
     {
-        outcome.Add({szScript, nStatus, std::move(result), strError});
+        outcome.Add({szScript, result.value_or(""), strError, nStatus, result.has_value()});
     }
+    TNCaptureElement record{};
     CDeliveryOutcome outcome;
 };
 
@@ -82,18 +90,43 @@ TEST_F(Delivery, WithoutATrackNothingIsSentAndTheTakeIsUnreachable)
 
 TEST_F(Delivery, AnOffsetThatCouldNotBeHadIsTold)
 {
-    Add(kDuplicate, 0, "0\n");
+    const std::tuple<OSErr, std::optional<std::string>, const char*> failures[] = {
+        {kNoAnswer, std::nullopt, ""}, {0, "", ""},        {0, "", "no"},
+        {0, std::nullopt, "no"},       {0, "2.0\n", "no"}, {0, "x", ""}};
+    for (const auto& [nStatus, result, szError] : failures)
+    {
+        outcome.Begin(record);
+        Add(kDuplicate, 0, "0\n");
+        Add(kOffset, nStatus, result, szError);
+        Add(kSend, 0, "");
+        const CDeliveryReport report = outcome.Conclude(false);
+        EXPECT_EQ(report.outcome, TakeOutcome::PlacedWithoutOffset);
+        EXPECT_EQ(report.dExpectedPosition, 0);
+    }
+}
+
+TEST_F(Delivery, TheOffsetThatWasToldLastSaysWhereAMisplacedTakeShouldStand)
+{
+    Add(kOffset, 0, "2.0\n");
+    Add(kSend, 0, "");
+    outcome.Begin(record);
     Add(kOffset, kNoAnswer, std::nullopt);
     Add(kSend, 0, "");
     const CDeliveryReport report = outcome.Conclude(false);
     EXPECT_EQ(report.outcome, TakeOutcome::PlacedWithoutOffset);
-    EXPECT_EQ(report.dExpectedPosition, 0);
+    EXPECT_EQ(report.dExpectedPosition, 96100);
+}
+
+TEST_F(Delivery, OfATakeThatNobodySawBeingSentTheAcknowledgeIsBelieved)
+{
+    EXPECT_EQ(outcome.Conclude(false).outcome, TakeOutcome::Delivered);
+    EXPECT_EQ(outcome.Conclude(true).outcome, TakeOutcome::Unreachable);
 }
 
 TEST_F(Delivery, OneDeliveryLeavesNothingToTheNext)
 {
     Add(kDuplicate, 0, "1\n");
-    outcome.Begin();
+    outcome.Begin(record);
     EXPECT_EQ(outcome.Conclude(true).outcome, TakeOutcome::Unreachable);
 }
 

@@ -1,4 +1,4 @@
-// Hears when a server appears.
+// Hears when a server appears; one source file a system.
 #pragma once
 
 #include <functional>
@@ -11,9 +11,9 @@ namespace Tarvane
 class CServerWatch
 {
 public:
-    // Calls, on a thread of its own, each time that a server begins to receive events: not for one
-    // that is there already, but for one that is there once a bus that was gone is back. The call
-    // must not destroy the watch.
+    // Calls, on a thread of its own, each time that a server begins to receive events, and for one
+    // that is there when the watch begins to listen, at first or once a bus that was gone is back:
+    // so none comes up unheard. Waits for no bus. The call must not destroy the watch.
     explicit CServerWatch(std::function<void()> appeared);
     // Returns when no call is under way.
     ~CServerWatch();
