@@ -14,6 +14,7 @@ CExaminer::Reply CExaminer::Ask(const std::string& strScript) const
     CTarvaneScript link;
     CCommandResult result;
     Reply reply;
+    reply.asked = {strScript, std::chrono::steady_clock::now()};
     reply.nStatus = link.SendCommand(strScript.c_str(), result.Receive(), m_options.TimeoutTicks());
     reply.outcome = OutcomeOf(link);
     reply.strPrinted = result.Text() != nullptr ? result.Text() : "";
@@ -37,9 +38,10 @@ CExaminer::Reply CExaminer::AskDuplicate(const std::string& strPath, int nFrames
 {
     CTarvaneScript link;
     CFileName file(strPath.c_str());
+    Reply reply;
+    reply.asked = {"CheckForDuplicateRegion()", std::chrono::steady_clock::now()};
     const bool fDuplicate =
         link.CheckDuplicateRegion(m_options.fAudioSuite, 0, &file, 0.0, 0.0, nFrames);
-    Reply reply;
     reply.strMessage = link.m_strLastError;
     // The words about a duplicate are an answer, and no error.
     reply.outcome = fDuplicate ? Outcome::Done : OutcomeOf(link);
@@ -63,7 +65,7 @@ Finding NoReplyFinding(const std::string& strCheck, const CExaminer::Reply& repl
         finding.strAdvice = "Start the server, in this session; tarvane-server is one.";
         break;
     case Outcome::TimedOut:
-        finding.strText = "the server is there and did not answer within the timeout";
+        finding.strText = "the server is there and did not answer within the timeout: " + TextOf(reply.asked);
         finding.strAdvice = "Look whether it waits for its user or hangs, and restart it if so; "
                             "--timeout waits longer.";
         break;

@@ -3,6 +3,7 @@
 
 #include "apps/link/Findings.h"
 #include "apps/link/Options.h"
+#include "apps/support/recording/CommandWatch.h"
 
 #include <string>
 
@@ -20,6 +21,7 @@ public:
         std::string strPrinted;
         std::string strMessage; // the first message line
         int nStatus = 0;        // of the event
+        CommandUnderWay asked{};  // and since when
 
         // Printed is exactly this line.
         bool Is(const std::string& strLine) const

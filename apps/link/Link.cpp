@@ -3,6 +3,7 @@
 #include "apps/link/AnswerGuard.h"
 #include "apps/link/Commands.h"
 #include "apps/link/Doctor.h"
+#include "apps/link/HangNotice.h"
 #include "apps/link/Watch.h"
 #include "apps/support/CommandLine.h"
 #include "apps/support/recording/CommandWatch.h"
@@ -54,6 +55,7 @@ public:
 private:
     CCommandWatch m_commands;
     std::optional<CRecorder> m_recorder;
+    const CHangNotice m_notice{m_commands};
 };
 
 std::string LastOutput(const Options& options)

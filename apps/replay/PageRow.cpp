@@ -1,7 +1,7 @@
 #include "apps/replay/PageRow.h"
 
 #include "apps/replay/PageText.h"
-#include "apps/replay/ScriptCalls.h"
+#include "apps/support/recording/ScriptCalls.h"
 
 #include <algorithm>
 #include <cmath>
@@ -94,18 +94,6 @@ std::string TextOf(const Parameters& parameters, AEKeyword nKeyword)
 {
     const auto found = parameters.find(nKeyword);
     return found == parameters.end() ? std::string() : found->second.Text();
-}
-
-// The calls of a script, without the choice of the document with which nearly all begin.
-std::string WhatItAsks(const std::string& strScript)
-{
-    std::vector<std::string> calls = ScriptCalls(strScript);
-    if (calls.size() > 1 && calls[0] == "SelectScriptDocument")
-        calls.erase(calls.begin());
-    std::string strText;
-    for (const std::string& strCall : calls)
-        strText += (strText.empty() ? "" : ", ") + strCall;
-    return strText.empty() ? strScript : strText;
 }
 
 void FillEvent(PageRow& row, const Exchange& exchange)

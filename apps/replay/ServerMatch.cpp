@@ -1,7 +1,7 @@
 #include "apps/replay/ServerMatch.h"
 
 #include "apps/replay/Comparison.h"
-#include "apps/replay/ScriptCalls.h"
+#include "apps/support/recording/ScriptCalls.h"
 
 #include <algorithm>
 

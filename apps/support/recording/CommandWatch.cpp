@@ -1,9 +1,11 @@
 #include "apps/support/recording/CommandWatch.h"
 
+#include "apps/support/recording/ScriptCalls.h"
 #include "utils/UnicodeText.h"
 
 #include <algorithm>
 #include <cstring>
+#include <ctime>
 #include <utility>
 
 namespace Tarvane
@@ -26,7 +28,29 @@ std::optional<std::string> TextOf(const std::vector<SeenParameter>& parameters, 
     return std::nullopt;
 }
 
+// One line, and no long one.
+std::string ShortNameOf(const std::string& strScript)
+{
+    constexpr std::size_t kLongestName = 120;
+    const std::string strName = WhatItAsks(strScript);
+    return strName.substr(0, std::min(kLongestName, strName.find('\n')));
+}
+
 } // namespace
+
+std::string TextOf(const CommandUnderWay& command)
+{
+    const auto time = std::chrono::steady_clock::now() - command.since;
+    const std::time_t nSince = std::chrono::system_clock::to_time_t(
+        std::chrono::system_clock::now() -
+        std::chrono::duration_cast<std::chrono::system_clock::duration>(time));
+    tm parts{};
+    localtime_r(&nSince, &parts);
+    char szClock[16];
+    std::strftime(szClock, sizeof szClock, "%H:%M:%S", &parts);
+    return ShortNameOf(command.strScript) + ", since " + szClock + ", for " +
+           std::to_string(std::chrono::duration_cast<std::chrono::seconds>(time).count()) + " s";
+}
 
 void CCommandWatch::Add(const SeenEvent& event)
 {

@@ -31,6 +31,9 @@ struct CommandUnderWay
     std::chrono::steady_clock::time_point since;
 };
 
+// In words: "GetTrackCount, since 04:05:12, for 31 s".
+std::string TextOf(const CommandUnderWay& command);
+
 // Any thread.
 class CCommandWatch : public CEventWatcher
 {

@@ -4,6 +4,7 @@
 
 using namespace TarvaneTest;
 using namespace ScriptedServer;
+using testing::ContainsRegex;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -88,6 +89,12 @@ TEST_F(ProgramFailureTest, HungServer)
         }
         EXPECT_LT(std::chrono::steady_clock::now() - start, kFarBeyond);
     }
+    // The command that hangs is named, by the doctor and while anybody waits.
+    EXPECT_THAT(RunLink({"doctor", "--timeout", "0.2"}).strOutput,
+                ContainsRegex("did not answer within the timeout: .*, since ..:..:.., for . s"));
+    EXPECT_THAT(RunLink({"tracks", "--timeout", "4"}).strError,
+                ContainsRegex("^tarvane-link: still no answer to GetTrackCount, .*, "
+                              "since ..:..:.., for 2 s; the server hangs"));
     server->Continue();
     EXPECT_EQ(RunLink({"tracks"}).nExitCode, 0);
 }

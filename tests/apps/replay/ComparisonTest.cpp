@@ -2,13 +2,9 @@
 
 #include "apps/replay/Comparison.h"
 
-#include "apps/replay/ScriptCalls.h"
-
 #include <gmock/gmock.h>
 
 using namespace Tarvane::Replay;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace
 {
@@ -98,14 +94,4 @@ TEST(Comparison, PlaceHasNumberAndTime)
     exchange.nNumber = 3;
     exchange.nTime = 1'004'500;
     EXPECT_EQ(PlaceOf(exchange), "event 3, at 1.004500 s");
-}
-
-TEST(ScriptCallsTest, AreTheFunctionsByTheirFirstCalls)
-{
-    EXPECT_THAT(ScriptCalls("if(SelectScriptDocument()) then\nidTrack = GetTrackID(0)\n"
-                            "AddAudioRegion(idTrack, \"/a(1)/b(2).wav\", GetTrackID(1))\n"
-                            "print(GetTrackName (1))\nend\n"),
-                ElementsAre("SelectScriptDocument", "GetTrackID", "AddAudioRegion"));
-    EXPECT_THAT(ScriptCalls("print(1) f = (1)"), IsEmpty());
-    EXPECT_THAT(ScriptCalls(""), IsEmpty());
 }

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <regex>
+
 namespace Tarvane
 {
 namespace
@@ -53,6 +55,18 @@ TEST(CommandWatch, AFailedEventIsNoRefusal)
     Send(watch, 1, "print(1)");
     watch.Add(SeenReply{1, -1712, 10, {}});
     EXPECT_FALSE(watch.Take().at(0).IsRefused());
+}
+
+TEST(CommandWatch, ACommandUnderWayIsToldInOneLine)
+{
+    const auto since = std::chrono::steady_clock::now() - std::chrono::seconds(100);
+    for (const auto& [strScript, strName] :
+         {std::pair<std::string, std::string>{"SelectScriptDocument() add(1)", "add"},
+          {"print(1)\nprint(2)\n", "print(1)"},
+          {std::string(300, 'x'), std::string(120, 'x')}})
+        EXPECT_EQ(TextOf(CommandUnderWay{strScript, since}).rfind(strName + ", since ", 0), 0u);
+    EXPECT_TRUE(std::regex_search(TextOf(CommandUnderWay{"x", since}),
+                                  std::regex(", since \\d\\d:\\d\\d:\\d\\d, for 10\\d s$")));
 }
 
 TEST(CommandWatch, TellsTheCommandThatIsUnderWay)

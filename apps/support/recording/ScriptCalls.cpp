@@ -1,8 +1,8 @@
-#include "apps/replay/ScriptCalls.h"
+#include "apps/support/recording/ScriptCalls.h"
 
 #include <algorithm>
 
-namespace Tarvane::Replay
+namespace Tarvane
 {
 namespace
 {
@@ -42,4 +42,15 @@ std::vector<std::string> ScriptCalls(const std::string& strScript)
     return calls;
 }
 
-} // namespace Tarvane::Replay
+std::string WhatItAsks(const std::string& strScript)
+{
+    std::vector<std::string> calls = ScriptCalls(strScript);
+    if (calls.size() > 1 && calls[0] == "SelectScriptDocument")
+        calls.erase(calls.begin());
+    std::string strText;
+    for (const std::string& strCall : calls)
+        strText += (strText.empty() ? "" : ", ") + strCall;
+    return strText.empty() ? strScript : strText;
+}
+
+} // namespace Tarvane
