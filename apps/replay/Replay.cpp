@@ -73,11 +73,14 @@ void TellFlaws(const Recording& recording)
 // A page of ours is replaced; any other file may be somebody's work.
 void RequireOurs(const std::string& strFile)
 {
-    if (!std::filesystem::exists(std::filesystem::symlink_status(strFile)))
+    const std::filesystem::file_status status = std::filesystem::symlink_status(strFile);
+    if (!std::filesystem::exists(status))
         return;
-    std::ifstream stream(strFile, std::ios::binary);
     std::string strStart(kPageStart.size(), '\0');
-    stream.read(strStart.data(), static_cast<std::streamsize>(strStart.size()));
+    // To open a pipe would wait for whoever writes into it.
+    if (std::filesystem::is_regular_file(status))
+        std::ifstream(strFile, std::ios::binary)
+            .read(strStart.data(), static_cast<std::streamsize>(strStart.size()));
     if (strStart != kPageStart)
         throw CUsageError("there is a file " + strFile +
                           " already, which is no page of this program - name another with "

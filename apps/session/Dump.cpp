@@ -2,6 +2,7 @@
 
 #include "apps/session/EntryText.h"
 
+#include <algorithm>
 #include <iomanip>
 #include <ostream>
 #include <vector>
@@ -15,9 +16,18 @@ namespace
 constexpr int kTypeWidth = 7;
 constexpr std::size_t kIndent = 2;
 
+// Were every line indented, a tree as deep as its file is long would print the square of its size.
+void DumpLevel(std::size_t nLevel, std::ostream& out)
+{
+    out << std::string(std::min(nLevel, kDeepestIndent) * kIndent, ' ');
+    if (nLevel > kDeepestIndent)
+        out << '[' << nLevel << "] ";
+}
+
 void DumpLine(const CParameter* pEntry, std::size_t nLevel, std::ostream& out)
 {
-    out << std::string(nLevel * kIndent, ' ') << std::left << std::setw(kTypeWidth);
+    DumpLevel(nLevel, out);
+    out << std::left << std::setw(kTypeWidth);
     if (!pEntry)
     {
         out << "?"

@@ -68,16 +68,19 @@ void WriteSynced(const std::filesystem::path& path, std::string_view bytes, mode
         Fail("cannot sync ", path);
 }
 
-// Permissions for the new content; a file that its owner protects against writing is not replaced.
+// Permissions for the new content; a file that its owner protects against writing is not replaced,
+// and neither is a link, a folder, a pipe or a device.
 mode_t ModeFor(const std::filesystem::path& file)
 {
     struct stat status;
-    if (stat(file.c_str(), &status) != 0)
+    if (lstat(file.c_str(), &status) != 0)
     {
         if (errno != ENOENT)
             Fail("cannot look at ", file);
         return 0644;
     }
+    if (!S_ISREG(status.st_mode))
+        Fail("not replaced, for it is no plain file: ", file, EINVAL);
     if (access(file.c_str(), W_OK) != 0)
         Fail("cannot write ", file);
     return status.st_mode & 0777;

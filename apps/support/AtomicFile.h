@@ -11,7 +11,8 @@ namespace Tarvane
 // Replaces the file's content, or creates the file. When this returns, the new content is on disk;
 // before that, or after a failure, the old content stands, and never a mixture. The content goes
 // to a neighbour of the file, "<name>.saving", which then takes the file's place; a neighbour left
-// behind by an ended process is written over. The file's permissions stay as they are.
+// behind by an ended process is written over. The file's permissions stay as they are. What is no
+// plain file is not replaced: a link (resolve it first), a folder, a pipe, a device.
 // Throws std::system_error: what() says which step failed on which file.
 void ReplaceFile(const std::filesystem::path& file, std::string_view bytes);
 

@@ -5,6 +5,7 @@
 #include "tests/apps/support/ManualPage.h"
 
 #include <chrono>
+#include <sys/stat.h>
 
 using namespace Tarvane;
 using namespace TarvaneTest;
@@ -149,6 +150,9 @@ TEST_F(RecordedCapture, IsDrawnAndNoForeignFileIsReplaced)
     const ProcessOutcome refused = Replay({"--html", Recording(), Recording()});
     EXPECT_EQ(refused.nCode, 2);
     EXPECT_THAT(refused.strError, HasSubstr("no page of this program"));
+    // To open a pipe would wait for ever.
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    EXPECT_EQ(Replay({"--html", folder / "pipe", Recording()}).nCode, 2);
     EXPECT_THAT(FileText(Recording()), HasSubstr("tarvane-recording"));
 }
 

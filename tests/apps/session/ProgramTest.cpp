@@ -6,10 +6,12 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <iterator>
 #include <set>
+#include <sys/stat.h>
 
 using testing::HasSubstr;
 
@@ -86,6 +88,48 @@ TEST_F(SessionProgram, DumpTakesDepthAndPath)
     const Ended none = Run({"dump", "--path", "Region[2]", m_strFile});
     EXPECT_EQ(none.nExitCode, 2);
     EXPECT_THAT(none.strError, HasSubstr("nothing stands at Region[2]"));
+}
+
+TEST_F(SessionProgram, DumpOfADeepTreeIsNoLongerThanItsTextNeeds)
+{
+    // 10,000 levels in 90 KB.
+    constexpr std::size_t kLevels = 10000;
+    Bytes bytes;
+    bytes.Magic().U32(100).U32(2).U32(1).Text(std::string_view("B\0", 2)).U8(0).U32(1);
+    for (std::size_t nLevel = 1; nLevel <= kLevels; nLevel++)
+        bytes.U32(CParameterBlock::kType).U8(1).U32(nLevel < kLevels ? 1 : 0);
+    const std::string strFile = Write("deep", bytes);
+    const Ended ended = Run({"dump", strFile});
+    EXPECT_EQ(ended.nExitCode, 0) << ended.strError;
+    EXPECT_EQ(std::count(ended.strOutput.begin(), ended.strOutput.end(), '\n'),
+              static_cast<long>(kLevels + 1));
+    EXPECT_LT(ended.strOutput.size(), kLevels * 110);
+    const std::string strIndent(64, ' ');
+    EXPECT_THAT(ended.strOutput, HasSubstr("\n" + strIndent + "block  \"B\" = 1 entries\n" +
+                                           strIndent + "[33] block  \"B\" = 1 entries\n"));
+    EXPECT_THAT(ended.strOutput, HasSubstr("[10000] block  \"B\" = 0 entries\n"));
+}
+
+TEST_F(SessionProgram, NothingButAPlainFileIsReplaced)
+{
+    const std::string strTarget = Write("target", "precious");
+    const std::string strLink = (m_folder / "link").string();
+    const std::string strPipe = (m_folder / "pipe").string();
+    std::filesystem::create_symlink(strTarget, strLink);
+    ASSERT_EQ(mkfifo(strPipe.c_str(), 0600), 0);
+    const std::string strJson = Write("json", Run({"to-json", m_strFile}).strOutput);
+    for (const std::string& strOutput : {strLink, strPipe, m_folder.Path().string()})
+    {
+        for (const Ended& ended :
+             {Run({"to-json", m_strFile, strOutput}), Run({"from-json", strJson, strOutput})})
+        {
+            EXPECT_EQ(ended.nExitCode, 2) << strOutput;
+            EXPECT_THAT(ended.strError, HasSubstr("no plain file: " + strOutput));
+        }
+    }
+    EXPECT_EQ(Read(strTarget), "precious");
+    EXPECT_TRUE(std::filesystem::is_symlink(strLink));
+    EXPECT_TRUE(std::filesystem::is_fifo(strPipe));
 }
 
 TEST_F(SessionProgram, DumpOfABrokenFileShowsWhatThereIs)

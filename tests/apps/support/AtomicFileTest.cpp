@@ -7,6 +7,7 @@
 
 #include <fstream>
 #include <sys/stat.h>
+#include <sys/stat.h>
 #include <system_error>
 
 namespace Tarvane
@@ -83,6 +84,34 @@ TEST_F(AtomicFile, ANeighbourThatIsALinkIsNotFollowed)
     std::ofstream(m_folder / "other") << "not ours";
     std::filesystem::create_symlink(m_folder / "other", m_folder / "kept.saving");
     EXPECT_THAT(ErrorOfReplacing("one"), HasSubstr("cannot open"));
+    EXPECT_EQ(ReadFile(m_folder / "other", kAny), "not ours");
+}
+
+TEST_F(AtomicFile, WhatIsNoPlainFileIsNotReplaced)
+{
+    std::ofstream(m_folder / "other") << "not ours";
+    std::filesystem::create_symlink(m_folder / "other", m_folder / "link");
+    std::filesystem::create_symlink(m_folder / "nowhere", m_folder / "dangling");
+    std::filesystem::create_directory(m_folder / "folder");
+    ASSERT_EQ(mkfifo((m_folder / "pipe").c_str(), 0600), 0);
+    const std::vector<std::string> before = m_folder.Files();
+    for (const char* szName : {"link", "dangling", "folder", "pipe"})
+    {
+        try
+        {
+            ReplaceFile(m_folder / szName, "new");
+            ADD_FAILURE() << szName;
+        }
+        catch (const std::system_error& error)
+        {
+            EXPECT_THAT(error.what(), HasSubstr("no plain file"));
+        }
+    }
+    EXPECT_THROW(ReplaceFile("/dev/null", "new"), std::system_error);
+    EXPECT_EQ(m_folder.Files(), before);
+    EXPECT_TRUE(std::filesystem::is_symlink(m_folder / "link"));
+    EXPECT_TRUE(std::filesystem::is_fifo(m_folder / "pipe"));
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
     EXPECT_EQ(ReadFile(m_folder / "other", kAny), "not ours");
 }
 
