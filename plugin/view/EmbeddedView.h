@@ -18,9 +18,10 @@
     NSPoint m_ptSeen;         // where the window was seen on the display
 }
 
-// Errors of the display end no process from then on: a host may destroy its windows at any time.
-// They are logged. After the application object has been made.
-+ (void)outliveDisplayErrors;
+// Makes the application one of views inside others' windows, once its object is there: errors of
+// the display are logged and end no process, for a host may destroy its windows at any time; and
+// the application counts as active whatever has the focus.
++ (void)prepareApplication;
 
 // The view is retained.
 - (id)initWithView:(NSView*)view;

@@ -3,6 +3,7 @@
 #import <GNUstepGUI/GSDisplayServer.h>
 
 #include <X11/Xlib.h>
+#include <objc/runtime.h>
 
 #include <cstdio>
 
@@ -42,6 +43,19 @@ int LogError(Display*, XErrorEvent* pError)
 
 } // namespace
 
+// The focus is the host's at all times, and yet the display tells of it as coming and going. An
+// application that believed it had lost it would close a menu that has just been opened.
+@interface EmbeddedApplication : NSApplication
+@end
+
+@implementation EmbeddedApplication
+
+- (void)deactivate
+{
+}
+
+@end
+
 @implementation EmbeddedWindow
 
 - (BOOL)canBecomeKeyWindow
@@ -71,9 +85,10 @@ int LogError(Display*, XErrorEvent* pError)
 
 @implementation EmbeddedView
 
-+ (void)outliveDisplayErrors
++ (void)prepareApplication
 {
     XSetErrorHandler(&LogError);
+    object_setClass(NSApp, [EmbeddedApplication class]);
 }
 
 - (id)initWithView:(NSView*)view

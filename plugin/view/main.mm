@@ -81,7 +81,7 @@ int RunView(char** argv)
         HideArguments(argv);
         HideIcon();
         OpenApplication(argv);
-        [EmbeddedView outliveDisplayErrors];
+        [EmbeddedView prepareApplication];
         WatchEvents({&commands});
         OpenView(connection, deliveries);
     }
