@@ -338,11 +338,16 @@ void CHost::WaitForAck(const CCaptureReport& report)
             }
         });
     [m_ackTimer invalidate];
-    m_ackTimer = [NSTimer scheduledTimerWithTimeInterval:m_options.dAckTimeout
-                                                  target:MakeCall(fnOver)
-                                                selector:@selector(run:)
-                                                userInfo:nil
-                                                 repeats:NO];
+    m_ackTimer = [NSTimer timerWithTimeInterval:m_options.dAckTimeout
+                                         target:MakeCall(fnOver)
+                                       selector:@selector(run:)
+                                       userInfo:nil
+                                        repeats:NO];
+    for (NSUInteger n = 0; n < [MainThreadModes() count]; ++n)
+    {
+        [[NSRunLoop currentRunLoop] addTimer:m_ackTimer
+                                     forMode:[MainThreadModes() objectAtIndex:n]];
+    }
 }
 
 void CHost::Tell(const CCaptureReport& report)

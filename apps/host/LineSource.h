@@ -21,8 +21,7 @@ class ILineListener
 
 } // namespace Tarvane
 
-// Main thread. Reads while the run loop is in its default mode, so nothing is told while a menu is
-// open.
+// Main thread. Lines are told while a menu is open, too.
 @interface LineSource : NSObject
 {
     NSFileHandle* m_file;

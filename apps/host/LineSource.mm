@@ -1,5 +1,7 @@
 #import "apps/host/LineSource.h"
 
+#import "apps/support/MainThread.h"
+
 #include <array>
 #include <cerrno>
 #include <unistd.h>
@@ -17,7 +19,7 @@
                                                  selector:@selector(dataArrived:)
                                                      name:NSFileHandleDataAvailableNotification
                                                    object:m_file];
-        [m_file waitForDataInBackgroundAndNotify];
+        [m_file waitForDataInBackgroundAndNotifyForModes:Tarvane::MainThreadModes()];
     }
     return self;
 }
@@ -64,7 +66,7 @@
     }
     if (!m_fEnded)
     {
-        [m_file waitForDataInBackgroundAndNotify];
+        [m_file waitForDataInBackgroundAndNotifyForModes:Tarvane::MainThreadModes()];
     }
     [self tellPending];
 }

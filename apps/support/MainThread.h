@@ -40,4 +40,8 @@ MainThreadCall* MakeCall(std::function<void()> fnCall);
 // been handed to it before, by whomever.
 void CallOnMainThread(std::function<void()> fnCall);
 
+// In both of which the main run loop is to hear from outside: it waits for events, or has a menu
+// open. Autoreleased.
+NSArray* MainThreadModes();
+
 } // namespace Tarvane

@@ -1,5 +1,7 @@
 #import "apps/support/MainThread.h"
 
+#import <AppKit/AppKit.h>
+
 namespace
 {
 
@@ -62,6 +64,11 @@ void CallOnMainThread(std::function<void()> fnCall)
                                                   withObject:nil
                                                waitUntilDone:NO];
     [pool drain];
+}
+
+NSArray* MainThreadModes()
+{
+    return [NSArray arrayWithObjects:NSDefaultRunLoopMode, NSEventTrackingRunLoopMode, nil];
 }
 
 } // namespace Tarvane
