@@ -1,6 +1,6 @@
+#include "apps/conform/CaptureScripts.h"
 #include "apps/conform/ServerRules.h"
 
-#include <cmath>
 #include <vector>
 
 namespace Tarvane::Conform
@@ -8,99 +8,55 @@ namespace Tarvane::Conform
 namespace
 {
 
-constexpr long kPosition = 480000; // of the take, on the host's timeline
-constexpr long kElsewhere = 960000;
-constexpr int kStart = 100; // of the region, in the take
-constexpr int kEnd = 4000;
+constexpr long long kElsewhere = 960000;
 
-std::string Stretch(const std::string& strTrack, const std::string& strPath,
-                    const std::string& strMiddle, long nPosition, int nEnd)
+Capture TakeAt(const ServerBench& bench, long long nPosition = Capture{}.nPosition)
 {
-    return "(GetTrackID(" + strTrack + "), \"" + strPath + "\", " + strMiddle +
-           std::to_string(nPosition) + "," + std::to_string(kStart) + "," + std::to_string(nEnd) +
-           ")";
+    return {bench.sound.Take(), nPosition};
 }
 
-std::string Adding(const std::string& strTrack, const std::string& strPath, long nPosition,
-                   int nEnd = kEnd)
+Capture OtherTake(const ServerBench& bench)
 {
-    return "AddAudioRegion" + Stretch(strTrack, strPath, "true, false, ", nPosition, nEnd);
-}
-
-std::string Track(const ServerBench& bench)
-{
-    return std::to_string(bench.nTrack);
-}
-
-bool IsThere(const ServerBench& bench, const std::string& strPath, long nPosition)
-{
-    const std::string strLine =
-        bench.peer.Line("print(CheckForDuplicateRegion" +
-                        Stretch(Track(bench), strPath, "", nPosition, kEnd) + ")");
-    const double dAnswer = Number(strLine);
-    if (dAnswer != 0.0 && dAnswer != 1.0)
-        throw CBroken("asked for a duplicate, the server answered " + strLine);
-    return dAnswer == 1.0;
-}
-
-// Where the link adds what was captured at a position of the host's timeline.
-long ServerPosition(const ServerBench& bench, long nPosition)
-{
-    const double dOffset = Number(bench.peer.Line("print(GetLinkSMPTEOffset())"));
-    return static_cast<long>(std::trunc(dOffset * CTestSound::kRate + double(nPosition)));
-}
-
-void Add(const ServerBench& bench, const std::string& strPath, long nPosition)
-{
-    const std::string strError =
-        bench.peer.ErrorInDocument(Adding(Track(bench), strPath, ServerPosition(bench, nPosition)));
-    if (!strError.empty())
-        throw CBroken("a region cannot be added: " + Quoted(strError));
+    return {bench.sound.OtherTake()};
 }
 
 void NewAudioIsNew(const ServerBench& bench)
 {
-    if (IsThere(bench, bench.sound.Take(), kPosition))
+    if (IsThere(bench, TakeAt(bench)))
         throw CBroken("audio that the server has never seen is called a duplicate");
 }
 
 void AddedAudioIsThere(const ServerBench& bench)
 {
-    Add(bench, bench.sound.Take(), kPosition);
-    if (!IsThere(bench, bench.sound.Take(), kPosition))
+    Add(bench, TakeAt(bench));
+    if (!IsThere(bench, TakeAt(bench)))
         throw CBroken("audio that was just added is not called a duplicate");
 }
 
 void OnlyTheSameIsADuplicate(const ServerBench& bench)
 {
-    if (!IsThere(bench, bench.sound.Take(), kPosition))
+    if (!IsThere(bench, TakeAt(bench)))
         throw CNotExaminable("what was added is not found again");
-    if (IsThere(bench, bench.sound.Take(), kElsewhere))
+    if (IsThere(bench, TakeAt(bench, kElsewhere)))
         throw CBroken("the same audio at another place is called a duplicate");
-    if (IsThere(bench, bench.sound.OtherTake(), kPosition))
+    if (IsThere(bench, OtherTake(bench)))
         throw CBroken("other audio at the same place is called a duplicate");
 }
 
 void NamesDoNotMatter(const ServerBench& bench)
 {
-    if (!IsThere(bench, bench.sound.Take(), kPosition))
+    if (!IsThere(bench, TakeAt(bench)))
         throw CNotExaminable("what was added is not found again");
-    if (!IsThere(bench, bench.sound.SameTake(), kPosition))
+    if (!IsThere(bench, {bench.sound.SameTake()}))
         throw CBroken("the same audio in a file of another name is not called a duplicate");
 }
 
 void RegionStandsWhereItWasPut(const ServerBench& bench)
 {
-    const std::string strRegion = "GetRegionID(GetTrackID(" + Track(bench) + "), 0)";
-    const double dStart =
-        Number(bench.peer.Line("print(GetRegionStartPosition(" + strRegion + "))"));
-    const double dEnd = Number(bench.peer.Line("print(GetRegionEndPosition(" + strRegion + "))"));
-    const long nPosition = ServerPosition(bench, kPosition);
-    if (dStart != double(nPosition + kStart) || dEnd != double(nPosition + kEnd))
-        throw CBroken("a region put at " + std::to_string(nPosition + kStart) + " to " +
-                      std::to_string(nPosition + kEnd) + " stands at " +
-                      std::to_string(static_cast<long>(dStart)) + " to " +
-                      std::to_string(static_cast<long>(dEnd)));
+    const Place place = PlaceOf(bench, 0);
+    const Place expected = ExpectedPlace(bench, TakeAt(bench));
+    if (place != expected)
+        throw CBroken("a region put at " + Told(expected) + " stands at " + Told(place));
 }
 
 // What cannot be done.
@@ -112,15 +68,23 @@ struct Attempt
 
 std::vector<Attempt> AttemptsInVain(const ServerBench& bench)
 {
-    const CTestSound& sound = bench.sound;
-    const std::string strTracks = bench.peer.Line("print(GetTrackCount())");
-    return {
-        {"a file that is not there", Adding(Track(bench), sound.Missing(), kElsewhere)},
-        {"a file without sound", Adding(Track(bench), sound.NoSound(), kElsewhere)},
-        {"a stretch beyond the end of its file",
-         Adding(Track(bench), sound.OtherTake(), kElsewhere, CTestSound::kFrames + 1)},
-        {"a track that is not there", Adding(strTracks, sound.OtherTake(), kElsewhere)},
+    const auto adding = [&](const std::string& strPath, int nEnd = Capture{}.nEnd) {
+        return AddingScript(bench.nTrack, {strPath, kElsewhere, Capture{}.nStart, nEnd});
     };
+    const CTestSound& sound = bench.sound;
+    return {
+        {"a file that is not there", adding(sound.Missing())},
+        {"a file without sound", adding(sound.NoSound())},
+        {"a stretch beyond the end of its file",
+         adding(sound.OtherTake(), CTestSound::kFrames + 1)},
+        {"a track that is not there",
+         AddingScript(TrackCount(bench), {sound.OtherTake(), kElsewhere})},
+    };
+}
+
+std::string FailingBehindItsRegion(const ServerBench& bench)
+{
+    return AddingScript(bench.nTrack, {bench.sound.OtherTake(), kElsewhere}) + "\nerror('behind')";
 }
 
 void RefusesWhatItCannotAdd(const ServerBench& bench)
@@ -134,10 +98,8 @@ void TellsWhatItDidNotDo(const ServerBench& bench)
 {
     std::vector<Attempt> attempts = AttemptsInVain(bench);
     attempts.push_back({"a path that ends its own text",
-                        Adding(Track(bench), "/a \" quote.wav", kElsewhere)});
-    attempts.push_back({"a script that fails behind its region",
-                        Adding(Track(bench), bench.sound.OtherTake(), kElsewhere) +
-                            "\nerror('behind')"});
+                        AddingScript(bench.nTrack, {"/a \" quote.wav", kElsewhere})});
+    attempts.push_back({"a script that fails behind its region", FailingBehindItsRegion(bench)});
     for (const Attempt& attempt : attempts)
         if (bench.peer.HasResultInDocument(attempt.strScript))
             throw CBroken(std::string(attempt.szWhat) + " is answered with 'Rslt'");
@@ -145,18 +107,27 @@ void TellsWhatItDidNotDo(const ServerBench& bench)
 
 void UndoesWhatItDidNotFinish(const ServerBench& bench)
 {
-    const std::string strCount = "print(GetRegionCount(GetTrackID(" + Track(bench) + ")))";
-    const double dBefore = Number(bench.peer.Line(strCount));
-    bench.peer.ErrorInDocument(Adding(Track(bench), bench.sound.OtherTake(), kElsewhere) +
-                               "\nerror('behind')");
-    if (Number(bench.peer.Line(strCount)) != dBefore)
+    const double dBefore = RegionCount(bench, bench.nTrack);
+    bench.peer.ErrorInDocument(FailingBehindItsRegion(bench));
+    const double dAfter = RegionCount(bench, bench.nTrack);
+    if (dAfter > dBefore)
         throw CBroken("a region that a script added before it failed stays");
+}
+
+void KeepsWhatWasThere(const ServerBench& bench)
+{
+    const double dBefore = RegionCount(bench, bench.nTrack);
+    bench.peer.ErrorInDocument(FailingBehindItsRegion(bench));
+    if (RegionCount(bench, bench.nTrack) < dBefore)
+        throw CBroken("a region of before is gone when a script has failed");
+    if (!IsThere(bench, TakeAt(bench)))
+        throw CBroken("what was added before is not found again when a script has failed");
 }
 
 void CountsChanges(const ServerBench& bench)
 {
     const double dBefore = Number(bench.peer.Line("print(GetUpdateCount())"));
-    Add(bench, bench.sound.OtherTake(), kPosition);
+    Add(bench, OtherTake(bench));
     const double dAfter = Number(bench.peer.Line("print(GetUpdateCount())"));
     if (dAfter <= dBefore)
         throw CBroken("the count of updates stood still at " +
@@ -180,8 +151,8 @@ std::vector<ServerRule> CaptureRules()
           "a take that counts as a duplicate is not delivered"},
          OnlyTheSameIsADuplicate,
          true},
-        {{"S21", Level::Should, "know audio again whatever its file is called",
-          "every capture is a new file"},
+        {{"S21", Level::Must, "know audio again whatever its file is called",
+          "every capture is a new file, so that each one that is made again would be doubled"},
          NamesDoNotMatter,
          true},
         {{"S22", Level::Must, "put a region where it is told to, to the sample",
@@ -200,6 +171,10 @@ std::vector<ServerRule> CaptureRules()
         {{"S34", Level::Should, "undo what a script changed before it failed",
           "what was told as not delivered stands on the track all the same"},
          UndoesWhatItDidNotFinish,
+         true},
+        {{"S35", Level::Must, "keep what was there before when a script fails",
+          "takes that were delivered would be lost"},
+         KeepsWhatWasThere,
          true},
         {{"S24", Level::Should, "raise the count of updates with every change",
           "clients look at it to see whether anything is new"},

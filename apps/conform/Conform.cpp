@@ -57,6 +57,9 @@ void DeclareServer(CLI::App& app, Options& options)
     pServer->add_option("--track", options.server.nTrack, "The track to work on, from 0 [the last]")
         ->check(CLI::NonNegativeNumber);
     pServer->add_flag("--clear", options.server.fClear, "Regions that the track holds may go.");
+    pServer->add_flag("--no-offset", options.server.fNoOffset,
+                      "The server's timeline is always the host's: its offset is never other than "
+                      "0.");
     pServer->add_option("--wait", options.server.dWait, "Seconds to wait for a server to start")
         ->capture_default_str()
         ->check(CLI::Range(0.0, kLongestWait));

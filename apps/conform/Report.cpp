@@ -55,6 +55,8 @@ std::string FindingsText(const char* szParty, const Findings& findings)
     {
         strText += std::string(finding.rule.szId) + " " + NameOf(finding.outcome) + ": " +
                    Sentence(szParty, finding.rule) + "\n";
+        for (const std::string& strTried : finding.tried)
+            strText += "    Tried: " + strTried + "\n";
         if (finding.outcome != Outcome::Kept)
             strText += "    " + finding.strSeen + "\n";
         if (finding.outcome == Outcome::Broken)
@@ -71,7 +73,8 @@ nlohmann::ordered_json FindingsJson(const char* szParty, const Findings& finding
                          {"level", NameOf(finding.rule.level)},
                          {"text", Sentence(szParty, finding.rule)},
                          {"outcome", NameOf(finding.outcome)},
-                         {"seen", finding.strSeen}});
+                         {"seen", finding.strSeen},
+                         {"tried", finding.tried}});
     return {{"party", szParty}, {"conforms", Conforms(findings)}, {"rules", rules}};
 }
 

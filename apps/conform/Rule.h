@@ -33,7 +33,8 @@ struct Finding
 {
     Rule rule;
     Outcome outcome = Outcome::Kept;
-    std::string strSeen; ///< Why it is not kept, or not examined.
+    std::string strSeen;              ///< Why it is not kept, or not examined.
+    std::vector<std::string> tried{}; ///< What it was examined with, where that says something.
 };
 
 using Findings = std::vector<Finding>;

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <thread>
+#include <utility>
 
 namespace Tarvane::Conform
 {
@@ -56,6 +57,17 @@ bool StillAnswers(const CServerPeer& peer)
     return peer.Send("print(1)\n").nStatus == noErr;
 }
 
+// Nothing where the server has gone again.
+std::optional<double> StartOfServer()
+try
+{
+    return SecondsSinceStart(ServerProcess());
+}
+catch (const CNotExaminable&)
+{
+    return std::nullopt;
+}
+
 // Returns once there is a server: how long it took from its start, or nothing where it was there
 // already.
 std::optional<double> AwaitServer(const CServerPeer& peer, double dSeconds)
@@ -69,7 +81,7 @@ std::optional<double> AwaitServer(const CServerPeer& peer, double dSeconds)
     {
         std::this_thread::sleep_for(kGlance);
         if (isThere())
-            return SecondsSinceStart(ServerProcess());
+            return StartOfServer();
     }
     throw CUsageError("no server receives events on this session bus; start it first, or give it "
                       "time to start with --wait.");
@@ -87,7 +99,9 @@ Findings ExamineServer(const ServerOptions& options)
 
     const CTestSound sound;
     const std::optional<int> track = FindTrack(peer, options);
-    const ServerBench bench{peer, sound, track.value_or(0), secondsToStart};
+    std::vector<std::string> tried;
+    const ServerBench bench{peer, sound, track.value_or(0), secondsToStart, options.fNoOffset,
+                            tried};
     Findings findings;
     std::string strInTheWay;
     for (const ServerRule& rule : ServerRules())
@@ -99,6 +113,7 @@ Findings ExamineServer(const ServerOptions& options)
                                 "the server does not say which track may be worked on"});
         else
             findings.push_back(ExamineRule(rule, bench));
+        findings.back().tried = std::exchange(tried, {});
         if (findings.back().outcome != Outcome::Broken)
             continue;
         if (findings.size() == 1)
@@ -112,8 +127,8 @@ Findings ExamineServer(const ServerOptions& options)
 std::vector<ServerRule> ServerRules()
 {
     std::vector<ServerRule> rules;
-    for (const auto& list :
-         {TransportRules(), DocumentRules(), CaptureRules(), WorkRules(), ProcessRules()})
+    for (const auto& list : {TransportRules(), DocumentRules(), CaptureRules(), TakeRules(),
+                             WorkRules(), ProcessRules()})
         rules.insert(rules.end(), list.begin(), list.end());
     return rules;
 }

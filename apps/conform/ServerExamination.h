@@ -13,6 +13,7 @@ struct ServerOptions
     std::optional<int> nTrack{}; ///< the one to work on; the last without
     bool fClear = false;         ///< the track's regions may go
     double dWait = 0.0;          ///< seconds to wait for a server to come
+    bool fNoOffset = false;      ///< the server's timeline is always the host's
 };
 
 /// Examines every rule on the server that answers on the session bus. Once it no longer answers, or

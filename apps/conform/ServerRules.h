@@ -6,6 +6,8 @@
 #include "apps/conform/TestSound.h"
 
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace Tarvane::Conform
 {
@@ -17,6 +19,8 @@ struct ServerBench
     const CTestSound& sound;
     int nTrack;                           ///< whose regions may come and go
     std::optional<double> secondsToStart; ///< from its start to its first answer; when seen
+    bool fNoOffset;                       ///< the server's timeline is always the host's
+    std::vector<std::string>& tried;      ///< an examination that tries several things says which
 };
 
 struct ServerRule : Rule
@@ -33,6 +37,7 @@ std::vector<ServerRule> ServerRules();
 std::vector<ServerRule> TransportRules();
 std::vector<ServerRule> DocumentRules();
 std::vector<ServerRule> CaptureRules();
+std::vector<ServerRule> TakeRules();
 std::vector<ServerRule> WorkRules();
 std::vector<ServerRule> ProcessRules();
 

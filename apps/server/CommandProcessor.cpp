@@ -83,6 +83,7 @@ std::vector<ScriptFunction> CCommandProcessor::Functions(CScriptContext& context
                                                          const Trouble& trouble) const
 {
     std::vector<ScriptFunction> functions = MakeScriptFunctions(context);
+    MisbehaveInFunctions(functions, context, trouble.faults);
     for (ScriptFunction& function : functions)
     {
         if (trouble.fFrozenCounter && function.strName == "GetUpdateCount")

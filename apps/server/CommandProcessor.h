@@ -13,6 +13,7 @@
 // Nothing is answered for before it is on disk.
 #pragma once
 
+#include "apps/server/FaultyFunctions.h"
 #include "apps/server/LuaSandbox.h"
 #include "apps/server/RenderFolder.h"
 #include "apps/server/ScriptFunctions.h"
@@ -42,6 +43,7 @@ struct Trouble
     bool fNoDocument = false;      // as with no document open
     bool fFrozenCounter = false;   // GetUpdateCount stands where it was when the trouble began
     std::int64_t nFrozenCount = 0; // where it stands then; see CCommandProcessor::Begin
+    FunctionFaults faults{};       // of the functions that scripts call
 };
 
 // What scripts may do to the session.

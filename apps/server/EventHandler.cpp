@@ -128,7 +128,7 @@ Trouble CEventHandler::Begin(Event& event, const std::string& strScript)
     }
     event.nUpdates = m_processor.Session().UpdateCount();
     return {event.faults.count(Fault::DocumentVanishes) != 0,
-            event.faults.count(Fault::FrozenCounter) != 0};
+            event.faults.count(Fault::FrozenCounter) != 0, 0, FaultsOfFunctions(event.faults)};
 }
 
 void CEventHandler::End(Event& event, const CommandReply& reply)

@@ -92,6 +92,22 @@ const std::vector<FaultKind>& FaultKinds()
         {"tracks-move", Fault::TracksMove, true, "reverses the tracks and renames them"},
         {"frozen-counter", Fault::FrozenCounter, false, "counts no updates"},
         {"event-flood", Fault::EventFlood, true, "sends events to itself without end"},
+        {"region-replaced", Fault::RegionReplaced, false,
+         "throws away a track's regions for each new one"},
+        {"path-refused", Fault::PathRefused, false, "refuses paths that are not ASCII"},
+        {"stereo-refused", Fault::StereoRefused, false, "refuses files of several channels"},
+        {"wide-refused", Fault::WideRefused, false,
+         "refuses whole-number samples of more than 16 bits"},
+        {"float-refused", Fault::FloatRefused, false, "refuses floating-point samples"},
+        {"rate-refused", Fault::RateRefused, false, "refuses files of another rate than 48000"},
+        {"offset-at-one-rate", Fault::OffsetAtOneRate, false,
+         "looks for duplicates as if every file had the rate 48000"},
+        {"duplicate-any-track", Fault::DuplicateAnyTrack, false,
+         "takes what is on another track for a duplicate"},
+        {"duplicate-whole-file", Fault::DuplicateWholeFile, false,
+         "takes another stretch of the same file for a duplicate"},
+        {"duplicate-by-path", Fault::DuplicateByPath, false,
+         "knows audio again by the path of its file alone"},
     };
     return kinds;
 }

@@ -33,6 +33,17 @@ enum class Fault
     TracksMove,        // the tracks stand in reverse order, under other names
     FrozenCounter,     // GetUpdateCount answers what it answered first
     EventFlood,        // events to itself without end
+    // The next ones deliver worse than they answer; FaultyFunctions.h has them.
+    RegionReplaced,     // a new region throws away the track's others
+    PathRefused,        // paths with other characters than ASCII
+    StereoRefused,      // files of two channels and more
+    WideRefused,        // whole numbers of more than 16 bits
+    FloatRefused,       // samples that are no whole numbers
+    RateRefused,        // files of another rate than 48000
+    OffsetAtOneRate,    // the offset counts as samples of 48000 a second, whatever the file's rate
+    DuplicateAnyTrack,  // what is on another track is a duplicate
+    DuplicateWholeFile, // another stretch of the same file is a duplicate
+    DuplicateByPath,    // a file of another name is no duplicate
 };
 
 using FaultSet = std::set<Fault>;

@@ -16,6 +16,7 @@ namespace
 
 constexpr char szDocument[] = R"(
 local tracks, regions = { 'Dialogue', 'ADR' }, { {}, {} }
+local nOffset = 2 -- seconds by which this timeline is ahead of the host's
 local api = { error = error, string = string, type = type }
 
 function api.SelectScriptDocument() return true end
@@ -25,19 +26,21 @@ function api.GetTrackID(nTrack)
     return tracks[nTrack + 1] and nTrack + 1 or error('there is no track ' .. nTrack)
 end
 function api.GetTrackName(idTrack) return tracks[idTrack] end
-function api.GetLinkSMPTEOffset() return 0 end
+function api.GetLinkSMPTEOffset() return nOffset end
 function api.MoveDisplayToPosition(dPosition) return dPosition + 0 end
 
 function api.CheckForDuplicateRegion(idTrack, strPath, nPosition, nStart, nEnd)
-    local strAudio = ReadAudio(strPath, nStart, nEnd)
+    local strAudio, nRate = ReadAudio(strPath, nStart, nEnd)
+    local nBegin = nOffset * nRate + nPosition + nStart
     for _, region in ipairs(regions[idTrack]) do
-        if region.strAudio == strAudio and region.nStart == nPosition + nStart then return 1 end
+        if region.strAudio == strAudio and region.nStart == nBegin then return 1 end
     end
     return 0
 end
 function api.AddAudioRegion(idTrack, strPath, fSelect, fMute, nPosition, nStart, nEnd)
-    table.insert(regions[idTrack], { strAudio = ReadAudio(strPath, nStart, nEnd),
-        idTrack = idTrack, nStart = nPosition + nStart, nEnd = nPosition + nEnd })
+    local strAudio = ReadAudio(strPath, nStart, nEnd)
+    table.insert(regions[idTrack], { strAudio = strAudio, idTrack = idTrack,
+        nStart = nPosition + nStart, nEnd = nPosition + nEnd })
 end
 
 function api.GetRegionCount(idTrack) return #regions[idTrack] end
@@ -72,7 +75,8 @@ function Run(strScript)
 end
 )";
 
-// ReadAudio(strPath, nStart, nEnd): the samples, as bytes. Fails when they are not all there.
+// ReadAudio(strPath, nStart, nEnd): the samples, as bytes, and the rate. Fails when they are not
+// all there.
 int ReadAudio(lua_State* pLua)
 {
     const char* szPath = luaL_checkstring(pLua, 1);
@@ -94,7 +98,8 @@ int ReadAudio(lua_State* pLua)
     sf_readf_float(pFile, reinterpret_cast<float*>(pBytes), nEnd - nStart);
     sf_close(pFile);
     luaL_pushresultsize(&buffer, nBytes);
-    return 1;
+    lua_pushinteger(pLua, info.samplerate);
+    return 2;
 }
 
 // Empty when there is no such text, or it cannot be read.
