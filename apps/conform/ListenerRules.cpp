@@ -35,6 +35,16 @@ void ReportsArming(const PlugInBench& bench)
     }
 }
 
+void ReportsDisarming(const PlugInBench& bench)
+{
+    const CPlugInPeer peer(bench);
+    peer.Capture();
+    LetPass(bench.dMoment);
+    // Its arming was one notification, its disarming is to be another.
+    if (peer.IsArmed(false) && peer.Heard().Count(TNProperty_ArmCapture) < 2)
+        throw CBroken("it was disarmed by the end of a capture, and no 64004 was raised");
+}
+
 // Arms the instance, and waits until the listener knows.
 void ExpectToBeTold(const PlugInBench& bench, const CPlugInPeer& peer, const CListener& listener)
 {
@@ -103,6 +113,11 @@ std::vector<PlugInRule> ListenerRules()
         {{"P8", Level::Must, "raise 64004 when it has been armed or disarmed, whatever the cause",
           "the toggle shows a state that is not the plug-in's"},
          ReportsArming},
+        {{"P36", Level::Must, "raise 64004 when it disarms by itself",
+          "the toggle goes on to show that it captures, and the next press disarms what is not "
+          "armed"},
+         ReportsDisarming,
+         true},
         {{"P9", Level::Must, "call no listener any more once its removal has returned",
           "the view has gone by then, and the host with the next call"},
          ForgetsListeners},

@@ -1,6 +1,11 @@
 #include "apps/conform/PlugInRules.h"
 
+#include <CoreFoundation/CoreFoundation.h>
+
 #include <array>
+#include <climits>
+#include <filesystem>
+#include <utility>
 
 namespace Tarvane::Conform
 {
@@ -55,6 +60,68 @@ void KeepsTrack(const PlugInBench& bench)
             throw CBroken("track " + std::to_string(nTrack) + " was chosen, and it says " +
                           std::to_string(*kept));
     }
+}
+
+// The bytes that a read leaves in room that held another byte everywhere.
+std::array<UInt8, sizeof(Float64)> ReadOver(const CPlugInPeer& peer, AudioUnitPropertyID nId,
+                                            UInt32 nSize, UInt8 nByte)
+{
+    std::array<UInt8, sizeof(Float64)> bytes;
+    bytes.fill(nByte);
+    peer.Get(nId, 0, bytes.data(), nSize);
+    return bytes;
+}
+
+void WritesWholeValues(const PlugInBench& bench)
+{
+    const CPlugInPeer peer(bench);
+    for (const auto& [nId, nSize] :
+         {std::pair<AudioUnitPropertyID, UInt32>{TNProperty_ArmCapture, 1},
+          {TNProperty_NextElement, 4},
+          {TNProperty_SelectedTrack, 4},
+          {kTNProperty_CurrentCaptureLength, 8}})
+    {
+        const auto one = ReadOver(peer, nId, nSize, kUntouched);
+        const auto other = ReadOver(peer, nId, nSize, static_cast<UInt8>(~kUntouched));
+        const auto isSame = [&](std::size_t nByte) { return one[nByte] == other[nByte]; };
+        for (UInt32 nByte = 1; nByte < nSize; ++nByte)
+            if (isSame(0) && !isSame(nByte))
+                throw CBroken(std::to_string(nId) + " writes " + std::to_string(nByte) +
+                              " bytes of " + std::to_string(nSize));
+    }
+}
+
+std::string PathOf(CFURLRef url)
+{
+    std::array<UInt8, PATH_MAX> path{};
+    if (url == nullptr || !CFURLGetFileSystemRepresentation(url, true, path.data(), path.size()))
+        return "";
+    return reinterpret_cast<const char*>(path.data());
+}
+
+void TellsWhereItsViewIs(const PlugInBench& bench)
+{
+    const CPlugInPeer peer(bench);
+    UInt32 nSize = 0;
+    Boolean fWritable = false;
+    if (AudioUnitGetPropertyInfo(peer.Unit(), kAudioUnitProperty_CocoaUI, kAudioUnitScope_Global, 0,
+                                 &nSize, &fWritable) == noErr &&
+        nSize < sizeof(AudioUnitCocoaViewInfo))
+        throw CBroken("kAudioUnitProperty_CocoaUI is said to have " + std::to_string(nSize) +
+                      " bytes");
+    AudioUnitCocoaViewInfo info{};
+    nSize = sizeof info;
+    const OSStatus nStatus = peer.Get(kAudioUnitProperty_CocoaUI, 0, &info, nSize);
+    if (nStatus != noErr)
+        throw CBroken("asked for kAudioUnitProperty_CocoaUI, it answers with status " +
+                      std::to_string(nStatus));
+    const std::string strBundle = PathOf(info.mCocoaAUViewBundleLocation);
+    if (!std::filesystem::is_directory(strBundle))
+        throw CBroken("there is no bundle \"" + strBundle + "\"");
+    if (info.mCocoaAUViewClass[0] == nullptr)
+        throw CBroken("it names no class of the bundle");
+    CFRelease(info.mCocoaAUViewBundleLocation);
+    CFRelease(info.mCocoaAUViewClass[0]);
 }
 
 void Arms(const PlugInBench& bench)
@@ -154,6 +221,13 @@ std::vector<PlugInRule> PropertyRules()
         {{"P6", Level::Must, "write no value beyond the room that the reader gives",
           "what lies behind it in the host's memory would be lost"},
          StaysWithinRoom},
+        {{"P37", Level::Must, "write its values in their whole width",
+          "what is left out is whatever stood there before"},
+         WritesWholeValues},
+        {{"P38", Level::Must,
+          "answer kAudioUnitProperty_CocoaUI with the view's bundle and the name of its class",
+          "hosts find the view by it, and nothing is delivered without the view"},
+         TellsWhereItsViewIs},
         {{"P7", Level::Must, "keep its instances apart",
           "a take would go to the track of another instance"},
          KeepsInstancesApart},

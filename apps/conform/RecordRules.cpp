@@ -3,6 +3,7 @@
 #include "utils/UnicodeText.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
 
 namespace fs = std::filesystem;
@@ -165,6 +166,87 @@ void HasAudio(const PlugInBench& bench)
         throw CBroken(strRegion + ", and the file has " + std::to_string(info.frames) + " samples");
 }
 
+void AnnouncesOnce(const PlugInBench& bench)
+{
+    const CPlugInPeer peer(bench);
+    peer.Capture();
+    LetPass(bench.dMoment);
+    const std::size_t nHeard = peer.Heard().Count(TNProperty_Elements);
+    if (nHeard != 1)
+        throw CBroken("one capture was made, and 64000 was raised " + std::to_string(nHeard) +
+                      " times");
+}
+
+void ExpectCarried(const std::string& strPath)
+{
+    const std::size_t nAt = strPath.find_first_of("\"\\\r\n");
+    if (nAt != std::string::npos)
+        throw CBroken("the path " + strPath + " has the byte " +
+                      std::to_string(static_cast<unsigned char>(strPath[nAt])) +
+                      " in it, at which a script ends or changes it");
+    if (!fs::exists(strPath))
+        throw CBroken("there is no file " + strPath);
+}
+
+// Lets the temporary folder be another one.
+class CFolderForNow
+{
+public:
+    explicit CFolderForNow(const fs::path& folder) : m_before(fs::temp_directory_path())
+    {
+        fs::create_directories(folder);
+        setenv("TMPDIR", folder.c_str(), 1);
+    }
+    ~CFolderForNow() { setenv("TMPDIR", m_before.c_str(), 1); }
+    CFolderForNow(const CFolderForNow&) = delete;
+    CFolderForNow& operator=(const CFolderForNow&) = delete;
+
+private:
+    fs::path m_before;
+};
+
+fs::path LongFolder(fs::path folder)
+{
+    constexpr std::size_t kPiece = 200;
+    while (folder.native().size() < kTNPathSize)
+        folder /= std::string(kPiece, 'p');
+    return folder;
+}
+
+void NamesFilesThatAreCarried(const PlugInBench& bench)
+{
+    {
+        const CPlugInPeer peer(bench);
+        ExpectCarried(Dub(peer.Record(peer.CaptureElement())));
+    }
+    const fs::path folder = fs::temp_directory_path();
+    for (const fs::path& other :
+         {folder / "6\" reel", folder / "a\\n", folder / "a\nb", LongFolder(folder)})
+    {
+        const CFolderForNow now(other);
+        const CPlugInPeer peer(bench);
+        peer.Arm();
+        if (bench.library.Play(peer.Unit()) != noErr) // as it may
+            continue;
+        if (!WaitUntil(bench.dTimeout, [&] { return peer.Heard().Count(TNProperty_Elements) > 0; }))
+            return;
+        ExpectCarried(Dub(peer.Record(peer.NextElement())));
+    }
+}
+
+void GivesTheFilesRate(const PlugInBench& bench)
+{
+    const CPlugInPeer peer(bench);
+    const TNCaptureElement record = peer.Record(peer.CaptureElement());
+    SF_INFO info{};
+    const SoundFileHandle pFile(sf_open(Dub(record).c_str(), SFM_READ, &info));
+    if (!pFile)
+        throw CNotExaminable("the file of the capture cannot be read");
+    if (record.dSampleRate != static_cast<double>(info.samplerate))
+        throw CBroken("the record says " + std::to_string(record.dSampleRate) +
+                      ", and the file has " + std::to_string(info.samplerate));
+}
+
 } // namespace
 
 std::vector<PlugInRule> RecordRules()
@@ -199,6 +281,20 @@ std::vector<PlugInRule> RecordRules()
         {{"P18", Level::Must, "name a region that lies within the audio of the file",
           "the server refuses what is not there, and nothing is delivered of what is empty"},
          HasAudio,
+         true},
+        {{"P33", Level::Must, "raise 64000 once for each element",
+          "an element that is announced again before it is done is delivered again"},
+         AnnouncesOnce,
+         true},
+        {{"P34", Level::Must,
+          "name files by paths without double quotes, backslashes and line ends, of at most 1023 "
+          "bytes, and capture nothing where it cannot",
+          "the path stands in a script as it is, between double quotes"},
+         NamesFilesThatAreCarried,
+         true},
+        {{"P35", Level::Must, "give the rate of the file",
+          "the offset between the timelines is turned into samples with it"},
+         GivesTheFilesRate,
          true},
     };
 }

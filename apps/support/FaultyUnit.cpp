@@ -110,10 +110,22 @@ void CFaultyUnit::Hear(void* pUserData, AudioUnit, AudioUnitPropertyID nId, Audi
     static_cast<CFaultyUnit*>(pUserData)->PassOn(nId);
 }
 
-bool CFaultyUnit::IsDropped(AudioUnitPropertyID nId) const
+bool CFaultyUnit::IsDropped(AudioUnitPropertyID nId)
 {
     return (nId == TNProperty_Elements && Has(SignalFault::ElementsUnannounced)) ||
-           (nId == TNProperty_ArmCapture && Has(SignalFault::ArmUnreported));
+           (nId == TNProperty_ArmCapture &&
+            (Has(SignalFault::ArmUnreported) ||
+             (Has(SignalFault::DisarmUnreported) && IsFirstDisarming())));
+}
+
+// Of its own accord, since the arming that was reported last.
+bool CFaultyUnit::IsFirstDisarming()
+{
+    UInt8 nArmed = 0;
+    UInt32 nSize = sizeof nArmed;
+    AudioUnitGetProperty(m_pInner, TNProperty_ArmCapture, kAudioUnitScope_Global, 0, &nArmed,
+                         &nSize);
+    return m_fArmReported.exchange(nArmed != 0) && nArmed == 0;
 }
 
 void CFaultyUnit::PassOn(AudioUnitPropertyID nId)
@@ -145,6 +157,11 @@ void CFaultyUnit::PassOnElement()
         {
             std::filesystem::remove(record.szDubPath, ignored);
         }
+        if (Has(SignalFault::PathUncarried))
+        {
+            std::filesystem::create_hard_link(record.szDubPath, UncarriedPath(record.szDubPath),
+                                              ignored);
+        }
         if (Has(SignalFault::FileUnfinished))
         {
             std::filesystem::resize_file(record.szDubPath, kHeaderAlone, ignored);
@@ -163,7 +180,7 @@ void CFaultyUnit::PassOnElement()
         m_hiddenUntil = Clock::now() + kLate;
     }
     Notify(TNProperty_Elements);
-    if (Has(SignalFault::IndexNeverNegative))
+    if (Has(SignalFault::IndexNeverNegative) || Has(SignalFault::AnnouncedTwice))
     {
         Notify(TNProperty_Elements);
     }

@@ -12,6 +12,7 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -21,6 +22,9 @@ namespace Tarvane
 // Write only, global scope, element 0; the data is a const SignalFaults*, read during the call. To
 // be written once, before anybody listens. CSignalSide::Of gives the signal side behind the unit.
 constexpr AudioUnitPropertyID kFaultyUnitProperty_Faults = 65001;
+
+// The file of this path as PathUncarried names it.
+std::string UncarriedPath(const char* szPath);
 
 // All operations: any thread, but for those that say otherwise.
 class CFaultyUnit
@@ -59,7 +63,8 @@ private:
     void Storm(int nTimesAMillisecond);
     void NotifyFromBeyond() const;
 
-    bool IsDropped(AudioUnitPropertyID nId) const;
+    bool IsDropped(AudioUnitPropertyID nId);
+    bool IsFirstDisarming();
     void PassOn(AudioUnitPropertyID nId);
     void PassOnElement();
     void Notify(AudioUnitPropertyID nId);
@@ -69,6 +74,7 @@ private:
     bool IsHidden() const { return Clock::now() < m_hiddenUntil.load(); }
     OSStatus GetWhole(AudioUnitPropertyID nId, AudioUnitElement nElement, void* pData,
                       UInt32* pnSize);
+    OSStatus GetShortLength(void* pData, UInt32* pnSize) const;
     OSStatus GetRecord(AudioUnitElement nElement, void* pData, UInt32* pnSize) const;
     OSStatus TakeAck(TNElementAck ack);
     SInt32 SpoilIndex(SInt32 nIndex);
@@ -87,6 +93,7 @@ private:
     std::atomic<SInt32> m_nLastElement = 0;
     std::atomic<Clock::time_point> m_hiddenUntil{};
     std::atomic<bool> m_fEnding = false;
+    std::atomic<bool> m_fArmReported = false; // since it was last asked to disarm, or did so
     mutable std::mutex m_mutex;
     std::vector<TNCaptureElement> m_records; // in the order of delivery; guarded by the mutex
     std::vector<std::thread> m_threads;

@@ -47,6 +47,16 @@ void Spoil(TNCaptureElement& record, const SignalFaults& faults)
         FillUp(record.szGuidePath);
         FillUp(record.szDubPath);
     }
+    if (has(SignalFault::PathUncarried))
+    {
+        const std::string strPath = UncarriedPath(record.szDubPath);
+        const size_t nLength = strPath.copy(record.szDubPath, kTNPathSize - 1);
+        record.szDubPath[nLength] = '\0';
+    }
+    if (has(SignalFault::RateWrong))
+    {
+        record.dSampleRate /= 2.0;
+    }
     if (has(SignalFault::NanPosition))
     {
         record.tDub.dPosition = kNan;
@@ -66,6 +76,13 @@ void Spoil(TNCaptureElement& record, const SignalFaults& faults)
 }
 
 } // namespace
+
+std::string UncarriedPath(const char* szPath)
+{
+    std::string strPath = szPath;
+    const size_t nName = strPath.rfind('/') + 1;
+    return strPath.insert(nName, 1, '"');
+}
 
 SInt32 CFaultyUnit::NextOfInner() const
 {
@@ -116,6 +133,10 @@ OSStatus CFaultyUnit::GetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope
     {
         return GetRecord(nElement, pData, pnSize);
     }
+    if (nId == kTNProperty_CurrentCaptureLength && Has(SignalFault::LengthShort))
+    {
+        return GetShortLength(pData, pnSize);
+    }
     const OSStatus nStatus = AudioUnitGetProperty(m_pInner, nId, nScope, nElement, pData, pnSize);
     if (nStatus == kAudioUnitErr_InvalidProperty && Has(SignalFault::UnknownAccepted))
     {
@@ -138,6 +159,20 @@ OSStatus CFaultyUnit::GetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope
         return Put(pData, kNan);
     }
     return noErr;
+}
+
+OSStatus CFaultyUnit::GetShortLength(void* pData, UInt32* pnSize) const
+{
+    Float64 dLength = 0.0;
+    UInt32 nSize = sizeof dLength;
+    const OSStatus nStatus = AudioUnitGetProperty(m_pInner, kTNProperty_CurrentCaptureLength,
+                                                  kAudioUnitScope_Global, 0, &dLength, &nSize);
+    if (nStatus != noErr || *pnSize < sizeof(Float32))
+    {
+        return nStatus != noErr ? nStatus : kAudioUnitErr_InvalidParameter;
+    }
+    *pnSize = sizeof(Float32);
+    return Put(pData, static_cast<Float32>(dLength));
 }
 
 OSStatus CFaultyUnit::GetWhole(AudioUnitPropertyID nId, AudioUnitElement nElement, void* pData,
@@ -235,6 +270,10 @@ OSStatus CFaultyUnit::SetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope
     if (nId == TNProperty_SelectedTrack && Has(SignalFault::StateShared))
     {
         nSharedTrack = Take<SInt32>(pData);
+    }
+    if (nId == TNProperty_SetArmCapture)
+    {
+        m_fArmReported = false;
     }
     const OSStatus nStatus = AudioUnitSetProperty(m_pInner, nId, nScope, nElement, pData, nSize);
     return nStatus == kAudioUnitErr_InvalidProperty && Has(SignalFault::UnknownAccepted) ? noErr

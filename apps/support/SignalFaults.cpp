@@ -71,6 +71,14 @@ const std::vector<SignalFaultKind>& SignalFaultKinds()
         {"notifies-after-disposal", SignalFault::NotifiesAfterDisposal,
          "notifies when it has been disposed of"},
         {"state-shared", SignalFault::StateShared, "keeps one track for all instances"},
+        {"announced-twice", SignalFault::AnnouncedTwice, "announces each element twice"},
+        {"path-uncarried", SignalFault::PathUncarried,
+         "gives its files names with a double quote in them"},
+        {"rate-wrong", SignalFault::RateWrong, "gives another rate than the file's"},
+        {"disarm-unreported", SignalFault::DisarmUnreported,
+         "does not report that the end of a capture disarms it"},
+        {"length-short", SignalFault::LengthShort, "writes the length as 32 bits"},
+        {"view-hidden", SignalFault::ViewHidden, "does not tell hosts where its view is"},
     };
     return kinds;
 }

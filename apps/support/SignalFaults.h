@@ -42,6 +42,12 @@ enum class SignalFault
     ListenersConfused,      // removal goes by the procedure, whatever the user data
     NotifiesAfterDisposal,  // 64010 goes on for a while
     StateShared,            // 64009 is one for all instances
+    AnnouncedTwice,         // 64000 is raised twice for each element
+    PathUncarried,          // the dub's name has a double quote in it
+    RateWrong,              // the record's rate is not the file's
+    DisarmUnreported,       // 64004 is not raised when the end of a capture disarms
+    LengthShort,            // 64010 writes 32 bits
+    ViewHidden,             // kAudioUnitProperty_CocoaUI is not answered
 };
 
 using SignalFaults = std::set<SignalFault>;

@@ -4,9 +4,12 @@
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
 #include "apps/conform/PlugInEntry.h"
 
+#include <CoreFoundation/CoreFoundation.h>
+
 #include <array>
 #include <cstring>
 #include <deque>
+#include <dlfcn.h>
 #include <filesystem>
 #include <sndfile.h>
 #include <string>
@@ -79,7 +82,8 @@ OSStatus Capture(Instance& instance)
 {
     const std::string strPath = WriteFile();
     Element element{instance.nNextIndex, {}};
-    if (strPath.empty() || strPath.size() >= sizeof element.record.szDubPath)
+    if (strPath.empty() || strPath.size() >= sizeof element.record.szDubPath ||
+        strPath.find_first_of("\"\\\r\n") != std::string::npos)
         return kAudioUnitErr_FailedInitialization;
     std::memcpy(element.record.szDubPath, strPath.c_str(), strPath.size() + 1);
     element.record.tDub.dPosition = 0; // where the host was when the capture began
@@ -89,6 +93,24 @@ OSStatus Capture(Instance& instance)
     ++instance.nNextIndex;
     instance.Raise(TNProperty_Elements);
     return noErr;
+}
+
+CFStringRef MadeString(const char* szText)
+{
+    return CFStringCreateWithCString(kCFAllocatorDefault, szText, kCFStringEncodingUTF8);
+}
+
+// Where the view is: in the bundle beside this library. The reader releases both.
+AudioUnitCocoaViewInfo ViewInfo()
+{
+    Dl_info info{};
+    dladdr(reinterpret_cast<const void*>(&TarvaneConformPlay), &info);
+    const std::string strBundle =
+        std::filesystem::absolute(info.dli_fname).parent_path() / "TarvaneLink.bundle";
+    return {CFURLCreateFromFileSystemRepresentation(
+                kCFAllocatorDefault, reinterpret_cast<const UInt8*>(strBundle.data()),
+                static_cast<CFIndex>(strBundle.size()), true),
+            {MadeString("TarvaneLink_CocoaViewFactory")}};
 }
 
 template <typename Value> OSStatus Give(const Value& value, void* pData, UInt32* pnSize)
@@ -118,6 +140,8 @@ OSStatus Get(void* pSelf, AudioUnitPropertyID nId, AudioUnitScope, AudioUnitElem
         return Give(waiting.empty() ? SInt32(-1) : waiting.front().nIndex, pData, pnSize);
     case TNProperty_SelectedTrack:
         return Give(instance.nTrack, pData, pnSize);
+    case kAudioUnitProperty_CocoaUI:
+        return Give(ViewInfo(), pData, pnSize);
     default:
         return kAudioUnitErr_InvalidProperty;
     }
