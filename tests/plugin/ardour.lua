@@ -1,32 +1,49 @@
--- Plays the timeline's audio through the plug-in in a host without a window, for RealHostsTest.
+-- Plays the timeline's audio through the plug-in in a host without a window.
 -- Run by ardour7-lua; what it is to do comes in the environment:
 --
 --   LINK_FOLDER    an empty folder for the session
 --   LINK_AUDIO     the sound file that lies at the timeline's beginning
---   LINK_FRAMES    its length
---   LINK_RATE, LINK_PERIOD, LINK_CHANNELS
+--   LINK_FRAMES    the length of an export; the file is two seconds longer
+--   LINK_RATE, LINK_CHANNELS
 --   LINK_PLUGIN    the plug-in's URI
---   LINK_SCENARIO  one of the functions at the end
+--   LINK_STEPS     steps of the list at the end, each as NAME@PERIOD, one after another
 --   LINK_STATE     "load": the session is there already
+--   TARVANE_LINK_CAPTURES, as the plug-in has it
+--
+-- After each step, once its takes are finished, it says "step NAME PERIOD TAKES", the number being
+-- that of all the takes until then; at last "done", and then it waits for a line of its input.
 
 local folder = os.getenv("LINK_FOLDER")
+local captures = os.getenv("TARVANE_LINK_CAPTURES")
 local rate = tonumber(os.getenv("LINK_RATE"))
 local channels = tonumber(os.getenv("LINK_CHANNELS"))
 local frames = tonumber(os.getenv("LINK_FRAMES"))
+
+local patience = 60 -- seconds for what is sure to come
+local look = 0.02   -- seconds between two looks
+
+-- Ranges, both a quarter of a second long. What is punched stays on the track: behind all else.
+local loop_start = rate
+local punch_start = frames + rate // 2
+local range_length = rate // 4
 
 -- Positions in a session's file.
 local function superclock(n)
     return string.format("a%d", n * (282240000 // rate))
 end
 
-local function start_engine()
-    local backend = AudioEngine:set_backend("None (Dummy)", "", "")
-    backend:set_sample_rate(rate)
-    backend:set_buffer_size(tonumber(os.getenv("LINK_PERIOD")))
-end
-
 local function wait(seconds)
     ARDOUR.LuaAPI.usleep(seconds * 1000000)
+end
+
+local function wait_until(condition, what)
+    for _ = 1, patience / look do
+        if condition() then
+            return
+        end
+        wait(look)
+    end
+    error("no end of waiting until " .. what)
 end
 
 -- Lua of this host has no way to import a file or to make a range.
@@ -53,19 +70,19 @@ local function insert_audio_and_ranges()
         'ancestral-length="a0@a0" stretch="1" shift="1" first-edit="nothing" layering-index="0" ' ..
         'id="9100" type="audio" channels="%d"%s scale-amplitude="1" fade-in-active="0" ' ..
         'fade-out-active="0" default-fade-in="0" default-fade-out="0" envelope-active="0"/>',
-        superclock(frames), channels, region_sources)
-    local function range(id, name, flag)
+        superclock(frames + 2 * rate), channels, region_sources)
+    local function range(id, name, start, flag)
         return string.format(
             '<Location id="%d" name="%s" start="%s" end="%s" flags="%s" locked="0" ' ..
-            'timestamp="0"/>', id, name, superclock(rate), superclock(rate + rate // 2), flag)
+            'timestamp="0"/>', id, name, superclock(start), superclock(start + range_length), flag)
     end
 
     text = text:gsub('id%-counter="%d+"', 'id-counter="9999"')
     text = text:gsub("<Sources/>", "<Sources>" .. sources .. "</Sources>")
     text = text:gsub('(<Playlist [^>]-name="Play"[^>]-)/>', "%1>" .. region .. "</Playlist>")
     text = text:gsub("<Locations/>", "<Locations>" ..
-        range(9200, "Loop", "IsAutoLoop,IsHidden") ..
-        range(9201, "Punch", "IsAutoPunch,IsHidden") .. "</Locations>")
+        range(9200, "Loop", loop_start, "IsAutoLoop,IsHidden") ..
+        range(9201, "Punch", punch_start, "IsAutoPunch,IsHidden") .. "</Locations>")
     file = io.open(path, "w")
     file:write(text)
     file:close()
@@ -80,104 +97,163 @@ local function make_session()
     insert_audio_and_ranges()
 end
 
-local session, plugin
+local session, track, plugin
 
-local function arm(on)
-    ARDOUR.LuaAPI.set_processor_param(plugin, 0, on and 1 or 0)
-    wait(0.2)
+-- The plug-in looks at its port once a cycle.
+local function wait_for_cycles()
+    local processed = AudioEngine:processed_samples()
+    wait_until(function() return AudioEngine:processed_samples() > processed + 4 * 1024 end,
+        "the engine runs")
+end
+
+local function arm()
+    ARDOUR.LuaAPI.set_processor_param(plugin, 0, 1)
+    wait_for_cycles()
 end
 
 local function open_session()
     session = load_session(folder .. "/s", "s")
     assert(session, "the session cannot be loaded")
-    local track = session:route_by_name("Play")
+    track = session:route_by_name("Play")
     plugin = track:nth_plugin(0)
     if plugin:isnil() then
         plugin = ARDOUR.LuaAPI.new_plugin(session, os.getenv("LINK_PLUGIN"), ARDOUR.PluginType.LV2,
             "")
         assert(not plugin:isnil(), "the plug-in cannot be loaded")
         track:add_processor_by_index(plugin, 0, nil, true)
-        wait(0.5)
         session:save_state("")
     end
-    wait(0.5)
 end
 
-local function locate(position)
-    session:request_locate(position, false, ARDOUR.LocateTransportDisposition.RollIfAppropriate,
+local function position()
+    return session:transport_sample()
+end
+
+local function locate(sample)
+    session:request_locate(sample, false, ARDOUR.LocateTransportDisposition.RollIfAppropriate,
         ARDOUR.TransportRequestSource.TRS_UI)
-    wait(0.3)
+    wait_until(function()
+        return position() == sample or
+            not session:transport_stopped() and math.abs(position() - sample) < rate // 2
+    end, "the transport is there")
 end
 
-local function roll(seconds)
+local function roll_for(seconds)
+    local there = position() + seconds * rate
     session:request_roll(ARDOUR.TransportRequestSource.TRS_UI)
-    wait(seconds)
+    wait_until(function() return position() >= there end, "so much is played")
 end
 
 local function stop()
     session:request_stop(false, false, ARDOUR.TransportRequestSource.TRS_UI)
-    wait(0.3)
+    wait_until(function() return session:transport_stopped() end, "the transport stops")
+    wait_for_cycles()
 end
 
-local scenarios = {}
+local function count(pattern)
+    local list = io.popen("ls -A '" .. captures .. "' 2>/dev/null")
+    local n = 0
+    for name in list:lines() do
+        if name:match(pattern) then
+            n = n + 1
+        end
+    end
+    list:close()
+    return n
+end
 
-function scenarios.export()
-    arm(true)
+local steps = {}
+
+function steps.export()
     local export = session:simple_export()
     export:set_folder(folder)
     export:set_name("export")
     export:set_range(0, frames)
-    print("export", export:run_export())
+    export:run_export()
 end
 
--- Play, stop, play on, locate while rolling; in and out of the punch range.
-function scenarios.transport()
-    arm(true)
+-- Play, stop, play on, locate while playing.
+function steps.transport()
+    locate(12345)
+    roll_for(0.7)
+    stop()
+    roll_for(0.5)
+    locate(rate * 4 - 1)
+    roll_for(0.5)
+    stop()
+end
+
+-- Ten times over the range and a bit.
+function steps.loop()
+    locate(loop_start)
+    session:request_play_loop(true, false)
+    session:request_roll(ARDOUR.TransportRequestSource.TRS_UI)
+    local passes, last = 0, 0
+    wait_until(function()
+        local now = position()
+        if now < last then
+            passes = passes + 1
+        end
+        last = now
+        return passes == 10
+    end, "the loop has been played ten times")
+    stop()
+    session:request_play_loop(false, false)
+end
+
+-- The track records from the punch range's beginning to its end, and plays before and behind it.
+function steps.punch()
     session:cfg():set_punch_in(true)
     session:cfg():set_punch_out(true)
-    locate(12345)
-    roll(2)
+    local record = track:to_track():rec_enable_control()
+    record:set_value(1, PBD.GroupControlDisposition.NoGroup)
+    session:maybe_enable_record(false)
+    locate(punch_start - rate // 4 - 1)
+    roll_for(1.2)
     stop()
-    roll(1)
-    locate(180001)
-    wait(1)
-    stop()
+    session:disable_record(false, true)
+    record:set_value(0, PBD.GroupControlDisposition.NoGroup)
+    session:cfg():set_punch_in(false)
+    session:cfg():set_punch_out(false)
 end
 
-function scenarios.loop()
-    arm(true)
-    locate(rate)
-    session:request_play_loop(true, false)
-    roll(5.4)
-    stop()
-end
-
--- Until it is killed.
-function scenarios.roll()
-    arm(true)
+-- A take that is finished and one that is under way, until the host is killed. The session is left
+-- armed.
+function steps.hold()
+    session:save_state("")
     locate(12345)
-    roll(1.5)
+    roll_for(0.5)
     stop()
     locate(100001)
-    roll(60)
+    roll_for(1000)
 end
 
--- Whatever waits is delivered meanwhile; nothing is armed.
-function scenarios.idle()
+-- Plays without having been armed.
+function steps.idle()
     locate(12345)
-    roll(1)
+    roll_for(0.5)
     stop()
-    wait(6)
 end
 
-start_engine()
+local backend = AudioEngine:set_backend("None (Dummy)", "", "")
+backend:set_sample_rate(rate)
 if os.getenv("LINK_STATE") ~= "load" then
     make_session()
 end
 open_session()
-scenarios[os.getenv("LINK_SCENARIO")]()
-wait(1)
+io.stdout:setvbuf("line")
+for name, period in os.getenv("LINK_STEPS"):gmatch("(%a+)@(%d+)") do
+    AudioEngine:set_buffer_size(tonumber(period))
+    wait_for_cycles()
+    if name ~= "idle" then
+        arm()
+    end
+    steps[name]()
+    wait_until(function() return count("^%.capture") == 0 end, "the takes are finished")
+    print("step", name, period, count("^take"))
+end
 print("done")
+io.read()
 session:save_state("")
 close_session()
 quit()

@@ -3,10 +3,12 @@
 //
 //   timeline-player NAME CHANNELS
 //
-// reads "locate FRAME", "start", "stop" and "where" line by line, and answers each with a line; its
-// first line is "ready". Ends with its input.
+// reads "locate FRAME", "start", "stop", "where" and "gap" line by line, and answers each with a
+// line: where the transport is, or the longest time in milliseconds from one cycle to the next
+// since "gap" was last asked for. Its first line is "ready". Ends with its input.
 #include "tests/plugin/TimelineAudio.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <iostream>
 #include <jack/jack.h>
@@ -21,11 +23,17 @@ struct Player
 {
     jack_client_t* pClient = nullptr;
     std::vector<jack_port_t*> ports;
+    jack_time_t nLastCycle = 0;               // in microseconds
+    std::atomic<jack_time_t> nLongestGap = 0; // in microseconds
 };
 
 int Play(jack_nframes_t nFrames, void* pUserData)
 {
-    const auto& player = *static_cast<const Player*>(pUserData);
+    auto& player = *static_cast<Player*>(pUserData);
+    const jack_time_t nNow = jack_get_time();
+    if (player.nLastCycle != 0 && nNow - player.nLastCycle > player.nLongestGap)
+        player.nLongestGap = nNow - player.nLastCycle;
+    player.nLastCycle = nNow;
     jack_position_t position;
     const bool fRolls = jack_transport_query(player.pClient, &position) == JackTransportRolling;
     for (unsigned nChannel = 0; nChannel < player.ports.size(); ++nChannel)
@@ -38,10 +46,13 @@ int Play(jack_nframes_t nFrames, void* pUserData)
     return 0;
 }
 
-std::string Obey(jack_client_t* pClient, std::istream& words)
+std::string Obey(Player& player, std::istream& words)
 {
+    jack_client_t* pClient = player.pClient;
     std::string strWord;
     words >> strWord;
+    if (strWord == "gap")
+        return "gap " + std::to_string(player.nLongestGap.exchange(0) / 1000);
     jack_nframes_t nFrame = 0;
     if (strWord == "start")
         jack_transport_start(pClient);
@@ -78,7 +89,7 @@ int main(int argc, char** argv)
     while (std::getline(std::cin, strLine))
     {
         std::istringstream words(strLine);
-        std::cout << Obey(player.pClient, words) << std::endl;
+        std::cout << Obey(player, words) << std::endl;
     }
     jack_client_close(player.pClient);
     return 0;

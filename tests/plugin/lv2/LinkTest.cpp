@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <map>
 #include <string>
+#include <sys/resource.h>
 #include <thread>
 #include <vector>
 
@@ -76,7 +77,7 @@ class CHostOfOne
 {
 public:
     CHostOfOne(CUrids& urids, const std::string& strVariant, std::uint32_t nChannels,
-               double dRate = 48000)
+               double dRate = 48000, const std::string& strBundle = LV2_BUNDLE)
         : m_urids(urids), m_map(urids.Map()), m_nChannels(nChannels),
           m_inputs(nChannels, std::vector<float>(kCycle)),
           m_outputs(nChannels, std::vector<float>(kCycle))
@@ -92,7 +93,7 @@ public:
         }
         const LV2_Feature map{LV2_URID__map, &m_map};
         const LV2_Feature* features[] = {&map, nullptr};
-        m_handle = m_pDescriptor->instantiate(m_pDescriptor, dRate, LV2_BUNDLE "/", features);
+        m_handle = m_pDescriptor->instantiate(m_pDescriptor, dRate, (strBundle + "/").c_str(), features);
         EXPECT_NE(m_handle, nullptr);
         m_pDescriptor->connect_port(m_handle, 0, m_control.data());
         m_pDescriptor->connect_port(m_handle, 1, &m_fArm);
@@ -148,13 +149,18 @@ public:
                     SampleAt(n < nJumpAt ? nPosition + n : nThere + n - nJumpAt, nChannel);
         }
         lv2_atom_forge_pop(&m_forge, &m_sequence);
+        const long nBefore = TimesWaited();
         m_pDescriptor->run(m_handle, kCycle);
+        m_nWaits += TimesWaited() - nBefore;
         EXPECT_EQ(m_inputs, m_outputs) << "audio passes through";
         BeginEvents();
     }
     void Arm(bool fArm) { m_fArm = fArm ? 1 : 0; }
     void SetFreeWheeling() { m_fFreeWheeling = 1; }
     float Latency() const { return m_fLatency; }
+    // How often the thread that ran the plug-in has given up the processor to wait for something.
+    // The processor being taken from it by others does not count.
+    long Waits() const { return m_nWaits; }
 
     State Save()
     {
@@ -165,6 +171,12 @@ public:
     void Restore(State state) { StateInterface().restore(m_handle, &Retrieve, &state, 0, nullptr); }
 
 private:
+    static long TimesWaited()
+    {
+        rusage usage{};
+        ::getrusage(RUSAGE_THREAD, &usage);
+        return usage.ru_nvcsw;
+    }
     const LV2_State_Interface& StateInterface() const
     {
         return *static_cast<const LV2_State_Interface*>(
@@ -188,6 +200,7 @@ private:
     void* m_pLibrary = nullptr;
     const LV2_Descriptor* m_pDescriptor = nullptr;
     LV2_Handle m_handle = nullptr;
+    long m_nWaits = 0;
 };
 
 class Lv2Link : public Test
@@ -389,6 +402,31 @@ TEST_F(Lv2Link, FreewheelingIsCapturedWholeHoweverFast)
     for (int n = 0; n < kCycles; ++n)
         host->Run(std::int64_t{n} * kCycle);
     EXPECT_EQ(Takes(), (TakeList{{0, std::int64_t{kCycles} * kCycle}}));
+}
+
+TEST_F(Lv2Link, TheAudioThreadWaitsForNobodyThoughTheViewStandsStill)
+{
+    CTemporaryFolder bundle;
+    std::filesystem::create_symlink(FAKE_VIEW_PROGRAM, bundle / "tarvane-link-view");
+    ::setenv("FAKE_VIEW", "mute", 1);
+    ::setenv("FAKE_VIEW_LOG", (bundle / "log").c_str(), 1);
+    host.emplace(urids, "stereo", 2, 48000, bundle.Path());
+    host->Run(0);
+    // Armed and not, from jump to jump: takes begin and end, and the view is told of each.
+    constexpr int kStretches = 100;
+    constexpr int kCycles = 10;
+    for (int n = 0; n < kStretches; ++n)
+    {
+        host->Arm(n % 4 != 3);
+        host->Tell(0, n * 100000, 1);
+        for (int nCycle = 0; nCycle < kCycles; ++nCycle)
+            host->Run(n * 100000 + nCycle * kCycle);
+    }
+    // The system may let it wait for a page of memory, now and then.
+    EXPECT_LT(host->Waits(), kStretches / 10);
+    EXPECT_EQ(Takes().size(), static_cast<std::size_t>(kStretches * 3 / 4));
+    ::unsetenv("FAKE_VIEW");
+    ::unsetenv("FAKE_VIEW_LOG");
 }
 
 TEST_F(Lv2Link, TheStateKeepsUuidAndTrackAndNeverThatItWasArmed)
