@@ -1,6 +1,7 @@
 #include "apps/conform/Report.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Tarvane::Conform
 {
@@ -48,21 +49,67 @@ const char* NameOf(Outcome outcome)
     return "not examined";
 }
 
-std::string FindingsText(const char* szParty, const Findings& findings)
+namespace
+{
+
+std::string Lines(const char* szBefore, const std::vector<std::string>& lines)
+{
+    std::string strText;
+    for (const std::string& strLine : lines)
+        strText += szBefore + strLine + "\n";
+    return strText;
+}
+
+std::string FindingText(const char* szParty, const Finding& finding)
+{
+    std::string strText = std::string(finding.rule.szId) + " " + NameOf(finding.outcome) + ": " +
+                          Sentence(szParty, finding.rule) + "\n" +
+                          Lines("    Tried: ", finding.tried);
+    if (finding.outcome != Outcome::Kept)
+        strText += "    " + finding.strSeen + "\n" + Lines("    ", finding.told);
+    if (finding.outcome == Outcome::Broken)
+        strText += std::string("    Why it matters: ") + finding.rule.szWhy + ".\n";
+    return strText;
+}
+
+std::string FindingsWith(const char* szParty, const Findings& findings, Outcome outcome)
 {
     std::string strText;
     for (const Finding& finding : findings)
+        if (finding.outcome == outcome)
+            strText += FindingText(szParty, finding);
+    return strText;
+}
+
+// One line for all that share a reason.
+std::string NotExaminedText(const Findings& findings)
+{
+    std::vector<std::pair<std::string, std::string>> reasons; // and the rules
+    for (const Finding& finding : findings)
     {
-        strText += std::string(finding.rule.szId) + " " + NameOf(finding.outcome) + ": " +
-                   Sentence(szParty, finding.rule) + "\n";
-        for (const std::string& strTried : finding.tried)
-            strText += "    Tried: " + strTried + "\n";
-        if (finding.outcome != Outcome::Kept)
-            strText += "    " + finding.strSeen + "\n";
-        if (finding.outcome == Outcome::Broken)
-            strText += std::string("    Why it matters: ") + finding.rule.szWhy + ".\n";
+        if (finding.outcome != Outcome::NotExamined)
+            continue;
+        const auto found =
+            std::find_if(reasons.begin(), reasons.end(),
+                         [&](const auto& reason) { return reason.first == finding.strSeen; });
+        if (found == reasons.end())
+            reasons.emplace_back(finding.strSeen, finding.rule.szId);
+        else
+            found->second += std::string(", ") + finding.rule.szId;
     }
-    return strText + Summary(findings, Level::Must) + Summary(findings, Level::Should);
+    std::string strText;
+    for (const auto& [strReason, strRules] : reasons)
+        strText += strRules + " not examined: " + strReason + "\n";
+    return strText;
+}
+
+} // namespace
+
+std::string FindingsText(const char* szParty, const Findings& findings)
+{
+    return FindingsWith(szParty, findings, Outcome::Kept) + NotExaminedText(findings) +
+           FindingsWith(szParty, findings, Outcome::Broken) + Summary(findings, Level::Must) +
+           Summary(findings, Level::Should);
 }
 
 nlohmann::ordered_json FindingsJson(const char* szParty, const Findings& findings)
@@ -74,6 +121,7 @@ nlohmann::ordered_json FindingsJson(const char* szParty, const Findings& finding
                          {"text", Sentence(szParty, finding.rule)},
                          {"outcome", NameOf(finding.outcome)},
                          {"seen", finding.strSeen},
+                         {"told", finding.told},
                          {"tried", finding.tried}});
     return {{"party", szParty}, {"conforms", Conforms(findings)}, {"rules", rules}};
 }

@@ -12,8 +12,8 @@ const char* NameOf(Outcome outcome);
 
 /// szParty: "server" or "plug-in".
 
-/// A line a rule, below what is not kept what was seen, and why a broken one matters; a summary
-/// last.
+/// What is kept, a line a rule; what was not examined, a line a reason; last what is broken, with
+/// what was seen, sent and answered, and why it matters, and a summary.
 std::string FindingsText(const char* szParty, const Findings& findings);
 nlohmann::ordered_json FindingsJson(const char* szParty, const Findings& findings);
 

@@ -34,6 +34,7 @@ struct Finding
     Rule rule;
     Outcome outcome = Outcome::Kept;
     std::string strSeen;              ///< Why it is not kept, or not examined.
+    std::vector<std::string> told{};  ///< What was sent and came back last, a line each.
     std::vector<std::string> tried{}; ///< What it was examined with, where that says something.
 };
 

@@ -83,8 +83,19 @@ std::optional<double> AwaitServer(const CServerPeer& peer, double dSeconds)
         if (isThere())
             return StartOfServer();
     }
-    throw CUsageError("no server receives events on this session bus; start it first, or give it "
-                      "time to start with --wait.");
+    throw CUsageError("no server receives events as " + ServerAddress() +
+                      "; start it first, or give it time to start with --wait. "
+                      "TARVANE_AE_TRACE=1 shows every event.");
+}
+
+// With the exchange in which it was broken.
+Finding Examined(const ServerRule& rule, const ServerBench& bench)
+{
+    bench.peer.ForgetLast();
+    Finding finding = ExamineRule(rule, bench);
+    if (finding.outcome == Outcome::Broken && bench.peer.Last())
+        finding.told = Told(*bench.peer.Last());
+    return finding;
 }
 
 } // namespace
@@ -112,7 +123,7 @@ Findings ExamineServer(const ServerOptions& options)
             findings.push_back({rule, Outcome::NotExamined,
                                 "the server does not say which track may be worked on"});
         else
-            findings.push_back(ExamineRule(rule, bench));
+            findings.push_back(Examined(rule, bench));
         findings.back().tried = std::exchange(tried, {});
         if (findings.back().outcome != Outcome::Broken)
             continue;

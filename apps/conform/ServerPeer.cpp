@@ -1,7 +1,9 @@
 #include "apps/conform/ServerPeer.h"
 
+#include "apps/conform/ServerProcess.h"
 #include "apps/support/DecimalNumber.h"
 #include "apps/support/EventDescriptor.h"
+#include "apps/support/EventStatus.h"
 #include "utils/UnicodeText.h"
 
 #include <Carbon/Carbon.h>
@@ -15,6 +17,7 @@ namespace
 {
 
 constexpr std::size_t kLongestItem = 999;
+constexpr std::size_t kWholeScript = 1500; // but for those that are meant to be long
 constexpr char szNoDocument[] = "NO-DOCUMENT";
 
 std::optional<ReplyText> TextOf(const AppleEvent& reply, AEKeyword nKey)
@@ -89,7 +92,24 @@ Reply CServerPeer::Send(const std::string& strScript) const
         reply.result = TextOf(descriptor, 'Rslt');
         reply.error = TextOf(descriptor, 'Errr');
     }
+    m_last = {strScript, reply, CarriersError()};
     return reply;
+}
+
+std::vector<std::string> Told(const Exchange& exchange)
+{
+    const auto text = [](const std::optional<ReplyText>& one)
+    { return one ? Quoted(one->strText) : std::string("none"); };
+    std::vector<std::string> told{"Sent: " + Quoted(exchange.strScript, kWholeScript)};
+    const Reply& reply = exchange.reply;
+    if (reply.nStatus == noErr)
+        told.push_back("Came back: 'Rslt' " + text(reply.result) + ", 'Errr' " + text(reply.error));
+    else
+        told.push_back("Came back: status " + std::to_string(reply.nStatus) + ". " +
+                       LikelyCause(reply.nStatus));
+    if (!exchange.strCarriersError.empty())
+        told.push_back("The bus says: " + exchange.strCarriersError);
+    return told;
 }
 
 std::string CServerPeer::Printed(const std::string& strScript) const
@@ -179,13 +199,12 @@ double Regions(const CServerPeer& peer, bool fAudioSuite, int nTrack)
     return Number(strPrinted.substr(0, strPrinted.find_first_of("\r\n")));
 }
 
-std::string Quoted(const std::string& strText)
+std::string Quoted(const std::string& strText, std::size_t nEnough)
 {
-    constexpr std::size_t kEnough = 80;
     std::string strShown;
-    for (const char c : strText.substr(0, kEnough))
+    for (const char c : strText.substr(0, nEnough))
         strShown += c == '\n' ? std::string("\\n") : c == '\r' ? "\\r" : std::string(1, c);
-    return "\"" + strShown + (strText.size() > kEnough ? "...\"" : "\"");
+    return "\"" + strShown + (strText.size() > nEnough ? "...\"" : "\"");
 }
 
 double Number(const std::string& strLine)

@@ -2,11 +2,19 @@
 #pragma once
 
 #include <chrono>
+#include <string>
 
 #include <sys/types.h>
 
 namespace Tarvane::Conform
 {
+
+/// Under which name the server is looked for.
+std::string ServerAddress();
+
+/// The error that the last event of this thread was answered with, in the words of what carries
+/// events; empty for none.
+std::string CarriersError();
 
 /// The process that answers to the server's name on the session bus. This and EventsToItself throw
 /// CNotExaminable where the bus does not say.

@@ -2,6 +2,7 @@
 
 #include "TarvaneLinkShared/CommandResult.h"
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
+#include "apps/support/EventStatus.h"
 #include "utils/FileIO/FileName.h"
 
 #include <Carbon/Carbon.h>
@@ -71,7 +72,9 @@ Finding NoReplyFinding(const std::string& strCheck, const CExaminer::Reply& repl
         break;
     default:
         finding.strText = "the server did not give an answer that can be read: " + reply.strMessage;
-        finding.strAdvice = "Run it again with --trace to see what came; a server answers class "
+        finding.strAdvice = LikelyCause(reply.nStatus);
+        finding.strAdvice += finding.strAdvice.empty() ? "" : " ";
+        finding.strAdvice += "Run it again with --trace to see what came; a server answers class "
                             "'TKNE', id 'LCmd', with 'Rslt' as 'utxt' in every reply.";
         break;
     }

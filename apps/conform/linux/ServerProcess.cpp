@@ -2,6 +2,7 @@
 
 #include "apps/conform/Rule.h"
 
+#include <TarvanePlatform/EventBus.h>
 #include <systemd/sd-bus.h>
 
 #include <cstdlib>
@@ -102,6 +103,16 @@ double SecondsSinceBoot()
 }
 
 } // namespace
+
+std::string ServerAddress()
+{
+    return std::string(szServerName) + " on the session bus";
+}
+
+std::string CarriersError()
+{
+    return TarvaneLastEventError();
+}
 
 pid_t ServerProcess()
 {

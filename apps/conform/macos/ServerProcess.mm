@@ -8,6 +8,16 @@
 namespace Tarvane::Conform
 {
 
+std::string ServerAddress()
+{
+    return "an application of the signature 'TkNe'";
+}
+
+std::string CarriersError()
+{
+    return "";
+}
+
 pid_t ServerProcess()
 {
     pid_t process = -1;

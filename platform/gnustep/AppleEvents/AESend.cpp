@@ -70,6 +70,7 @@ OSErr AESend(const AppleEvent* theAppleEvent, AppleEvent* reply, AESendMode send
     return WithoutExceptions(
         [&]
         {
+            LastError().clear();
             const Observation observation(*event);
             const OSErr status = Send(*event, reply, sendMode, timeOutInTicks);
             observation.Ended(status, EventOf(reply));

@@ -2,6 +2,7 @@
 
 #include "platform/gnustep/AppleEvents/Bus.h"
 #include "platform/gnustep/AppleEvents/Timeout.h"
+#include "platform/gnustep/AppleEvents/Wire.h"
 
 #include <AE/AEErrors.h>
 
@@ -24,4 +25,9 @@ OSErr TarvaneCheckEventBus(SInt32 timeOutInTicks)
     default:
         return procNotFound;
     }
+}
+
+const char* TarvaneLastEventError(void)
+{
+    return LastError().c_str();
 }

@@ -81,6 +81,12 @@ OSErr ReadParameters(sd_bus_message* message, Parameters& parameters)
     return result < 0 ? StatusForErrno(result) : OSErr(noErr);
 }
 
+std::string& LastError()
+{
+    thread_local std::string error;
+    return error;
+}
+
 OSErr ReadRequest(sd_bus_message* message, EventStorage& event)
 {
     std::uint32_t eventClass = 0, eventID = 0;
@@ -94,8 +100,13 @@ OSErr ReadRequest(sd_bus_message* message, EventStorage& event)
 
 OSErr ReadReply(sd_bus_message* answer, Parameters& reply)
 {
+    LastError().clear();
     if (const sd_bus_error* const error = sd_bus_message_get_error(answer))
-        return StatusForErrorName(error->name ? error->name : "");
+    {
+        const std::string name = error->name ? error->name : "";
+        LastError() = name + (error->message ? ": " + std::string(error->message) : "");
+        return StatusForErrorName(name);
+    }
     std::int16_t status = 0;
     if (sd_bus_message_has_signature(answer, kReplyTypes) <= 0 ||
         sd_bus_message_read(answer, "n", &status) < 0)

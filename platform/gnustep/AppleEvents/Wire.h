@@ -46,6 +46,9 @@ OSErr ReadParameters(sd_bus_message* message, Parameters& parameters);
 // What a Send asks for. Any message may be given; one of other types fails.
 OSErr ReadRequest(sd_bus_message* message, EventStorage& event);
 
+// The error that the last answer on this thread was, in its own words; empty for none.
+std::string& LastError();
+
 // What came back for a Send: the status that the receiver gave, or the one that stands for the
 // bus's error. Any answer may be given; errAECorruptData for one of other types. The parameters
 // count on noErr alone.

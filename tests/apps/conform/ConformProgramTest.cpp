@@ -10,6 +10,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <memory>
 #include <set>
 #include <sstream>
@@ -128,7 +129,9 @@ TEST_F(ConformProgram, WithoutAServerNothingIsExamined)
 {
     const ConformEnded ended = Examine();
     EXPECT_EQ(ended.nExitCode, 2);
-    EXPECT_THAT(ended.strError, HasSubstr("no server"));
+    EXPECT_THAT(ended.strError, HasSubstr("no server receives events as "
+                                          "org.tarvane.AppleEvent._546b4e65 on the session bus"));
+    EXPECT_THAT(ended.strError, HasSubstr("TARVANE_AE_TRACE=1"));
     EXPECT_EQ(ended.strOutput, "");
 }
 
@@ -241,12 +244,40 @@ TEST_F(ConformProgram, TellsInWordsWhatIsBrokenAndWhy)
     const ConformEnded ended = RunConform({"server"});
     EXPECT_EQ(ended.nExitCode, 1);
     EXPECT_THAT(ended.strOutput, HasSubstr("S1 broken: The server MUST answer every event"));
-    EXPECT_THAT(ended.strOutput, HasSubstr("was answered with \"1\\n\""));
+    EXPECT_THAT(ended.strOutput, HasSubstr("was answered with \"1\\n\"\n"
+                                           "    Sent: \"print(0)\\n\"\n"
+                                           "    Came back: 'Rslt' \"1\\n\", 'Errr' none\n"));
     EXPECT_THAT(ended.strOutput, HasSubstr("Why it matters: a command without a readable 'Rslt'"));
-    EXPECT_THAT(ended.strOutput,
-                HasSubstr("S2 not examined: The server MUST end what each print writes with a line "
-                          "end.\n    no rule can be examined without the first\nS3 "));
     EXPECT_THAT(ended.strOutput, HasSubstr("\nMUST: "));
+}
+
+TEST_F(ConformProgram, WhatStandsInTheWayOfAllOthersStandsLastAndAlone)
+{
+    StartScripted({"GetTrackCount=>2\n", "GetRegionCount=>0\n", "print=>1\n"});
+    const std::string strText = RunConform({"server"}).strOutput;
+    const std::size_t nNotExamined = strText.find(" not examined: no rule can be examined without");
+    EXPECT_THAT(strText, HasSubstr("S2, S3, S4"));
+    EXPECT_LT(nNotExamined, strText.find("S1 broken"));
+    EXPECT_EQ(std::count(strText.begin(), strText.end(), '\n'), 8) << strText;
+}
+
+TEST_F(ConformProgram, AnErrorOfTheBusIsToldWithItsNameItsTextAndItsLikelyCause)
+{
+    // Owns the name, and has neither the object nor the method.
+    m_server = std::make_unique<Tarvane::CChildProcess>(
+        std::vector<std::string>{PYTHON, "-c",
+                                 "import asyncio\n"
+                                 "from dbus_next.aio import MessageBus\n"
+                                 "async def main():\n"
+                                 "    bus = await MessageBus().connect()\n"
+                                 "    await bus.request_name('org.tarvane.AppleEvent._546b4e65')\n"
+                                 "    print('ready', flush=True)\n"
+                                 "    await bus.wait_for_disconnect()\n"
+                                 "asyncio.run(main())\n"});
+    ASSERT_TRUE(m_server->WaitForLine("ready", kAnyTime)) << m_server->ErrorOutput();
+    const std::string strText = RunConform({"server"}).strOutput;
+    EXPECT_THAT(strText, HasSubstr("    Came back: status -1708. The server's name is there"));
+    EXPECT_THAT(strText, HasSubstr("    The bus says: org.freedesktop.DBus.Error.UnknownMethod: "));
 }
 
 TEST_F(ConformProgram, ManualPageHasEveryOption)

@@ -15,4 +15,9 @@ extern "C"
     // errAETimeout  somebody is there and does not answer
     // paramErr, memFullErr  the timeout has no meaning, or memory is exhausted
     OSErr TarvaneCheckEventBus(SInt32 timeOutInTicks);
+
+    // The error that answered the last event which this thread sent, in the bus's own words: its
+    // name and its text, UTF-8. Empty when no error came from the bus or from the receiver. Lives
+    // until the thread sends again.
+    const char* TarvaneLastEventError(void);
 }
