@@ -1,7 +1,6 @@
+#include "tests/apps/host/CommandOutput.h"
 #include "tests/apps/host/EndToEndFixture.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <thread>
 
 using namespace Tarvane;
@@ -9,18 +8,6 @@ using namespace TarvaneTest;
 
 namespace
 {
-
-std::string OutputOf(const std::string& strCommand)
-{
-    std::string strOutput;
-    FILE* pPipe = popen(strCommand.c_str(), "r");
-    for (int c = std::fgetc(pPipe); c != EOF; c = std::fgetc(pPipe))
-    {
-        strOutput += static_cast<char>(c);
-    }
-    EXPECT_EQ(pclose(pPipe), 0) << strCommand;
-    return strOutput;
-}
 
 // The window under the pointer, a menu among them, by the display server's number.
 std::string WindowUnderThePointer()

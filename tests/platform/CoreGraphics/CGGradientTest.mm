@@ -31,6 +31,22 @@ TEST_F(CGGradientPixels, TwoStopsRunFromTheFirstToTheLast)
         EXPECT_EQ(picture.At(20, y), picture.At(20, 0)) << "the same across the axis";
 }
 
+// Five shades over sixty pixels: a band of twelve is as narrow as they can be.
+TEST_F(CGGradientPixels, GentleOnesShowNoWiderBandsThanThereAreShades)
+{
+    const Picture picture = Draw(MakeGradient({{32, 32, 32}, {37, 37, 37}}, {0, 1}));
+    int nBand = 1;
+    for (int x = 1; x < 60; ++x)
+    {
+        const int nStep = picture.At(x, 20).nRed - picture.At(x - 1, 20).nRed;
+        EXPECT_TRUE(nStep == 0 || nStep == 1) << "at " << x;
+        nBand = nStep == 0 ? nBand + 1 : 1;
+        EXPECT_LE(nBand, 13) << "at " << x;
+    }
+    EXPECT_EQ(picture.At(0, 20).nRed, 32);
+    EXPECT_EQ(picture.At(59, 20).nRed, 37);
+}
+
 TEST_F(CGGradientPixels, BeforeTheFirstStopAndBehindTheLastTheirColoursStand)
 {
     const Picture picture = Draw(MakeGradient({kRed, kBlue}, {0.25, 0.75}));

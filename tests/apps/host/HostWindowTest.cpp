@@ -1,0 +1,51 @@
+#include "tests/apps/host/CommandOutput.h"
+#include "tests/apps/host/EndToEndFixture.h"
+
+#include <gmock/gmock.h>
+
+using namespace Tarvane;
+using namespace TarvaneTest;
+using testing::HasSubstr;
+
+namespace
+{
+
+// The second and the third number of the hints: what the window does, and which buttons it shows.
+std::pair<unsigned, unsigned> FunctionsAndButtons(const std::string& strHints)
+{
+    unsigned nFlags = 0;
+    unsigned nFunctions = 0;
+    unsigned nButtons = 0;
+    const std::size_t nNumbers = strHints.find("= 0x");
+    EXPECT_NE(nNumbers, std::string::npos) << strHints;
+    EXPECT_EQ(
+        std::sscanf(strHints.c_str() + nNumbers, "= %x, %x, %x", &nFlags, &nFunctions, &nButtons),
+        3);
+    return {nFunctions, nButtons};
+}
+
+class HostWindow : public EndToEnd
+{
+};
+
+} // namespace
+
+// What a window manager may offer. Some draw a button all the same, but then as one that is off.
+TEST_F(HostWindow, HasOneSizeAndOffersNoOther)
+{
+    constexpr unsigned kAll = 0x1;
+    constexpr unsigned kResize = 0x2;
+    constexpr unsigned kMaximise = 0x10;
+    constexpr unsigned kResizeHandles = 0x4;
+    constexpr unsigned kMaximiseButton = 0x40;
+    CHostClient host(HostCommand({}));
+    const std::string strAsk =
+        "xprop -id $(xdotool search --sync --onlyvisible --name '^Tarvane Link$' | head -n 1) ";
+    const auto [nFunctions, nButtons] = FunctionsAndButtons(OutputOf(strAsk + "_MOTIF_WM_HINTS"));
+    EXPECT_EQ(nFunctions & (kAll | kResize | kMaximise), 0U);
+    EXPECT_EQ(nButtons & (kAll | kResizeHandles | kMaximiseButton), 0U);
+
+    const std::string strSizes = OutputOf(strAsk + "WM_NORMAL_HINTS");
+    EXPECT_THAT(strSizes, HasSubstr("minimum size: 440 by 152"));
+    EXPECT_THAT(strSizes, HasSubstr("maximum size: 440 by 152"));
+}
