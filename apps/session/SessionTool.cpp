@@ -7,6 +7,7 @@
 #include "apps/session/Json.h"
 #include "apps/session/SessionFile.h"
 #include "apps/session/SessionScan.h"
+#include "apps/session/ToArdour.h"
 #include "apps/support/AtomicFile.h"
 #include "apps/support/CommandLine.h"
 
@@ -219,10 +220,13 @@ int RunSession(int argc, char** argv)
     addFile(pDiff);
     pDiff->add_option("other", options.strOther, "The session file to compare with.")->required();
 
+    std::function<int()> convert;
+    AddToArdour(app, convert);
+
     return RunProgram(app, argc, argv,
                       [&]
                       {
-                          const int nCode = run(options);
+                          const int nCode = run ? run(options) : convert();
                           std::cout.flush();
                           if (!std::cout)
                               throw CUsageError("the output could not be written.");

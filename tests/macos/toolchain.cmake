@@ -28,13 +28,14 @@ endif()
 if(NOT trying AND NOT EXISTS "${neighbours}/pkgconfig")
   file(MAKE_DIRECTORY "${neighbours}/include" "${neighbours}/lib")
   file(GLOB headers /usr/include/CLI /usr/include/boost /usr/include/nlohmann /usr/include/sndfile.h
+    /usr/include/pugi*.hpp
     /usr/include/lua5.4/*.h /usr/include/lua5.4/*.hpp
     /usr/include/*-linux-gnu/lua5.4-deb-multiarch.h)
   foreach(header IN LISTS headers)
     cmake_path(GET header FILENAME name)
     file(CREATE_LINK "${header}" "${neighbours}/include/${name}" SYMBOLIC)
   endforeach()
-  foreach(library sndfile lua5.4)
+  foreach(library sndfile lua5.4 pugixml)
     file(WRITE "${neighbours}/lib/lib${library}.tbd"
       "--- !tapi-tbd\ntbd-version: 4\ntargets: [ x86_64-macos, arm64-macos ]\n"
       "install-name: /usr/local/lib/lib${library}.dylib\n...\n")

@@ -260,13 +260,15 @@ TEST_F(SessionProgram, ManualPageHasEveryCommandAndOption)
 {
     const std::string strManual = TarvaneTest::ManualPage(SESSION_MANUAL);
     std::string strHelp = Run({"--help"}).strOutput;
-    for (const char* pCommand : {"dump", "stat", "verify", "to-json", "from-json", "diff"})
+    for (const char* pCommand :
+         {"dump", "stat", "verify", "to-json", "from-json", "diff", "to-ardour"})
     {
         EXPECT_THAT(strHelp, HasSubstr(std::string("\n  ") + pCommand + " "));
         EXPECT_THAT(strManual, HasSubstr(std::string("\n.TP\n.BI ") + pCommand + " \""));
         strHelp += Run({pCommand, "--help"}).strOutput;
     }
     EXPECT_EQ(TarvaneTest::OptionsIn(strManual), TarvaneTest::OptionsIn(strHelp));
-    EXPECT_EQ(TarvaneTest::OptionsIn(strHelp),
-              (std::set<std::string>{"--depth", "--help", "--path", "--version"}));
+    EXPECT_EQ(
+        TarvaneTest::OptionsIn(strHelp),
+        (std::set<std::string>{"--copy", "--depth", "--help", "--path", "--rate", "--version"}));
 }

@@ -3,6 +3,7 @@
 #include <stdint.h>
 #include <sys/types.h>
 
+#define PROC_ALL_PIDS 1
 #define PROC_PIDTBSDINFO 3
 #define MAXCOMLEN 16
 
@@ -33,3 +34,6 @@ struct proc_bsdinfo
 };
 
 extern "C" int proc_pidinfo(int pid, int flavor, uint64_t arg, void* buffer, int buffersize);
+extern "C" int proc_listpids(uint32_t type, uint32_t typeinfo, void* buffer, int buffersize);
+extern "C" int proc_listpidspath(uint32_t type, uint32_t typeinfo, const char* path,
+                                 uint32_t pathflags, void* buffer, int buffersize);
