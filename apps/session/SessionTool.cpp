@@ -8,6 +8,8 @@
 #include "apps/session/SessionFile.h"
 #include "apps/session/SessionScan.h"
 #include "apps/session/ToArdour.h"
+#include "apps/session/ToEdl.h"
+#include "apps/session/ToRpp.h"
 #include "apps/support/AtomicFile.h"
 #include "apps/support/CommandLine.h"
 
@@ -222,6 +224,8 @@ int RunSession(int argc, char** argv)
 
     std::function<int()> convert;
     AddToArdour(app, convert);
+    AddToEdl(app, convert);
+    AddToRpp(app, convert);
 
     return RunProgram(app, argc, argv,
                       [&]

@@ -260,8 +260,8 @@ TEST_F(SessionProgram, ManualPageHasEveryCommandAndOption)
 {
     const std::string strManual = TarvaneTest::ManualPage(SESSION_MANUAL);
     std::string strHelp = Run({"--help"}).strOutput;
-    for (const char* pCommand :
-         {"dump", "stat", "verify", "to-json", "from-json", "diff", "to-ardour"})
+    for (const char* pCommand : {"dump", "stat", "verify", "to-json", "from-json", "diff",
+                                 "to-ardour", "to-edl", "to-rpp"})
     {
         EXPECT_THAT(strHelp, HasSubstr(std::string("\n  ") + pCommand + " "));
         EXPECT_THAT(strManual, HasSubstr(std::string("\n.TP\n.BI ") + pCommand + " \""));
@@ -270,5 +270,6 @@ TEST_F(SessionProgram, ManualPageHasEveryCommandAndOption)
     EXPECT_EQ(TarvaneTest::OptionsIn(strManual), TarvaneTest::OptionsIn(strHelp));
     EXPECT_EQ(
         TarvaneTest::OptionsIn(strHelp),
-        (std::set<std::string>{"--copy", "--depth", "--help", "--path", "--rate", "--version"}));
+        (std::set<std::string>{"--between-frames", "--copy", "--depth", "--frame-rate", "--help",
+                               "--offset", "--path", "--rate", "--ruler", "--track", "--version"}));
 }
