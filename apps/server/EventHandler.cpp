@@ -149,7 +149,8 @@ void CEventHandler::End(Event& event, const CommandReply& reply)
         if (const OSErr nStatus = PutReply(&event.reply, reply, faults); nStatus != noErr)
             std::fprintf(stderr, "tarvane-server: a reply could not be made: status %d\n", nStatus);
     }
-    AEResumeTheCurrentEvent(&event.event, &event.reply, kAENoDispatch, nullptr);
+    // kAENoDispatch, which is a number elsewhere and no pointer.
+    AEResumeTheCurrentEvent(&event.event, &event.reply, nullptr, nullptr);
 }
 
 void CEventHandler::SufferBefore(const FaultSet& faults)

@@ -25,7 +25,7 @@ CSessionStore::FileStamp StampOf(const std::filesystem::path& file)
     struct stat status = {};
     if (stat(file.c_str(), &status) != 0)
         return {};
-    return {status.st_dev, status.st_ino, status.st_size};
+    return {static_cast<std::uintmax_t>(status.st_dev), status.st_ino, status.st_size};
 }
 
 } // namespace

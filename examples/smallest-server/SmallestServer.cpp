@@ -134,7 +134,7 @@ void PutText(AppleEvent* pReply, AEKeyword nKey, const char* szText)
                   static_cast<Size>(units.size() * sizeof(UniChar)));
 }
 
-OSErr Handle(const AppleEvent* pEvent, AppleEvent* pReply, void* pState)
+OSErr HandleCommand(const AppleEvent* pEvent, AppleEvent* pReply, void* pState)
 {
     auto* pLua = static_cast<lua_State*>(pState);
     lua_getglobal(pLua, "Run");
@@ -159,7 +159,7 @@ int main()
     if (luaL_dostring(pLua, szDocument) != LUA_OK)
         return 1;
     TarvaneSetApplicationSignature('TkNe');
-    if (AEInstallEventHandler('TKNE', 'LCmd', &Handle, pLua, false) != noErr)
+    if (AEInstallEventHandler('TKNE', 'LCmd', &HandleCommand, pLua, false) != noErr)
         return 1;
     std::puts("ready");
     std::fflush(stdout);

@@ -6,6 +6,7 @@
 #define PROC_ALL_PIDS 1
 #define PROC_PIDTBSDINFO 3
 #define MAXCOMLEN 16
+#define PROC_PIDPATHINFO_MAXSIZE (4 * 1024)
 
 struct proc_bsdinfo
 {
@@ -33,6 +34,7 @@ struct proc_bsdinfo
     uint64_t pbi_start_tvusec;
 };
 
+extern "C" int proc_pidpath(int pid, void* buffer, uint32_t buffersize);
 extern "C" int proc_pidinfo(int pid, int flavor, uint64_t arg, void* buffer, int buffersize);
 extern "C" int proc_listpids(uint32_t type, uint32_t typeinfo, void* buffer, int buffersize);
 extern "C" int proc_listpidspath(uint32_t type, uint32_t typeinfo, const char* path,

@@ -33,6 +33,7 @@ extern "C"
     int ftruncate(int, off_t);
     char* getcwd(char*, size_t);
     pid_t getpid(void);
+    int getdtablesize(void);
     pid_t getppid(void);
     pid_t getpgrp(void);
     uid_t getuid(void);

@@ -148,6 +148,8 @@ extern "C"
 - (void)keyDown:(NSEvent*)event;
 @end
 
+extern "C" NSRunLoopMode const NSEventTrackingRunLoopMode;
+
 @interface NSApplication : NSResponder
 + (NSApplication*)sharedApplication;
 - (void)run;
@@ -402,6 +404,8 @@ extern "C"
 - (void)windowWillClose:(NSNotification*)notification;
 @end
 @interface NSWindow : NSResponder
+- (void)setContentMinSize:(NSSize)size;
+- (void)setContentMaxSize:(NSSize)size;
 - (instancetype)initWithContentRect:(NSRect)rect
                           styleMask:(NSWindowStyleMask)style
                             backing:(NSBackingStoreType)backing

@@ -17,9 +17,11 @@ typedef const struct __CFURL* CFURLRef;
 typedef struct __CFBundle* CFBundleRef;
 typedef struct __CFRunLoop* CFRunLoopRef;
 typedef struct __CFRunLoopSource* CFRunLoopSourceRef;
+typedef struct __CFRunLoopTimer* CFRunLoopTimerRef;
 typedef struct __CFMachPort* CFMachPortRef;
 typedef UInt32 CFStringEncoding;
 typedef CFStringRef CFRunLoopMode;
+typedef CFTimeInterval CFAbsoluteTime;
 
 typedef struct
 {
@@ -72,6 +74,16 @@ typedef void (*CFMachPortCallBack)(CFMachPortRef, void*, CFIndex, void*);
 typedef struct
 {
     CFIndex version;
+    void* info;
+    const void* (*retain)(const void*);
+    void (*release)(const void*);
+    CFStringRef (*copyDescription)(const void*);
+} CFRunLoopTimerContext;
+typedef void (*CFRunLoopTimerCallBack)(CFRunLoopTimerRef, void*);
+
+typedef struct
+{
+    CFIndex version;
     const void* (*retain)(CFAllocatorRef, const void*);
     void (*release)(CFAllocatorRef, const void*);
     CFStringRef (*copyDescription)(const void*);
@@ -119,6 +131,12 @@ extern "C"
     CFRunLoopRef CFRunLoopGetMain(void);
     CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode, CFTimeInterval, Boolean);
     void CFRunLoopAddSource(CFRunLoopRef, CFRunLoopSourceRef, CFRunLoopMode);
+    void CFRunLoopAddTimer(CFRunLoopRef, CFRunLoopTimerRef, CFRunLoopMode);
+    CFRunLoopTimerRef CFRunLoopTimerCreate(CFAllocatorRef, CFAbsoluteTime fireDate,
+                                           CFTimeInterval, CFOptionFlags, CFIndex order,
+                                           CFRunLoopTimerCallBack, CFRunLoopTimerContext*);
+    void CFRunLoopTimerInvalidate(CFRunLoopTimerRef);
+    CFAbsoluteTime CFAbsoluteTimeGetCurrent(void);
 
     CFMachPortRef CFMachPortCreateWithPort(CFAllocatorRef, unsigned int port, CFMachPortCallBack,
                                            CFMachPortContext*, Boolean* shouldFreeInfo);

@@ -70,7 +70,8 @@ enum
     typeWildCard = '****',
     keyDirectObject = '----',
     keyEventClassAttr = 'evcl',
-    keyEventIDAttr = 'evid'
+    keyEventIDAttr = 'evid',
+    keySenderPIDAttr = 'spid'
 };
 enum
 {
@@ -126,6 +127,8 @@ extern "C"
     OSErr AEInstallEventHandler(AEEventClass, AEEventID, AEEventHandlerUPP, void*, Boolean);
     OSErr AERemoveEventHandler(AEEventClass, AEEventID, AEEventHandlerUPP, Boolean);
     OSErr AESuspendTheCurrentEvent(const AppleEvent*);
+    OSErr AEResumeTheCurrentEvent(const AppleEvent*, const AppleEvent* reply, AEEventHandlerUPP,
+                                  void*);
     mach_port_t AEGetRegisteredMachPort(void);
     OSStatus AEProcessMessage(mach_msg_header_t*);
 }
