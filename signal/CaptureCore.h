@@ -136,7 +136,8 @@ public:
                      double dExpectedPosition);
     // A server has appeared: what was unreachable is offered once more, each as a new element with
     // a 64000 of its own, behind a 64004 for which the view reads the tracks. Raises nothing when
-    // there is no such take.
+    // there is no such take. One that a view has in hand meanwhile, and then cannot deliver, is
+    // offered again with its acknowledge.
     void ServerAppeared();
     // A view has joined and listens: announces each take that waits, one 64000 each, in order.
     void ViewJoined();

@@ -111,7 +111,7 @@ std::int32_t CCaptureCore::GetProperty(std::uint32_t nId, std::uint32_t nScope,
     {
     case TNProperty_ElementInfo:
     {
-        const std::optional<TNCaptureElement> record = parts.m_queue.Record(nElement);
+        const std::optional<TNCaptureElement> record = m_pParts->m_queue.Record(nElement);
         return record ? Put(pData, *record) : kPropertyErr_InvalidElement;
     }
     case TNProperty_ArmCapture:
@@ -177,6 +177,10 @@ std::int32_t CCaptureCore::Parts::TakeAck(const TNElementAck& ack)
     Post([this, queued = *queued] { m_writer.Settle(queued); });
     Notify(TNProperty_ArmCapture);
     Observe(queued->take);
+    if (m_queue.IsWaiting(queued->take.nNumber))
+    {
+        Notify(TNProperty_Elements);
+    }
     return kPropertyDone;
 }
 

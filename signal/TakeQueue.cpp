@@ -50,9 +50,10 @@ std::int32_t CTakeQueue::Next() const
     return m_waiting.empty() ? -1 : m_waiting.front().take.nElement;
 }
 
-std::optional<TNCaptureElement> CTakeQueue::Record(std::uint32_t nElement) const
+std::optional<TNCaptureElement> CTakeQueue::Record(std::uint32_t nElement)
 {
     std::lock_guard lock(m_mutex);
+    m_nServersInHand = m_nServers;
     const auto found =
         std::find_if(m_waiting.begin(), m_waiting.end(),
                      [nElement](const CQueuedTake& queued)
@@ -92,7 +93,14 @@ std::optional<CQueuedTake> CTakeQueue::Acknowledge(const TNElementAck& ack, std:
     }
     if (IsOfferedAgain(*take.outcome))
     {
-        m_unreachable.push_back(queued);
+        if (m_nServers != m_nServersInHand)
+        {
+            WaitAgain(queued);
+        }
+        else
+        {
+            m_unreachable.push_back(queued);
+        }
     }
     return queued;
 }
@@ -100,20 +108,26 @@ std::optional<CQueuedTake> CTakeQueue::Acknowledge(const TNElementAck& ack, std:
 std::size_t CTakeQueue::OfferAgain()
 {
     std::lock_guard lock(m_mutex);
+    ++m_nServers;
     const std::size_t nOffered = m_unreachable.size();
     for (CQueuedTake& queued : m_unreachable)
     {
-        CTake& take = queued.take;
-        take.state = TakeState::Waiting;
-        take.nElement = m_nNextElement++;
-        take.ack.reset();
-        take.outcome.reset();
-        take.strWords.clear();
-        take.dExpectedPosition = 0;
-        m_waiting.push_back(std::move(queued));
+        WaitAgain(std::move(queued));
     }
     m_unreachable.clear();
     return nOffered;
+}
+
+void CTakeQueue::WaitAgain(CQueuedTake queued)
+{
+    CTake& take = queued.take;
+    take.state = TakeState::Waiting;
+    take.nElement = m_nNextElement++;
+    take.ack.reset();
+    take.outcome.reset();
+    take.strWords.clear();
+    take.dExpectedPosition = 0;
+    m_waiting.push_back(std::move(queued));
 }
 
 std::size_t CTakeQueue::Waiting() const

@@ -36,18 +36,19 @@ public:
 
     // The index of the take to deliver; negative for none.
     std::int32_t Next() const;
-    // The record of a take that waits.
-    std::optional<TNCaptureElement> Record(std::uint32_t nElement) const;
+    // The record of a take that waits: a view that reads it takes it in hand.
+    std::optional<TNCaptureElement> Record(std::uint32_t nElement);
 
     // Keeps what became of the take to deliver until its acknowledge comes. Any other index is
     // passed over.
     void Tell(std::int32_t nElement, TakeOutcome outcome, std::string_view words,
               double dExpectedPosition);
     // Takes in the acknowledge for the take to deliver, and no other. Answers it as it stands now:
-    // what was told of it, or else delivered or unreachable as the acknowledge has it.
+    // what was told of it, or else delivered or unreachable as the acknowledge has it. One that
+    // could not reach a server waits again at once if one has appeared since it was taken in hand.
     std::optional<CQueuedTake> Acknowledge(const TNElementAck& ack, std::int32_t nTrack);
 
-    // Has those that could not reach a server wait again; answers how many.
+    // A server has appeared: has those that could not reach one wait again; answers how many.
     std::size_t OfferAgain();
 
     std::size_t Waiting() const;
@@ -67,10 +68,14 @@ public:
     }
 
 private:
+    void WaitAgain(CQueuedTake queued);
+
     mutable std::mutex m_mutex;
     std::deque<CQueuedTake> m_waiting;
     std::deque<CQueuedTake> m_unreachable;
     std::int32_t m_nNextElement = 0;
+    std::uint64_t m_nServers = 0;       // that have appeared
+    std::uint64_t m_nServersInHand = 0; // when a record was read last
 };
 
 } // namespace Tarvane

@@ -78,7 +78,7 @@ void CHostDriver::Start()
     m_samples.clear();
     auto pClient = std::make_unique<CHostClient>(std::vector<std::string>{
         ProgramFolder() / "tarvane-host", "--speed", "max", "--capture-folder", m_captureFolder,
-        "--track", std::to_string(m_nTrack), "--log", "-", "--count-objects"});
+        "--track", std::to_string(m_nTrack), "--log", "-", "--count-objects", "--once"});
     const std::lock_guard lock(m_mutex);
     m_pClient = std::move(pClient);
 }

@@ -137,7 +137,7 @@ try
 {
     const fs::path folder = fs::temp_directory_path();
     Tarvane::CSignalSide& side = *Tarvane::CSignalSide::Of(pUnit);
-    side.Configure({folder, 0.0, TrackOf(pUnit)});
+    side.Configure({folder, 0.0, TrackOf(pUnit), false});
     side.SetSource({WrittenSound(folder), kPosition});
     return noErr;
 }

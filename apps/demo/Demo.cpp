@@ -1,7 +1,7 @@
 #include "apps/demo/Demo.h"
 
 #include "apps/server/SessionStore.h"
-#include "apps/support/DubFile.h"
+#include "apps/support/CaptureFolder.h"
 #include "apps/support/SoundFile.h"
 #include "apps/support/Timecode.h"
 
@@ -43,7 +43,7 @@ std::vector<CCaptureSource> LayOut(const std::vector<std::string>& files, const 
     for (const std::string& strFile : files)
     {
         const CSoundReader reader(strFile);
-        CDubFile::CheckPath(captures, reader);
+        CheckCapturePath(captures, reader);
         double dPosition = 0;
         if (!sources.empty())
         {
@@ -162,6 +162,7 @@ void CDemo::StartHost()
                                           captures.string(),
                                           "--speed",
                                           m_options.strSpeed,
+                                          "--once",
                                           "--log",
                                           (m_out.Path() / "plug-in.log").string()};
     for (const CCaptureSource& source : m_sources)

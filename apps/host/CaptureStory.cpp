@@ -10,7 +10,8 @@ namespace Tarvane
 namespace
 {
 
-// The words that the view shows when the server knows the audio.
+// The words that the view shows when the server knows the audio. They say so where the system shows
+// the events to nobody.
 constexpr const char* kDuplicateMessage = "Same audio captured previously.";
 
 const char* OutcomeWord(CaptureOutcome outcome)
@@ -49,6 +50,21 @@ std::string Track(const CCaptureEntry& entry)
     return "track " + std::to_string(entry.report.nTrack) + " \"" + entry.words.strTrack + "\"";
 }
 
+// Why the server did not add it.
+std::string Refusal(const CCaptureReport& report)
+{
+    return report.outcome == TakeOutcome::Refused ? report.strWords : "";
+}
+
+// Where it should stand on the server's timeline, in samples; empty when it does, or when the
+// server has never told its offset.
+std::optional<double> PlaceMissed(const CCaptureReport& report)
+{
+    const bool fMissed =
+        report.outcome == TakeOutcome::PlacedWithoutOffset && report.dExpectedPosition != 0;
+    return fMissed ? std::optional(report.dExpectedPosition) : std::nullopt;
+}
+
 nlohmann::json DescribeAck(const CCaptureReport& report)
 {
     if (!report.pAck)
@@ -72,8 +88,9 @@ CaptureOutcome CCaptureEntry::Outcome() const
         {
             return CaptureOutcome::Delivered;
         }
-        return words.strMessage == kDuplicateMessage ? CaptureOutcome::Duplicate
-                                                     : CaptureOutcome::NotDelivered;
+        return report.outcome == TakeOutcome::Duplicate || words.strMessage == kDuplicateMessage
+                   ? CaptureOutcome::Duplicate
+                   : CaptureOutcome::NotDelivered;
     case CaptureState::Empty:
         return CaptureOutcome::Empty;
     case CaptureState::Failed:
@@ -89,7 +106,7 @@ bool CCaptureEntry::IsGood() const
 {
     const bool fThere =
         Outcome() == CaptureOutcome::Delivered || Outcome() == CaptureOutcome::Duplicate;
-    return fThere && !server.fWithoutOffset;
+    return fThere && report.outcome != TakeOutcome::PlacedWithoutOffset;
 }
 
 std::string WordOfDelivery(const CCaptureEntry& entry)
@@ -106,8 +123,9 @@ std::string TellCapture(const CCaptureEntry& entry)
 {
     const CCaptureReport& report = entry.report;
     const double dRate = report.dSampleRate;
-    std::string strStory = "Capture " + std::to_string(report.nNumber + 1) + ": " +
-                           report.source.filename().string() + "\n";
+    std::string strStory =
+        (report.fLate ? "Later, " : "Capture " + std::to_string(report.nNumber + 1) + ": ") +
+        (report.source.empty() ? report.dub : report.source).filename().string() + "\n";
     if (report.nElement >= 0)
     {
         strStory += "  length       " + Length(report.Frames(), dRate) + ", " +
@@ -123,17 +141,25 @@ std::string TellCapture(const CCaptureEntry& entry)
     {
         strStory += "  because      " + report.strFailure + "\n";
     }
-    if (!entry.server.strRefusal.empty())
+    if (report.nLostFrames > 0)
     {
-        strStory += "  server says  " + PlainText(entry.server.strRefusal) + "\n";
+        strStory += "  lost         " + std::to_string(report.nLostFrames) + " samples\n";
     }
-    if (entry.server.fWithoutOffset)
+    if (!Refusal(report).empty())
     {
-        strStory += "  misplaced    placed without the offset, which the server did not tell" +
-                    (entry.server.placeMissed
-                         ? "; it should stand at sample " + FormatSamples(*entry.server.placeMissed)
-                         : std::string()) +
-                    "\n";
+        strStory += "  server says  " + PlainText(Refusal(report)) + "\n";
+    }
+    if (report.outcome == TakeOutcome::PlacedWithoutOffset)
+    {
+        const std::optional<double> missed = PlaceMissed(report);
+        strStory +=
+            "  misplaced    placed without the offset, which the server did not tell" +
+            (missed ? "; it should stand at sample " + FormatSamples(*missed) : std::string()) +
+            "\n";
+    }
+    if (report.outcome == TakeOutcome::Unreachable)
+    {
+        strStory += "  waits        for a server\n";
     }
     if (!entry.words.strMessage.empty() || !entry.words.strAdvice.empty())
     {
@@ -143,21 +169,40 @@ std::string TellCapture(const CCaptureEntry& entry)
     return strStory;
 }
 
+std::string TellLeftover(const std::string& strWhat, const CCaptureReport& report)
+{
+    return strWhat + ": " + report.dub.string() + ", " + FormatSamples(report.Frames()) +
+           " samples at " + FormatSamples(report.dSampleRate) + " Hz from sample " +
+           FormatSamples(report.times.dPosition) + ".\n";
+}
+
 nlohmann::json DescribeCapture(const CCaptureEntry& entry)
 {
     const CCaptureReport& report = entry.report;
+    const std::optional<double> missed = PlaceMissed(report);
     return {
-        {"source", report.source.string()},   {"dub", report.dub.string()},
-        {"frames", report.Frames()},          {"sampleRate", report.dSampleRate},
-        {"start", report.times.dStart},       {"end", report.times.dEnd},
-        {"position", report.times.dPosition}, {"track", report.nTrack},
-        {"trackName", entry.words.strTrack},  {"element", report.nElement},
-        {"ack", DescribeAck(report)},         {"outcome", OutcomeWord(entry.Outcome())},
-        {"failure", report.strFailure},       {"message", entry.words.strMessage},
-        {"advice", entry.words.strAdvice},   {"refusal", entry.server.strRefusal},
-        {"withoutOffset", entry.server.fWithoutOffset},
-        {"placeMissed", entry.server.placeMissed ? nlohmann::json(*entry.server.placeMissed)
-                                                 : nlohmann::json()},
+        {"source", report.source.string()},
+        {"dub", report.dub.string()},
+        {"frames", report.Frames()},
+        {"sampleRate", report.dSampleRate},
+        {"start", report.times.dStart},
+        {"end", report.times.dEnd},
+        {"position", report.times.dPosition},
+        {"track", report.nTrack},
+        {"trackName", entry.words.strTrack},
+        {"element", report.nElement},
+        {"ack", DescribeAck(report)},
+        {"outcome", OutcomeWord(entry.Outcome())},
+        {"failure", report.strFailure},
+        {"message", entry.words.strMessage},
+        {"advice", entry.words.strAdvice},
+        {"refusal", Refusal(report)},
+        {"withoutOffset", report.outcome == TakeOutcome::PlacedWithoutOffset},
+        {"placeMissed", missed ? nlohmann::json(*missed) : nlohmann::json()},
+        {"fate",
+         report.outcome ? nlohmann::json(TakeOutcomeWord(*report.outcome)) : nlohmann::json()},
+        {"late", report.fLate},
+        {"lost", report.nLostFrames},
     };
 }
 

@@ -1,7 +1,6 @@
 // A capture in words for people and in JSON for programs.
 #pragma once
 
-#include "apps/host/ServerWords.h"
 #include "apps/support/CaptureReport.h"
 
 #include <nlohmann/json.hpp>
@@ -32,7 +31,6 @@ struct CCaptureEntry
 {
     CCaptureReport report;
     ViewWords words;
-    ServerWords server{};
 
     CaptureOutcome Outcome() const;
     // As it should be: the server has the audio, now or already, and in its place.
@@ -44,6 +42,9 @@ std::string WordOfDelivery(const CCaptureEntry& entry);
 
 // Lines with their line ends.
 std::string TellCapture(const CCaptureEntry& entry);
+
+// One line, of a capture that its host did not see to its end, when it is found or kept.
+std::string TellLeftover(const std::string& strWhat, const CCaptureReport& report);
 
 nlohmann::json DescribeCapture(const CCaptureEntry& entry);
 

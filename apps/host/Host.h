@@ -7,7 +7,8 @@
 #include "apps/host/PlugIn.h"
 #import "apps/host/StallWatch.h"
 #include "apps/support/ResultFolder.h"
-#include "apps/support/recording/CommandWatch.h"
+#include "apps/support/delivery/DeliveryWatch.h"
+#include "apps/support/delivery/ServerWatch.h"
 #include "apps/support/recording/Recorder.h"
 
 #include <functional>
@@ -49,9 +50,9 @@ class CHost : private ILineListener
     using CRecording = std::unique_ptr<CRecorder, EndRecording>;
 
     // Watches the events until it goes.
-    struct CServerWatch : CCommandWatch
+    struct CSeenCommands : CCommandWatch
     {
-        ~CServerWatch() override { WatchEvents({}); }
+        ~CSeenCommands() override { WatchEvents({}); }
     };
 
     // Hears of signals, and of the end.
@@ -69,6 +70,7 @@ class CHost : private ILineListener
     void OpenView();
     void CloseView();
     void BeginRecording();
+    void WatchDeliveries();
     void OpenLog();
     void WatchWindow();
     void WatchWakePipe();
@@ -76,6 +78,7 @@ class CHost : private ILineListener
     void Guarded(const std::function<void()>& fnWork);
     std::function<void()> OnMain(std::function<void()> fnWork);
     void End(int nExitCode);
+    int ExitCode() const;
 
     void Start();
     void CaptureNext();
@@ -84,7 +87,8 @@ class CHost : private ILineListener
     void CaptureChanged(const CCaptureReport& report);
     void WaitForAck(const CCaptureReport& report);
     void Tell(const CCaptureReport& report);
-    ServerWords ServerSays(const CCaptureReport& report);
+    void TellLate(const CCaptureReport& report);
+    void TellKept(const CCaptureReport& report);
     void WriteResults();
     void WriteCaptures();
     void GoOn(const CCaptureEntry& entry);
@@ -110,9 +114,11 @@ class CHost : private ILineListener
 
     CStalls m_stalls;
     std::optional<CStallWatch> m_stallWatch; // only when stalls are to be told
-    CServerWatch m_serverWatch;              // outlives whatever sends
+    CSeenCommands m_seenCommands;            // outlives whatever sends
+    CDeliveryWatch m_deliveries{m_seenCommands};
     CRecording m_pRecorder;                  // outlives the plug-in; null when nothing is recorded
     CPlugIn m_plugIn;                        // outlives the view
+    std::optional<CServerWatch> m_serverWatch; // tells the plug-in
     std::unique_ptr<CLinkView> m_pView;
     LineSource* m_commands = nullptr;
     LineSource* m_wakes = nullptr;
@@ -123,8 +129,8 @@ class CHost : private ILineListener
     // In the order in which they came to an end. Kept for the results alone.
     std::vector<CCaptureEntry> m_entries;
     std::optional<CCaptureReport> m_last; // told last
-    std::vector<SeenCommand> m_serverCommands; // the last of them
     size_t m_nTold = 0;
+    std::set<size_t> m_undelivered; // told as neither delivered nor a duplicate, and still so
     std::set<size_t> m_late; // told as not acknowledged; their acknowledge may still come
     size_t m_nNextSource = 0;
     std::string m_strCommand; // being obeyed; empty between commands

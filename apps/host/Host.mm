@@ -60,11 +60,12 @@ CHost::CHost(const HostOptions& options, const HostPlan& plan)
       m_pRecorder(MakeRecorder(options.strRecord)), m_plugIn(options.faults, m_pRecorder.get())
 {
     BeginRecording();
-    m_plugIn->Configure(m_plan.settings);
+    WatchDeliveries();
     // The view hands what it is told to the main thread as well, and is told first: by the time
     // that this call runs, what the view shows is settled.
     m_plugIn->SetObserver([this](const CCaptureReport& report)
                           { CallOnMainThread(OnMain([=, this] { CaptureChanged(report); })); });
+    m_plugIn->Configure(m_plan.settings);
     OpenView();
     OpenLog();
     if (!m_options.strResults.empty())
@@ -77,6 +78,12 @@ CHost::CHost(const HostOptions& options, const HostPlan& plan)
     WriteResults();
     WatchWindow();
     WatchWakePipe();
+    if (!m_options.fOnce)
+    {
+        // What waits since an earlier run was there before the view was.
+        m_plugIn->ViewJoined();
+        m_serverWatch.emplace([this] { m_plugIn->ServerAppeared(); });
+    }
 }
 
 CHost::~CHost()
@@ -88,8 +95,10 @@ CHost::~CHost()
     {
         [[NSNotificationCenter defaultCenter] removeObserver:m_windowClosed];
     }
-    m_plugIn->SetObserver(nullptr);
+    m_serverWatch.reset();
+    m_plugIn->SetObserver([this](const CCaptureReport& report) { TellKept(report); });
     m_plugIn->End();
+    m_plugIn->SetObserver(nullptr);
     // Calls that wait for the main thread still hold the view.
     RunWhatWaits();
     if (m_options.faults.count(SignalFault::DisposedWhileNotifying) != 0)
@@ -142,7 +151,7 @@ void CHost::EndRecording::operator()(CRecorder* pRecorder) const
 
 void CHost::BeginRecording()
 {
-    std::vector<CEventWatcher*> watchers{&m_serverWatch};
+    std::vector<CEventWatcher*> watchers{&m_seenCommands};
     if (m_pRecorder)
     {
         watchers.push_back(m_pRecorder.get());
@@ -153,6 +162,18 @@ void CHost::BeginRecording()
                      "notifications are."
                   << std::endl;
     }
+}
+
+void CHost::WatchDeliveries()
+{
+    m_plugIn->SetDeliveryHooks(
+        {[this](const TNCaptureElement& record) { m_deliveries.Begin(record); },
+         [this](const TNElementAck& ack)
+         {
+             const CDeliveryReport report = m_deliveries.Conclude(ack.fNotDelivered != 0);
+             m_plugIn->TellOutcome(ack.nElement, report.outcome, report.strWords,
+                                   report.dExpectedPosition);
+         }});
 }
 
 void CHost::OpenLog()
@@ -232,7 +253,12 @@ int CHost::Run()
     CallOnMainThread(OnMain([this] { Start(); }));
     [NSApp activateIgnoringOtherApps:YES];
     [NSApp run];
-    return m_nExitCode;
+    return ExitCode();
+}
+
+int CHost::ExitCode() const
+{
+    return m_nExitCode == kExitDone && !m_undelivered.empty() ? kExitFailed : m_nExitCode;
 }
 
 void CHost::End(int nExitCode)
@@ -313,7 +339,11 @@ void CHost::OfferNextByHand()
 
 void CHost::CaptureChanged(const CCaptureReport& report)
 {
-    if (!report.IsOver())
+    if (report.fLate)
+    {
+        TellLate(report);
+    }
+    else if (!report.IsOver())
     {
         WaitForAck(report);
     }
@@ -356,14 +386,14 @@ void CHost::Tell(const CCaptureReport& report)
     m_ackTimer = nil;
     ++m_nTold;
     m_last = report;
-    const CCaptureEntry entry{report, m_pView->Words(), ServerSays(report)};
+    const CCaptureEntry entry{report, m_pView->Words()};
     if (m_results)
     {
         m_entries.push_back(entry);
     }
     if (!entry.IsGood())
     {
-        m_nExitCode = kExitFailed;
+        m_undelivered.insert(report.nNumber);
     }
     m_pView->ShowWord(WordOfDelivery(entry));
     std::fputs(TellCapture(entry).c_str(), m_pStory);
@@ -372,19 +402,46 @@ void CHost::Tell(const CCaptureReport& report)
     GoOn(entry);
 }
 
-// A delivery is a few commands; the offset may have been told by an earlier one.
-ServerWords CHost::ServerSays(const CCaptureReport& report)
+// Of a take that an earlier run left, or that was offered again: nobody waits for it.
+void CHost::TellLate(const CCaptureReport& report)
 {
-    constexpr std::size_t kMostKept = 1000;
-    for (SeenCommand& command : m_serverWatch.Take())
+    if (!report.IsOver())
     {
-        m_serverCommands.push_back(std::move(command));
+        if (report.fRecovered)
+        {
+            std::fputs(TellLeftover("Left by an earlier run", report).c_str(), m_pStory);
+            std::fflush(m_pStory);
+        }
+        return;
     }
-    if (m_serverCommands.size() > kMostKept)
+    const CCaptureEntry entry{report, m_pView->Words()};
+    if (m_results)
     {
-        m_serverCommands.erase(m_serverCommands.begin(), m_serverCommands.end() - kMostKept / 2);
+        m_entries.push_back(entry);
     }
-    return WordsAbout(report, m_serverCommands);
+    if (entry.IsGood() && !report.fRecovered)
+    {
+        m_undelivered.erase(report.nNumber);
+    }
+    std::fputs(TellCapture(entry).c_str(), m_pStory);
+    std::fflush(m_pStory);
+    WriteResults();
+    if (m_options.fCommands)
+    {
+        nlohmann::json event = DescribeCapture(entry);
+        event["event"] = "late";
+        std::cout << JsonText(event) << std::endl;
+    }
+}
+
+// The last words, on the thread that finished the file; the main one waits for it.
+void CHost::TellKept(const CCaptureReport& report)
+{
+    if (report.state == CaptureState::Waiting)
+    {
+        std::fputs(TellLeftover("The capture under way is kept", report).c_str(), m_pStory);
+        std::fflush(m_pStory);
+    }
 }
 
 void CHost::WriteResults()

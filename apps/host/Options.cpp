@@ -1,8 +1,8 @@
 #include "apps/host/Options.h"
 
+#include "apps/support/CaptureFolder.h"
 #include "apps/support/ChildProcess.h"
 #include "apps/support/DecimalNumber.h"
-#include "apps/support/DubFile.h"
 
 #include <cmath>
 #include <optional>
@@ -160,6 +160,10 @@ void DeclareOptions(CLI::App& app, HostOptions& options)
         "by what it did; in captures.json too, in milliseconds");
     app.add_flag("--count-objects", options.fCountObjects,
                  "Count the objects that are alive, for the command objects");
+    app.add_flag(
+        "--once", options.fOnce,
+        "Offer each capture once. Without it, what no server got is sent when one appears, "
+        "or by the next run with the same capture folder");
     app.add_option("--log", options.strLog,
                    "Record every property that the view writes in this file; - is the standard "
                    "output, or the standard error stream with --commands")
@@ -192,11 +196,12 @@ HostPlan MakePlan(const HostOptions& options)
     plan.settings.dSpeed = SpeedOf(options.strSpeed);
     plan.settings.nTrack = options.nTrack;
     plan.settings.captureFolder = CaptureFolder(options);
+    plan.settings.fContinues = !options.fOnce;
     plan.sources = PlaceFiles(options);
     plan.bundle = BundlePath(options.strBundle);
     for (const CCaptureSource& source : plan.sources)
     {
-        CDubFile::CheckPath(plan.settings.captureFolder, CSoundReader(source.file));
+        CheckCapturePath(plan.settings.captureFolder, CSoundReader(source.file));
     }
     return plan;
 }
@@ -210,7 +215,7 @@ void MakeCaptureFolder(const fs::path& folder)
         throw CUsageError("cannot make the capture folder " + folder.string() + " (" +
                           error.message() + ") - name another with --capture-folder.");
     }
-    CDubFile::CheckFolder(folder);
+    CheckCaptureFolder(folder);
 }
 
 } // namespace Tarvane

@@ -29,6 +29,7 @@ struct HostOptions
     bool fCommands = false;
     bool fStalls = false;
     bool fCountObjects = false;
+    bool fOnce = false; // what no server gets is not offered again
 };
 
 void DeclareOptions(CLI::App& app, HostOptions& options);

@@ -1,12 +1,11 @@
 #include "apps/support/SignalSide.h"
 
+#include "apps/support/CaptureFolder.h"
 #include "apps/support/CommandLine.h"
-#include "apps/support/DubFile.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
-#include <cstring>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -17,43 +16,104 @@ namespace
 
 using Clock = std::chrono::steady_clock;
 
-template <size_t nSize> void CopyPath(char (&szField)[nSize], const fs::path& path)
+// The host keeps no state between its runs, so that its takes are found by the folder alone. Of two
+// instances in one folder the second gets a UUID of its own.
+constexpr const char* kHostUuid = "74617276-616e-4e65-8c69-6e6b686f7374";
+
+constexpr std::uint32_t kRaised[] = {TNProperty_Elements, TNProperty_ArmCapture,
+                                     kTNProperty_CurrentCaptureLength};
+
+// Each channel's samples of a block on their own, as hosts hand them over.
+template <typename Sample> class CChannels
 {
-    const std::string strPath = path.string();
-    if (strPath.size() < nSize)
+public:
+    CChannels(const CSampleBlock& block, size_t nChannels, size_t nFrames)
     {
-        std::memcpy(szField, strPath.c_str(), strPath.size() + 1);
+        const auto* pSamples = static_cast<const Sample*>(block.Data());
+        m_samples.resize(nChannels, std::vector<Sample>(nFrames));
+        for (size_t nChannel = 0; nChannel < nChannels; ++nChannel)
+        {
+            for (size_t n = 0; n < nFrames; ++n)
+            {
+                m_samples[nChannel][n] = pSamples[n * nChannels + nChannel];
+            }
+            m_channels.push_back(m_samples[nChannel].data());
+        }
+    }
+    const Sample* const* Data() const { return m_channels.data(); }
+
+private:
+    std::vector<std::vector<Sample>> m_samples;
+    std::vector<const Sample*> m_channels;
+};
+
+void Process(CCaptureCore& core, const CTransport& transport, const CSampleBlock& block,
+             size_t nChannels, std::uint32_t nFrames)
+{
+    switch (block.Type())
+    {
+    case SampleType::Integer:
+        core.Process(transport, CChannels<std::int32_t>(block, nChannels, nFrames).Data(), nFrames);
+        break;
+    case SampleType::Float:
+        core.Process(transport, CChannels<float>(block, nChannels, nFrames).Data(), nFrames);
+        break;
+    case SampleType::Double:
+        core.Process(transport, CChannels<double>(block, nChannels, nFrames).Data(), nFrames);
+        break;
     }
 }
 
-TNCaptureElement RecordOf(const fs::path& guide, const fs::path& dub, double dPosition,
-                          double dFrames, double dSampleRate)
+CaptureState StateOf(TakeState state)
 {
-    TNCaptureElement record{};
-    TNRegionTimes times{};
-    times.dPosition = dPosition;
-    times.dEnd = dFrames;
-    // The view only logs the guide; a path that is too long for its field is left out.
-    CopyPath(record.szGuidePath, guide);
-    record.tGuide = times;
-    CopyPath(record.szDubPath, dub);
-    record.tDub = times;
-    record.dSampleRate = dSampleRate;
-    return record;
+    switch (state)
+    {
+    case TakeState::Waiting:
+        return CaptureState::Waiting;
+    case TakeState::Acknowledged:
+        return CaptureState::Acknowledged;
+    case TakeState::Failed:
+        return CaptureState::Failed;
+    case TakeState::Running:
+        break;
+    }
+    return CaptureState::Running;
 }
 
-// What the work threw, or nothing.
-template <typename Work> std::string FailureOf(Work work)
+CCaptureReport ReportOfEarlier(const CTake& take)
 {
-    try
+    CCaptureReport report;
+    report.source = take.guide;
+    report.fRecovered = true;
+    report.fLate = true;
+    return report;
+}
+
+void Fill(CCaptureReport& report, const CTake& take)
+{
+    report.state = StateOf(take.state);
+    report.strFailure = take.strFailure;
+    report.nLostFrames = take.nLostFrames;
+    report.nElement = take.nElement;
+    report.nTrack = take.nTrack;
+    report.pAck = take.ack;
+    report.outcome = take.outcome;
+    report.strWords = take.strWords;
+    report.dExpectedPosition = take.dExpectedPosition;
+    if (take.nElement >= 0)
     {
-        work();
-        return "";
+        report.dub = take.file;
+        report.times.dPosition = take.dPosition;
+        report.times.dEnd = static_cast<double>(take.nFrames);
+        report.dSampleRate = take.dRate;
     }
-    catch (const std::exception& error)
-    {
-        return error.what();
-    }
+}
+
+CCaptureSettings CoreSettings()
+{
+    CCaptureSettings settings;
+    settings.captureFolder = ".";
+    return settings;
 }
 
 } // namespace
@@ -64,7 +124,16 @@ double PositionBehind(double dPosition, double dFrames, double dRate, double dNe
     return dRate > 0 && dRate != dNextRate ? std::ceil(dEnd / dRate * dNextRate) : dEnd;
 }
 
-CSignalSide::CSignalSide() : m_thread([this] { Work(); }) {}
+CSignalSide::CSignalSide() : m_core(CoreSettings())
+{
+    for (const std::uint32_t nId : kRaised)
+    {
+        m_core.AddListener(nId, &Hear, this);
+    }
+    m_core.SetObserver([this](const CTake& take) { TakeChanged(take); });
+    m_core.SetLog([this](const std::string& strLine) { Log(strLine); });
+    m_thread = std::thread([this] { Work(); });
+}
 
 CSignalSide::~CSignalSide()
 {
@@ -78,6 +147,7 @@ void CSignalSide::End()
     {
         m_thread.join();
     }
+    m_core.Close();
 }
 
 void CSignalSide::Stop()
@@ -93,10 +163,14 @@ void CSignalSide::Configure(const CSignalSettings& settings)
     {
         throw CUsageError("the speed must be a number of 0 or more.");
     }
-    std::lock_guard lock(m_mutex);
-    m_settings = settings;
-    m_settings.captureFolder = fs::absolute(settings.captureFolder).lexically_normal();
-    m_nTrack = settings.nTrack;
+    const fs::path folder = fs::absolute(settings.captureFolder).lexically_normal();
+    {
+        std::lock_guard lock(m_mutex);
+        m_settings = settings;
+        m_settings.captureFolder = folder;
+    }
+    m_core.SetCaptureFolder(folder);
+    m_core.Restore(settings.fContinues ? kHostUuid : "", settings.nTrack);
 }
 
 void CSignalSide::SetLog(std::function<void(const std::string&)> log)
@@ -115,10 +189,10 @@ void CSignalSide::SetSource(const CCaptureSource& source)
 {
     std::unique_ptr<Source> pSource(new Source{CSoundReader(source.file), source.dPosition});
     std::lock_guard lock(m_mutex);
-    CDubFile::CheckPath(m_settings.captureFolder, pSource->reader);
-    CDubFile::CheckFolder(m_settings.captureFolder);
+    CheckCapturePath(m_settings.captureFolder, pSource->reader);
+    CheckCaptureFolder(m_settings.captureFolder);
     m_pSource = std::move(pSource);
-    m_fBegin = m_fArmed;
+    m_fBegin = m_fReady;
     m_wake.notify_all();
 }
 
@@ -131,61 +205,28 @@ size_t CSignalSide::CapturesBegun() const
 bool CSignalSide::IsWaiting(size_t nNumber) const
 {
     std::lock_guard lock(m_mutex);
-    return std::any_of(m_waiting.begin(), m_waiting.end(),
-                       [nNumber](const Element& element)
-                       { return element.report.nNumber == nNumber; });
-}
-
-bool CSignalSide::IsArmed() const
-{
-    std::lock_guard lock(m_mutex);
-    return m_fArmed;
+    return std::any_of(m_captures.begin(), m_captures.end(),
+                       [this, nNumber](const auto& entry)
+                       {
+                           const CCaptureReport& report = entry.second;
+                           return !report.fLate && report.nNumber == nNumber &&
+                                  m_core.IsWaiting(entry.first);
+                       });
 }
 
 bool CSignalSide::IsCapturing() const
 {
     std::lock_guard lock(m_mutex);
-    return m_fCapturing;
+    return m_fPlaying || m_core.IsCapturing();
 }
 
-void CSignalSide::SetArmed(bool fArmed)
+// Whether the player may play, once everybody has been told of the armed state.
+void CSignalSide::SetReady()
 {
-    {
-        std::lock_guard lock(m_mutex);
-        if (m_fArmed == fArmed)
-        {
-            return;
-        }
-        m_fArmed = fArmed;
-        m_fBegin = false;
-        m_fStop = m_fStop || !fArmed;
-        m_wake.notify_all();
-    }
-    Notify(TNProperty_ArmCapture);
-    // Only now may the capture begin: its first progress must find the toggle on.
     std::lock_guard lock(m_mutex);
-    m_fBegin = m_fArmed && m_pSource;
+    m_fReady = m_core.IsArmed();
+    m_fBegin = m_fReady && m_pSource;
     m_wake.notify_all();
-}
-
-OSStatus CSignalSide::TakeAck(const TNElementAck& ack)
-{
-    CCaptureReport acknowledged;
-    {
-        std::lock_guard lock(m_mutex);
-        if (m_waiting.empty() || m_waiting.front().report.nElement != ack.nElement)
-        {
-            return kAudioUnitErr_InvalidPropertyValue;
-        }
-        acknowledged = std::move(m_waiting.front().report);
-        m_waiting.pop_front();
-        acknowledged.pAck = ack;
-        acknowledged.nTrack = m_nTrack;
-        acknowledged.state = CaptureState::Acknowledged;
-    }
-    Notify(TNProperty_ArmCapture);
-    Observe(acknowledged);
-    return noErr;
 }
 
 void CSignalSide::Work()
@@ -200,50 +241,41 @@ void CSignalSide::Work()
         }
         m_fBegin = false;
         m_fStop = false;
-        m_fCapturing = true;
-        m_dPosition = m_pSource->dPosition;
-        m_dSamplesPlayed = 0;
-        m_dCaptureLength = 0;
-        CCaptureReport report;
-        report.source = m_pSource->reader.Path();
-        report.nNumber = m_nBegun++;
+        m_fPlaying = true;
+        m_playing = CCaptureReport();
+        m_playing.source = m_pSource->reader.Path();
+        m_playing.nNumber = m_nBegun++;
         const std::unique_ptr<Source> pSource = std::move(m_pSource);
         lock.unlock();
-        Capture(*pSource, std::move(report));
+        Play(*pSource);
         lock.lock();
     }
 }
 
-void CSignalSide::Capture(Source& source, CCaptureReport report)
+void CSignalSide::Play(Source& source)
 {
-    std::unique_ptr<CDubFile> pDub;
-    uint64_t nFrames = 0;
-    std::string strFailure = FailureOf(
-        [&]
-        {
-            pDub = std::make_unique<CDubFile>(CaptureFolder(), source.reader);
-            nFrames = Play(source, *pDub);
-        });
+    m_core.Prepare(TakeFormatFor(source.reader));
+    const uint64_t nFrames = PlayBlocks(source);
     EndPlaying();
-    if (strFailure.empty() && nFrames > 0)
     {
-        strFailure = FailureOf([&] { Publish(source, nFrames, *pDub, report); });
+        std::lock_guard lock(m_mutex);
+        m_fPlaying = false;
+        if (m_fClosing)
+        {
+            // The core finishes the capture as it is closed, when nothing is raised any more.
+            return;
+        }
     }
-    // What was not published is gone before anybody hears of it.
-    pDub.reset();
-    if (!strFailure.empty() || nFrames == 0)
+    m_core.EndTake();
+    m_core.WaitUntilWritten();
+    if (nFrames == 0)
     {
-        Conclude(std::move(report), strFailure);
+        m_playing.state = CaptureState::Empty;
+        Observe(m_playing);
     }
 }
 
-fs::path CSignalSide::CaptureFolder() const
-{
-    std::lock_guard lock(m_mutex);
-    return m_settings.captureFolder;
-}
-
-uint64_t CSignalSide::Play(Source& source, CDubFile& dub)
+uint64_t CSignalSide::PlayBlocks(Source& source)
 {
     const SF_INFO& info = source.reader.Info();
     CSampleBlock block(SampleTypeOf(info.format), info.channels, kBlockFrames);
@@ -251,19 +283,16 @@ uint64_t CSignalSide::Play(Source& source, CDubFile& dub)
     uint64_t nFrames = 0;
     while (WaitForBlock(nFrames + kBlockFrames, info.samplerate, start))
     {
-        const size_t nRead = source.reader.Read(block);
+        const auto nRead = static_cast<std::uint32_t>(source.reader.Read(block));
         if (nRead == 0)
         {
             break;
         }
-        dub.Write(block, nRead);
+        Process(m_core,
+                {true, m_settings.dSpeed == 0, 1, source.dPosition + static_cast<double>(nFrames)},
+                block, static_cast<size_t>(info.channels), nRead);
+        m_core.WaitUntilWritten();
         nFrames += nRead;
-        {
-            std::lock_guard lock(m_mutex);
-            m_dSamplesPlayed = static_cast<double>(nFrames);
-            m_dCaptureLength = m_dSamplesPlayed / info.samplerate;
-        }
-        Notify(kTNProperty_CurrentCaptureLength);
     }
     return nFrames;
 }
@@ -271,7 +300,8 @@ uint64_t CSignalSide::Play(Source& source, CDubFile& dub)
 bool CSignalSide::WaitForBlock(uint64_t nFrames, double dSampleRate, Clock::time_point start)
 {
     std::unique_lock lock(m_mutex);
-    const auto fOver = [this] { return m_fStop || m_fClosing; };
+    // The core disarms when it can keep nothing more.
+    const auto fOver = [this] { return m_fStop || m_fClosing || !m_core.IsArmed(); };
     if (m_settings.dSpeed > 0)
     {
         const std::chrono::duration<double> due(static_cast<double>(nFrames) / dSampleRate /
@@ -289,52 +319,42 @@ void CSignalSide::EndPlaying()
         {
             return;
         }
-        m_fArmed = false;
+        m_fReady = false;
     }
-    Notify(TNProperty_ArmCapture);
+    m_core.SetArmed(false);
 }
 
-void CSignalSide::Publish(const Source& source, uint64_t nFrames, CDubFile& dub,
-                          CCaptureReport report)
+void CSignalSide::Hear(void* pUserData, CCaptureCore*, std::uint32_t nId, std::uint32_t nScope,
+                       std::uint32_t nElement)
 {
+    auto& self = *static_cast<CSignalSide*>(pUserData);
+    self.m_listeners.Notify(self.m_pUnit, nId, nScope, nElement);
+}
+
+void CSignalSide::TakeChanged(const CTake& take)
+{
+    CCaptureReport report;
     {
         std::lock_guard lock(m_mutex);
-        if (m_fClosing)
+        const auto [found, fNew] = m_captures.try_emplace(take.nNumber);
+        CCaptureReport& kept = found->second;
+        if (fNew)
         {
-            return;
+            kept = take.fRecovered ? ReportOfEarlier(take) : m_playing;
+        }
+        Fill(kept, take);
+        report = kept;
+        // Whatever is told of it from here on comes later than its capture was over.
+        kept.fLate = report.fLate || report.state == CaptureState::Acknowledged;
+        if (report.IsOver() && !(take.outcome && IsOfferedAgain(*take.outcome)))
+        {
+            m_captures.erase(found);
         }
     }
-    const TNCaptureElement record =
-        RecordOf(source.reader.Path(), dub.Publish(), source.dPosition,
-                 static_cast<double>(nFrames), source.reader.Info().samplerate);
-    report.dub = record.szDubPath;
-    report.times = record.tDub;
-    report.dSampleRate = record.dSampleRate;
-    report.state = CaptureState::Waiting;
+    if (report.state != CaptureState::Running)
     {
-        std::lock_guard lock(m_mutex);
-        report.nElement = m_nNextElement++;
-        m_waiting.push_back({report, record});
-        m_fCapturing = false;
+        Observe(report);
     }
-    Notify(TNProperty_Elements);
-    Observe(report);
-}
-
-void CSignalSide::Conclude(CCaptureReport report, const std::string& strFailure)
-{
-    report.state = strFailure.empty() ? CaptureState::Empty : CaptureState::Failed;
-    report.strFailure = strFailure;
-    {
-        std::lock_guard lock(m_mutex);
-        m_fCapturing = false;
-    }
-    Observe(report);
-}
-
-void CSignalSide::Notify(AudioUnitPropertyID nId)
-{
-    m_listeners.Notify(m_pUnit, nId, kAudioUnitScope_Global, 0);
 }
 
 void CSignalSide::Log(const std::string& strLine)

@@ -1,27 +1,26 @@
 // The signal-processing side of the plug-in, played from sound files: what stands behind the link
-// view where no real plug-in does. It is written against the public AudioUnit interface, so a host
-// finds and opens it as it would any other component.
+// view where no real plug-in does. It is a capture core, and a player that plays to it as a host
+// would; it is written against the public AudioUnit interface, so a host finds and opens it as it
+// would any other component.
 #pragma once
 
 #include "apps/support/CaptureReport.h"
 #include "apps/support/PropertyListeners.h"
 #include "apps/support/SoundFile.h"
+#include "signal/CaptureCore.h"
 
 #include <AudioUnit/AudioUnit.h>
 
 #include <chrono>
 #include <condition_variable>
-#include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <thread>
-#include <vector>
 
 namespace Tarvane
 {
-
-class CDubFile;
 
 // Gives a host the CSignalSide* of an instance, valid until the instance is disposed of. Read only,
 // global scope, element 0. The link view knows nothing of it.
@@ -43,15 +42,29 @@ struct CSignalSettings
     std::filesystem::path captureFolder = "."; // must exist by the first capture
     double dSpeed = 1.0;                       // times real time; 0 is as fast as the disk allows
     SInt32 nTrack = 0;                         // what 64009 says until it is written
+    // Goes on with what an earlier run left in the capture folder, and leaves to the next what is
+    // not delivered.
+    bool fContinues = true;
+};
+
+// Calls to whoever sees what passes between view and server, on the view's thread.
+struct CDeliveryHooks
+{
+    // The view has read a record.
+    std::function<void(const TNCaptureElement&)> fnBegins;
+    // The view acknowledges, which takes effect behind this call: the moment for TellOutcome.
+    std::function<void(const TNElementAck&)> fnEnds;
 };
 
 // One plug-in instance.
 //
 // It captures while it is armed and has a source: the file is played in blocks of 512 frames on a
-// thread of the instance's own, each block is written to the dub file and reported by 64010. At the
-// file's end it disarms itself; disarming earlier ends the capture with the samples so far. A
-// finished capture becomes an element: it is published under the next index, 64000 is raised, and
-// it waits at the end of a queue until its acknowledge has come.
+// thread of the instance's own, and the next block comes when the one before is in its file and has
+// been reported by 64010. At the file's end it disarms itself; disarming earlier ends the capture
+// with the samples so far. A finished capture becomes an element: it is published under the next
+// index, 64000 is raised, and it waits at the end of a queue until its acknowledge has come. What
+// could not reach a server waits until one appears, and is then published anew; what waits when the
+// process ends is found again by the next instance that is given the same capture folder.
 //
 // Order of notifications: 64004 for a change of the armed state comes before the first 64010 of the
 // capture that it starts and, at a file's end, before the element's 64000; 64004 for an acknowledge
@@ -61,7 +74,7 @@ struct CSignalSettings
 class CSignalSide
 {
 public:
-    static constexpr size_t kBlockFrames = 512;
+    static constexpr std::uint32_t kBlockFrames = 512;
 
     // Makes the component known to the process, once. Open it with AudioComponentInstanceNew.
     static AudioComponent Register();
@@ -69,15 +82,14 @@ public:
     static CSignalSide* Of(AudioUnit pUnit);
 
     CSignalSide();
-    // Ends the capture thread first. A capture that is not finished is dropped with its file.
+    // As End.
     ~CSignalSide();
 
-    // Throws CUsageError when the capture folder cannot be used. Takes effect with the next
-    // capture.
+    // Throws CUsageError when the speed is none. Takes effect with the next capture.
     void Configure(const CSignalSettings& settings);
 
-    // Where a line for every property write goes, with a reason where the write is refused. Called
-    // on the writing thread.
+    // Where a line for every property write goes, with a reason where the write is refused, and one
+    // for what went wrong with a capture or its journal. Called on the thread concerned.
     void SetLog(std::function<void(const std::string&)> log);
     // Writes a line there.
     void Log(const std::string& strLine);
@@ -87,20 +99,33 @@ public:
 
     // The file that the next arming captures, or that is captured at once when the instance is
     // armed and idle. Replaces one that still waits. Throws CUsageError, and keeps what was there,
-    // when the file or the path of its dub cannot be used.
+    // when the file or the path of its capture cannot be used.
     void SetSource(const CCaptureSource& source);
 
-    // How many captures have begun. What is over is forgotten but for this number.
+    // How many captures have begun; those of earlier runs do not count.
     size_t CapturesBegun() const;
     // True from the publication of the capture of this number to its acknowledge.
     bool IsWaiting(size_t nNumber) const;
-    bool IsArmed() const;
-    // True from a capture's start until it is published, failed or dropped.
+    bool IsArmed() const { return m_core.IsArmed(); }
+    // True from a capture's start until it is published or has failed.
     bool IsCapturing() const;
 
-    // Ends capturing for good, as disposal does, and returns when the capture thread has ended. The
-    // properties can still be read and written. Not inside a notification.
+    // Ends capturing for good, as disposal does: a capture that is under way gets its file, and the
+    // observer is told of it. Nothing is raised any more. The properties can still be read and
+    // written. Not inside a notification.
     void End();
+
+    // Before anybody reads or writes a property. Without hooks an acknowledge alone says what
+    // became of its take.
+    void SetDeliveryHooks(CDeliveryHooks hooks) { m_deliveryHooks = std::move(hooks); }
+    // What the process that holds the view tells; see CCaptureCore.
+    void TellOutcome(SInt32 nElement, TakeOutcome outcome, const std::string& strWords,
+                     double dExpectedPosition)
+    {
+        m_core.TellOutcome(nElement, outcome, strWords, dExpectedPosition);
+    }
+    void ServerAppeared() { m_core.ServerAppeared(); }
+    void ViewJoined() { m_core.ViewJoined(); }
 
     // What the component's entry points call. Sizes are those of the link protocol: a read takes a
     // size of at least that, a write exactly that.
@@ -121,53 +146,41 @@ private:
         CSoundReader reader;
         double dPosition;
     };
-    // A capture that is published and not acknowledged.
-    struct Element
-    {
-        CCaptureReport report;
-        TNCaptureElement record;
-    };
-
-    OSStatus Write(AudioUnitPropertyID nId, const void* pData);
-    OSStatus Read(AudioUnitPropertyID nId, AudioUnitElement nElement, void* pData);
-    void SetArmed(bool fArmed);
-    OSStatus TakeAck(const TNElementAck& ack);
+    OSStatus Write(AudioUnitPropertyID nId, const void* pData, UInt32 nSize);
+    void SetReady();
 
     void Work();
-    void Capture(Source& source, CCaptureReport report);
-    std::filesystem::path CaptureFolder() const;
-    uint64_t Play(Source& source, CDubFile& dub);
+    void Play(Source& source);
+    uint64_t PlayBlocks(Source& source);
     bool WaitForBlock(uint64_t nFrames, double dSampleRate,
                       std::chrono::steady_clock::time_point start);
     void EndPlaying();
-    void Publish(const Source& source, uint64_t nFrames, CDubFile& dub, CCaptureReport report);
-    void Conclude(CCaptureReport report, const std::string& strFailure);
 
-    void Notify(AudioUnitPropertyID nId);
+    static void Hear(void* pUserData, CCaptureCore*, std::uint32_t nId, std::uint32_t nScope,
+                     std::uint32_t nElement);
+    void TakeChanged(const CTake& take);
     void Observe(const CCaptureReport& report);
 
     AudioUnit m_pUnit = nullptr;
     CPropertyListeners m_listeners;
+    CDeliveryHooks m_deliveryHooks;
 
-    mutable std::mutex m_mutex; // guards all below
+    mutable std::mutex m_mutex; // guards all up to the core
     std::condition_variable m_wake;
     CSignalSettings m_settings;
     std::function<void(const std::string&)> m_log;
     std::function<void(const CCaptureReport&)> m_observer;
     std::unique_ptr<Source> m_pSource;
     size_t m_nBegun = 0;
-    std::deque<Element> m_waiting; // the front is the element to deliver
-    int m_nNextElement = 0;
-    SInt32 m_nTrack = 0;
-    bool m_fArmed = false;
-    bool m_fBegin = false;     // the capture thread is to take the source
-    bool m_fCapturing = false; // the capture thread has taken it
-    bool m_fStop = false;      // disarmed while capturing
+    CCaptureReport m_playing;                           // what is known of the capture being played
+    std::map<std::uint32_t, CCaptureReport> m_captures; // not settled; by the number of the take
+    bool m_fReady = false;                              // armed, and told so
+    bool m_fBegin = false;                              // the player is to take the source
+    bool m_fPlaying = false;                            // the player has taken it
+    bool m_fStop = false;                               // disarmed while capturing
     bool m_fClosing = false;
-    double m_dPosition = 0;
-    double m_dSamplesPlayed = 0;
-    double m_dCaptureLength = 0; // seconds
 
+    CCaptureCore m_core;
     std::thread m_thread;
 };
 

@@ -14,6 +14,7 @@
 #include <memory>
 #include <mutex>
 #include <sndfile.h>
+#include <utility>
 #include <vector>
 
 namespace TarvaneTest
@@ -70,8 +71,10 @@ public:
     }
     ~CCoreUnderTest() { Close(); }
 
-    void Open(const Tarvane::CCaptureSettings& settings)
+    // A kept state is restored when the observer is there to see what it brings.
+    void Open(Tarvane::CCaptureSettings settings)
     {
+        const std::string strUuid = std::exchange(settings.strUuid, {});
         core = std::make_unique<Tarvane::CCaptureCore>(settings);
         for (std::uint32_t nId = 64000; nId <= 64010; ++nId)
         {
@@ -84,6 +87,7 @@ public:
                 std::lock_guard lock(m_mutex);
                 m_log.push_back(strLine);
             });
+        core->Restore(strUuid, settings.nTrack);
     }
     void Close() { core.reset(); }
 

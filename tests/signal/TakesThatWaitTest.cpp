@@ -144,6 +144,21 @@ TEST(TakesThatWait, WhatWasUnreachableIsOfferedOnceForEachServerThatAppears)
     EXPECT_EQ(host.core->Waiting() + host.core->Unreachable(), 0U);
 }
 
+TEST(TakesThatWait, AServerThatAppearsWhileATakeFailsToReachOneIsNotMissed)
+{
+    CCoreUnderTest host;
+    Take(host, 100);
+    host.Get<TNCaptureElement>(TNProperty_ElementInfo, 0);
+    host.core->ServerAppeared();
+    const std::size_t nBefore = host.Count(TNProperty_Elements);
+    Deliver(host, TakeOutcome::Unreachable);
+    EXPECT_EQ(host.Count(TNProperty_Elements), nBefore + 1);
+    EXPECT_EQ(host.Get<TNCaptureElement>(TNProperty_ElementInfo, 1).tDub.dPosition, 100);
+    Deliver(host, TakeOutcome::Unreachable);
+    EXPECT_EQ(host.core->Waiting(), 0U) << "once for each server";
+    EXPECT_EQ(host.core->Unreachable(), 1U);
+}
+
 TEST(TakesThatWait, DuplicatesRefusalsAndPlacedOnesAreNotOfferedAgain)
 {
     CCoreUnderTest host;

@@ -5,6 +5,7 @@
 using namespace Tarvane;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 namespace
 {
@@ -79,8 +80,8 @@ TEST(CaptureStory, ADeliveredOneAloneHasAWordForTheTitle)
 TEST(CaptureStory, AMisplacedCaptureIsNotGoodAndSaysWhereItShouldStand)
 {
     CCaptureEntry entry = Entry();
-    entry.server.fWithoutOffset = true;
-    entry.server.placeMissed = 192100;
+    entry.report.outcome = TakeOutcome::PlacedWithoutOffset;
+    entry.report.dExpectedPosition = 192100;
     EXPECT_FALSE(entry.IsGood());
     EXPECT_EQ(entry.Outcome(), CaptureOutcome::Delivered);
     EXPECT_EQ(WordOfDelivery(entry), "");
@@ -91,43 +92,59 @@ TEST(CaptureStory, AMisplacedCaptureIsNotGoodAndSaysWhereItShouldStand)
     EXPECT_EQ(DescribeCapture(entry)["withoutOffset"], true);
     EXPECT_EQ(DescribeCapture(entry)["placeMissed"], 192100);
     EXPECT_TRUE(DescribeCapture(Entry())["placeMissed"].is_null());
+    entry.report.dExpectedPosition = 0;
+    EXPECT_THAT(TellCapture(entry), HasSubstr("which the server did not tell\n"));
+    EXPECT_TRUE(DescribeCapture(entry)["placeMissed"].is_null());
 }
 
 TEST(CaptureStory, TheServersWordsAreToldAsPlainText)
 {
     CCaptureEntry entry = NotDelivered("AEError ID:-1701");
-    entry.server.strRefusal = "the disk \x1b[2J is full";
+    entry.report.outcome = TakeOutcome::Refused;
+    entry.report.strWords = "the disk \x1b[2J is full";
     EXPECT_THAT(TellCapture(entry), HasSubstr("  server says  the disk .[2J is full\n"));
-    EXPECT_EQ(DescribeCapture(entry)["refusal"], entry.server.strRefusal);
-    EXPECT_THAT(TellCapture(Entry()), Not(HasSubstr("server says")));
+    EXPECT_EQ(DescribeCapture(entry)["refusal"], entry.report.strWords);
+    entry = Entry();
+    entry.report.strWords = "a word beside the result";
+    EXPECT_THAT(TellCapture(entry), Not(HasSubstr("server says")));
 }
 
-TEST(ServerWords, AreThoseAboutTheCaptureAndItsOwnOffset)
+TEST(CaptureStory, WhatNoServerGotWaitsForOne)
 {
-    const auto offset = [](const char* szResult, OSErr nStatus = 0) {
-        return SeenCommand{"print(GetLinkSMPTEOffset())", szResult, "", nStatus, nStatus == 0};
-    };
-    const auto add = [](const char* szPath, const char* szError)
-    {
-        return SeenCommand{"AddAudioRegion(idTrack, \"" + std::string(szPath) + "\", true)", "",
-                           szError, 0, *szError == '\0'};
-    };
-    const CCaptureReport report = Entry().report;
-    const std::vector<SeenCommand> refused{offset("2.0\n"), add("/out/other.wav", "no"),
-                                           offset("2.0\n"), add("/out/hello-001.wav", "full")};
-    EXPECT_EQ(WordsAbout(report, refused).strRefusal, "full");
-    EXPECT_FALSE(WordsAbout(report, refused).fWithoutOffset);
-    const std::vector<SeenCommand> misplaced{offset("2.0\n"), add("/out/other.wav", ""),
-                                             offset("", -1712), add("/out/hello-001.wav", "")};
-    const ServerWords words = WordsAbout(report, misplaced);
-    EXPECT_EQ(words.strRefusal, "");
-    EXPECT_TRUE(words.fWithoutOffset);
-    EXPECT_EQ(words.placeMissed, 2.0 * 48000 + 96100);
-    const ServerWords never = WordsAbout(report, {offset(""), add("/out/hello-001.wav", "")});
-    EXPECT_TRUE(never.fWithoutOffset);
-    EXPECT_FALSE(never.placeMissed);
-    EXPECT_FALSE(
-        WordsAbout(report, {offset("2.0\n"), add("/out/hello-001.wav", "")}).fWithoutOffset);
+    CCaptureEntry entry = NotDelivered("Error - Tarvane not running.");
+    entry.report.outcome = TakeOutcome::Unreachable;
+    EXPECT_THAT(TellCapture(entry), HasSubstr("  waits        for a server\n"));
+    EXPECT_EQ(DescribeCapture(entry)["fate"], "unreachable");
+    EXPECT_THAT(TellCapture(Entry()), Not(HasSubstr("waits")));
+}
+
+TEST(CaptureStory, ADuplicateIsOneWhateverTheViewShowsBehindIt)
+{
+    CCaptureEntry entry = NotDelivered("");
+    entry.report.outcome = TakeOutcome::Duplicate;
+    EXPECT_EQ(entry.Outcome(), CaptureOutcome::Duplicate);
+}
+
+TEST(CaptureStory, WhatIsTakenUpAgainIsToldAsLater)
+{
+    CCaptureEntry entry = Entry();
+    entry.report.fLate = true;
+    EXPECT_THAT(TellCapture(entry), StartsWith("Later, hello.wav\n"));
+    entry.report.source.clear();
+    EXPECT_THAT(TellCapture(entry), StartsWith("Later, hello-001.wav\n"));
+    EXPECT_EQ(DescribeCapture(entry)["late"], true);
+    EXPECT_EQ(TellLeftover("Left by an earlier run", entry.report),
+              "Left by an earlier run: /out/hello-001.wav, 68545 samples at 48000 Hz from sample "
+              "96100.\n");
+}
+
+TEST(CaptureStory, LostSamplesAreCounted)
+{
+    CCaptureEntry entry = Entry();
+    EXPECT_THAT(TellCapture(entry), Not(HasSubstr("lost")));
+    entry.report.nLostFrames = 77;
+    EXPECT_THAT(TellCapture(entry), HasSubstr("  lost         77 samples\n"));
+    EXPECT_EQ(DescribeCapture(entry)["lost"], 77);
 }
 
 TEST(CaptureStory, IsToldInPlainLines)
@@ -180,7 +197,10 @@ TEST(CaptureStory, JsonHoldsEveryField)
         {"advice", ""},
         {"refusal", ""},
         {"withoutOffset", false},
-        {"placeMissed", nullptr}};
+        {"placeMissed", nullptr},
+        {"fate", nullptr},
+        {"late", false},
+        {"lost", 0}};
     EXPECT_EQ(DescribeCapture(Entry()), expected);
     EXPECT_TRUE(DescribeCapture(InState(CaptureState::Waiting))["ack"].is_null());
 }

@@ -110,6 +110,18 @@ protected:
         EXPECT_EQ(Regions().back().nPosition, 96000 + dPosition);
     }
 
+    // A server is there: what could not be delivered at 100 is, by itself, and so is the next one.
+    void ExpectTheLostOneArrivesAndTheNextWorks()
+    {
+        const nlohmann::json late = NextLate(*host);
+        EXPECT_EQ(late["outcome"], "delivered") << late;
+        EXPECT_EQ(late["position"], 100);
+        EXPECT_EQ(AcknowledgesOf(1), 1U);
+        ASSERT_EQ(Regions().size(), 1U);
+        EXPECT_EQ(Regions()[0].nPosition, 96100);
+        ExpectNextCaptureWorks(10000, 2);
+    }
+
     std::optional<Tarvane::CHostClient> host;
 };
 

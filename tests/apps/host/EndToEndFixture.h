@@ -47,6 +47,13 @@ protected:
         return RunToEnd(HostCommand(options));
     }
 
+    // The next delivery of a capture that was told of before, or by an earlier host.
+    static nlohmann::json NextLate(Tarvane::CHostClient& host)
+    {
+        const auto strLine = host.Process().WaitForLine("\"event\":\"late\"", kLong);
+        return strLine ? nlohmann::json::parse(*strLine) : nlohmann::json();
+    }
+
     // The regions of the script document.
     std::vector<Tarvane::Server::Region> Regions() const
     {

@@ -66,15 +66,27 @@ TEST_F(EndToEnd, TheResultsTellEachCaptureAndShowTheWindow)
     EXPECT_EQ(outcome.nCode, 0) << outcome.strError;
     const json captures = CapturesIn(folder / "out");
     ASSERT_EQ(captures.size(), 1U);
-    const json expected = {{"source", One()},      {"dub", folder / "captures/one-001.wav"},
-                           {"frames", 4800.0},     {"sampleRate", 48000.0},
-                           {"start", 0.0},         {"end", 4800.0},
-                           {"position", 100.0},    {"track", 2},
-                           {"trackName", "Foley"}, {"element", 0},
-                           {"ack", Ack(0, 0)},     {"outcome", "delivered"},
-                           {"failure", ""},        {"message", ""},
-                           {"advice", ""},         {"refusal", ""},
-                           {"withoutOffset", false}, {"placeMissed", nullptr}};
+    const json expected = {{"source", One()},
+                           {"dub", folder / "captures/one-001.wav"},
+                           {"frames", 4800.0},
+                           {"sampleRate", 48000.0},
+                           {"start", 0.0},
+                           {"end", 4800.0},
+                           {"position", 100.0},
+                           {"track", 2},
+                           {"trackName", "Foley"},
+                           {"element", 0},
+                           {"ack", Ack(0, 0)},
+                           {"outcome", "delivered"},
+                           {"failure", ""},
+                           {"message", ""},
+                           {"advice", ""},
+                           {"refusal", ""},
+                           {"withoutOffset", false},
+                           {"placeMissed", nullptr},
+                           {"fate", "delivered"},
+                           {"late", false},
+                           {"lost", 0}};
     EXPECT_EQ(captures[0], expected);
     EXPECT_THAT(FileText(folder / "out/link-view.png"), StartsWith("\x89PNG"));
     EXPECT_THAT(outcome.strOutput, HasSubstr("Capture 1: one.wav\n"));
@@ -136,16 +148,43 @@ TEST_F(EndToEnd, TheServerDiesAndComesBackAndTheHostGoesOn)
     EXPECT_EQ(empty["advice"], kLaunch);
 
     StartServer();
+    const json late = NextLate(host);
+    EXPECT_EQ(late["outcome"], "delivered");
+    EXPECT_EQ(late["dub"], lost["dub"]);
+    EXPECT_EQ(late["ack"], Ack(2, 0)) << "an index is acknowledged once";
     EXPECT_THAT(host.Ask("open-menu", kLong)["tracks"], ElementsAre("Dialogue", "ADR", "Foley"));
-    const json again = host.Capture(Two(), 4800, kLong);
+    const json again = host.Capture(Two(), 9600, kLong);
     EXPECT_EQ(again["outcome"], "delivered");
-    EXPECT_EQ(again["ack"], Ack(2, 0));
+    EXPECT_EQ(again["ack"], Ack(3, 0));
     const auto regions = Regions();
-    ASSERT_EQ(regions.size(), 2U);
+    ASSERT_EQ(regions.size(), 3U);
     EXPECT_EQ(regions[0].nPosition, 96000);
     EXPECT_EQ(regions[1].nPosition, 96000 + 4800);
+    EXPECT_EQ(regions[2].nPosition, 96000 + 9600);
     host.Ask("quit", kLong);
-    EXPECT_EQ(host.Process().WaitForEnd(kLong), 1) << "one capture was not delivered";
+    EXPECT_EQ(host.Process().WaitForEnd(kLong), 0) << "every capture is delivered";
+}
+
+TEST_F(EndToEnd, WhatNoServerGotIsSentByTheNextRunAndOnlyOnce)
+{
+    {
+        CHostClient host(HostCommand({"--speed", "max"}));
+        EXPECT_EQ(host.Capture(One(), 100, kLong)["fate"], "unreachable");
+        host.Process().Kill();
+        host.Process().WaitForEnd(kLong);
+    }
+    StartServer();
+    CHostClient host(HostCommand({"--speed", "max"}));
+    const json late = NextLate(host);
+    EXPECT_EQ(late["outcome"], "delivered");
+    EXPECT_EQ(late["position"], 100);
+    ASSERT_EQ(Regions().size(), 1U);
+    EXPECT_EQ(Regions()[0].nPosition, 96100);
+    host.Ask("quit", kLong);
+    EXPECT_EQ(host.Process().WaitForEnd(kLong), 0);
+    EXPECT_THAT(LinesWith(folder / "host.log", "64008").size(), 2U) << "in vain, and later";
+    CHostClient next(HostCommand({"--speed", "max"}));
+    EXPECT_EQ(next.Capture(Two(), 9600, kLong)["ack"], Ack(0, 0)) << "nothing else waits";
 }
 
 TEST_F(EndToEnd, AnotherTrackCanBeChosenAndThePlugInKeepsIt)
@@ -200,20 +239,52 @@ TEST_F(EndToEnd, DisarmingEndsACaptureEarly)
     EXPECT_EQ(static_cast<double>(Regions().at(0).nEnd), event["frames"].get<double>());
 }
 
-TEST_F(EndToEnd, AHostThatIsEndedDuringACaptureLeavesNoFile)
+TEST_F(EndToEnd, ACaptureOfAHostThatIsEndedIsKeptToldAndSentByTheNextRun)
 {
-    StartServer();
-    WriteSound(folder / "long.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000 * 600);
-    CHostClient host(HostCommand({folder / "long.wav"}));
-    host.Ask("arm", kLong);
-    while (host.Ask("state", kLong)["message"] == "")
+    for (const bool fKilled : {false, true})
     {
+        SCOPED_TRACE(fKilled);
+        StartServer();
+        WriteSound(folder / "long.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000 * 600);
+        {
+            CHostClient host(HostCommand({folder / "long.wav"}));
+            host.Ask("arm", kLong);
+            while (host.Ask("state", kLong)["message"] == "")
+            {
+            }
+            if (fKilled)
+            {
+                host.Process().Kill();
+                host.Process().WaitForEnd(kLong);
+            }
+            else
+            {
+                host.Process().Terminate();
+                EXPECT_EQ(host.Process().WaitForEnd(kLong), 1) << host.Process().ErrorOutput();
+                EXPECT_THAT(host.Process().ErrorOutput(),
+                            HasSubstr("The capture under way is kept: " +
+                                      (folder / "captures/long-001.wav").string()));
+            }
+        }
+        EXPECT_THAT(Regions(), IsEmpty());
+        CHostClient next(HostCommand({"--speed", "max"}));
+        const json late = NextLate(next);
+        EXPECT_EQ(late["outcome"], "delivered");
+        EXPECT_EQ(late["dub"], (folder / "captures/long-001.wav").string());
+        const Sound kept = ReadSound(folder / "captures/long-001.wav");
+        const std::vector<double> all = ReadSound(folder / "long.wav").samples;
+        EXPECT_GE(kept.samples.size(), 512U);
+        EXPECT_EQ(static_cast<double>(kept.samples.size()), late["frames"]);
+        EXPECT_EQ(
+            kept.samples,
+            std::vector<double>(all.begin(), all.begin() + static_cast<long>(kept.samples.size())));
+        EXPECT_EQ(Regions().size(), 1U);
+        next.Ask("quit", kLong);
+        next.Process().WaitForEnd(kLong);
+        KillServer();
+        std::filesystem::remove_all(folder / "captures");
+        std::filesystem::remove(SessionFile());
     }
-    EXPECT_FALSE(std::filesystem::is_empty(folder / "captures"));
-    host.Process().Terminate();
-    EXPECT_EQ(host.Process().WaitForEnd(kLong), 1) << host.Process().ErrorOutput();
-    EXPECT_TRUE(std::filesystem::is_empty(folder / "captures"));
-    EXPECT_THAT(Regions(), IsEmpty());
 }
 
 TEST_F(EndToEnd, CommandsThatMakeNoSenseAreRefusedAndTheNextOneWorks)

@@ -5,6 +5,7 @@
 #include "tests/apps/support/SoundFixture.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <gtest/gtest.h>
@@ -57,6 +58,7 @@ public:
     void SetSpeed(double dSpeed)
     {
         m_settings.dSpeed = dSpeed;
+        m_settings.captureFolder = captureFolder;
         Side().Configure(m_settings);
     }
 
@@ -161,7 +163,13 @@ public:
     // Called on the observed thread, before the report is noted.
     std::function<void(const Tarvane::CCaptureReport&)> onReport;
 
+    // Whether a notification reads what it may have changed. A unit that is being disposed of
+    // answers nothing.
+    std::atomic<bool> fReads = true;
+
     CTemporaryFolder sources, captures;
+    // Where captures go from the next SetSpeed on.
+    std::filesystem::path captureFolder = captures.Path();
 
 private:
     void Note(const Tarvane::CCaptureReport& report)
@@ -182,10 +190,13 @@ private:
         EXPECT_EQ(pUnit, self.m_pUnit);
         EXPECT_EQ(nScope, static_cast<AudioUnitScope>(kAudioUnitScope_Global));
         EXPECT_EQ(nElement, 0U);
-        const Notification notification{nId, std::this_thread::get_id(),
-                                        self.Get<SInt32>(TNProperty_NextElement),
-                                        self.Get<UInt8>(TNProperty_ArmCapture),
-                                        self.Get<Float64>(kTNProperty_CurrentCaptureLength)};
+        Notification notification{nId, std::this_thread::get_id(), -1, 0, 0};
+        if (self.fReads)
+        {
+            notification.nNext = self.Get<SInt32>(TNProperty_NextElement);
+            notification.fArmed = self.Get<UInt8>(TNProperty_ArmCapture);
+            notification.dLength = self.Get<Float64>(kTNProperty_CurrentCaptureLength);
+        }
         {
             std::lock_guard lock(self.m_mutex);
             self.m_notifications.push_back(notification);

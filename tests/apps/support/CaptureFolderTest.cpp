@@ -1,14 +1,13 @@
-#include "apps/support/DubFile.h"
+#include "apps/support/CaptureFolder.h"
 
 #include "apps/support/CommandLine.h"
+#include "signal/TakeFile.h"
 #include "tests/apps/support/SoundFixture.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
-#include <csignal>
 #include <fstream>
-#include <sys/resource.h>
 
 using namespace Tarvane;
 using namespace TarvaneTest;
@@ -20,29 +19,30 @@ namespace fs = std::filesystem;
 namespace
 {
 
-void CopyAll(CSoundReader& source, CDubFile& dub)
+void CopyAll(CSoundReader& source, CTakeFile& file)
 {
     CSampleBlock block(SampleTypeOf(source.Info().format), source.Info().channels, 512);
     while (const size_t nFrames = source.Read(block))
     {
-        dub.Write(block, nFrames);
+        file.Write(block.Data(), nFrames);
     }
 }
 
 fs::path Dub(const fs::path& source, const fs::path& folder)
 {
     CSoundReader reader(source);
-    CDubFile dub(folder, reader);
-    CopyAll(reader, dub);
-    return dub.Publish();
+    CTakeFile file(folder, TakeFormatFor(reader), 0);
+    CopyAll(reader, file);
+    file.Publish();
+    return file.Path();
 }
 
 std::string Refusal(const fs::path& source, const fs::path& folder)
 {
     try
     {
-        CSoundReader reader(source);
-        CDubFile dub(folder, reader);
+        CheckCapturePath(folder, CSoundReader(source));
+        CheckCaptureFolder(folder);
         return "";
     }
     catch (const CUsageError& error)
@@ -51,13 +51,13 @@ std::string Refusal(const fs::path& source, const fs::path& folder)
     }
 }
 
-class DubFileForm : public testing::TestWithParam<int>
+class CaptureForm : public testing::TestWithParam<int>
 {
 };
 
 } // namespace
 
-TEST_P(DubFileForm, KeepsFormRateChannelsAndEverySample)
+TEST_P(CaptureForm, KeepsFormRateChannelsAndEverySample)
 {
     CTemporaryFolder folder, captures;
     WriteSound(folder / "source", GetParam(), 1300, 2, 44100);
@@ -71,7 +71,7 @@ TEST_P(DubFileForm, KeepsFormRateChannelsAndEverySample)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, DubFileForm,
+    All, CaptureForm,
     testing::Values(SF_FORMAT_WAV | SF_FORMAT_PCM_U8, SF_FORMAT_WAV | SF_FORMAT_PCM_16,
                     SF_FORMAT_WAV | SF_FORMAT_PCM_24, SF_FORMAT_WAV | SF_FORMAT_PCM_32,
                     SF_FORMAT_WAV | SF_FORMAT_FLOAT, SF_FORMAT_WAV | SF_FORMAT_DOUBLE,
@@ -80,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(
                     SF_FORMAT_AIFF | SF_FORMAT_FLOAT, SF_FORMAT_FLAC | SF_FORMAT_PCM_24,
                     SF_FORMAT_CAF | SF_FORMAT_ALAC_24, SF_FORMAT_W64 | SF_FORMAT_PCM_24));
 
-TEST(DubFile, ALossyFormIsKeptAsWhatItDecodesTo)
+TEST(CaptureFolder, ALossyFormIsKeptAsWhatItDecodesTo)
 {
     CTemporaryFolder folder, captures;
     WriteSound(folder / "a.ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS, 5000);
@@ -92,7 +92,7 @@ TEST(DubFile, ALossyFormIsKeptAsWhatItDecodesTo)
     EXPECT_EQ(dub.samples, source.samples);
 }
 
-TEST(DubFile, FloatsBeyondFullScaleAreNotClipped)
+TEST(CaptureFolder, FloatsBeyondFullScaleAreNotClipped)
 {
     CTemporaryFolder folder, captures;
     SF_INFO info{};
@@ -108,7 +108,7 @@ TEST(DubFile, FloatsBeyondFullScaleAreNotClipped)
                 ElementsAre(-3.5, 2.25, double(1e-30F)));
 }
 
-TEST(DubFile, NeverTakesANameThatExists)
+TEST(CaptureFolder, NeverTakesANameThatExists)
 {
     CTemporaryFolder folder, captures;
     WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
@@ -121,35 +121,33 @@ TEST(DubFile, NeverTakesANameThatExists)
     EXPECT_THAT(captures.Files(), ElementsAre("a-001.wav", "a-002.wav", "a-003.wav"));
 }
 
-TEST(DubFile, WhatIsNotPublishedLeavesNothing)
+TEST(CaptureFolder, WhatIsNotPublishedStaysUnderAHiddenName)
 {
     CTemporaryFolder folder, captures;
     WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1000);
     {
         CSoundReader reader(folder / "a.wav");
-        CDubFile dub(captures.Path(), reader);
-        CopyAll(reader, dub);
-        EXPECT_EQ(captures.Files().size(), 1U);
-        EXPECT_EQ(captures.Files().front().front(), '.');
+        CTakeFile file(captures.Path(), TakeFormatFor(reader), 0);
+        CopyAll(reader, file);
+    }
+    ASSERT_EQ(captures.Files().size(), 1U);
+    EXPECT_EQ(captures.Files().front().front(), '.');
+    EXPECT_EQ(ReadSound(captures / captures.Files().front()).samples,
+              ReadSound(folder / "a.wav").samples);
+}
+
+TEST(CaptureFolder, WithoutASampleThereIsNoFile)
+{
+    CTemporaryFolder folder, captures;
+    WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1000);
+    {
+        const CTakeFile file(captures.Path(), TakeFormatFor(CSoundReader(folder / "a.wav")), 0);
+        EXPECT_THAT(captures.Files(), testing::SizeIs(1));
     }
     EXPECT_THAT(captures.Files(), IsEmpty());
 }
 
-TEST(DubFile, AFullDiskIsReportedAndLeavesNothing)
-{
-    CTemporaryFolder folder, captures;
-    WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 100000);
-    ::signal(SIGXFSZ, SIG_IGN);
-    rlimit old{};
-    ::getrlimit(RLIMIT_FSIZE, &old);
-    const rlimit small{50000, old.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    EXPECT_THROW(Dub(folder / "a.wav", captures.Path()), std::runtime_error);
-    ::setrlimit(RLIMIT_FSIZE, &old);
-    EXPECT_THAT(captures.Files(), IsEmpty());
-}
-
-TEST(DubFile, AFolderThatIsNoneIsRefused)
+TEST(CaptureFolder, AFolderThatIsNoneIsRefused)
 {
     CTemporaryFolder folder;
     WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
@@ -159,7 +157,7 @@ TEST(DubFile, AFolderThatIsNoneIsRefused)
                 HasSubstr("there is no capture folder"));
 }
 
-TEST(DubFile, APathThatNoScriptCanCarryIsRefused)
+TEST(CaptureFolder, APathThatNoScriptCanCarryIsRefused)
 {
     CTemporaryFolder folder;
     WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
@@ -171,21 +169,21 @@ TEST(DubFile, APathThatNoScriptCanCarryIsRefused)
     }
 }
 
-TEST(DubFile, TheRootFolderIsRefused)
+TEST(CaptureFolder, TheRootFolderIsRefused)
 {
     CTemporaryFolder folder;
     WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
     EXPECT_THAT(Refusal(folder / "a.wav", "/"), HasSubstr("root folder"));
 }
 
-TEST(DubFile, BytesOfTheSourcesNameThatAreNoUtf8AreReplaced)
+TEST(CaptureFolder, BytesOfTheSourcesNameThatAreNoUtf8AreReplaced)
 {
     CTemporaryFolder folder, captures;
     WriteSound(folder / "Caf\xE9.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
     EXPECT_EQ(Dub(folder / "Caf\xE9.wav", captures.Path()), captures / "Caf\uFFFD-001.wav");
 }
 
-TEST(DubFile, SuchCharactersInTheSourcesNameAreReplaced)
+TEST(CaptureFolder, SuchCharactersInTheSourcesNameAreReplaced)
 {
     CTemporaryFolder folder, captures;
     WriteSound(folder / "say \"hi\" \\ Ä.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
@@ -193,7 +191,7 @@ TEST(DubFile, SuchCharactersInTheSourcesNameAreReplaced)
               captures / "say _hi_ _ Ä-001.wav");
 }
 
-TEST(DubFile, AVeryLongNameIsCutBetweenCharacters)
+TEST(CaptureFolder, AVeryLongNameIsCutBetweenCharacters)
 {
     CTemporaryFolder folder, captures;
     std::string strName = "x";
@@ -207,7 +205,7 @@ TEST(DubFile, AVeryLongNameIsCutBetweenCharacters)
     EXPECT_EQ(strDub, strName.substr(0, 229) + "-001.wav");
 }
 
-TEST(DubFile, APathThatDoesNotFitTheRecordIsRefused)
+TEST(CaptureFolder, APathThatDoesNotFitTheRecordIsRefused)
 {
     CTemporaryFolder folder;
     WriteSound(folder / "a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 10);
