@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <chrono>
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
@@ -19,6 +20,7 @@
 #include <sstream>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -156,6 +158,22 @@ void Read(const Json& line, CJournalTake& take)
     }
 }
 
+// Whoever asks whether it is held has it for an instant.
+bool Lock(int nFile)
+{
+    constexpr std::chrono::milliseconds kInstant{5};
+    constexpr int kInstants = 20;
+    for (int n = 0; n < kInstants; ++n)
+    {
+        if (::flock(nFile, LOCK_EX | LOCK_NB) == 0)
+        {
+            return true;
+        }
+        std::this_thread::sleep_for(kInstant);
+    }
+    return false;
+}
+
 bool IsSettled(const std::string& strOutcome)
 {
     return strOutcome == TakeOutcomeWord(TakeOutcome::Delivered) ||
@@ -273,7 +291,7 @@ bool CTakeJournal::Hold()
         struct stat held
         {
         }, named{};
-        if (::flock(m_nFile, LOCK_EX | LOCK_NB) != 0)
+        if (!Lock(m_nFile))
         {
             ::close(m_nFile);
             m_nFile = -1;
@@ -292,6 +310,18 @@ bool CTakeJournal::Hold()
         m_nLastTake = std::max(m_nLastTake, nTake);
     }
     return true;
+}
+
+bool CTakeJournal::IsHeld(const fs::path& journal)
+{
+    const int nFile = ::open(journal.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    if (nFile < 0)
+    {
+        return false;
+    }
+    const bool fHeld = ::flock(nFile, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    ::close(nFile);
+    return fHeld;
 }
 
 bool CTakeJournal::Make()

@@ -70,8 +70,10 @@ public:
     static std::string NewUuid();
 
     // Takes the journal that is there. True as well when there is none yet; false when somebody
-    // else holds it, or it cannot be opened.
+    // else holds it for more than a moment, or it cannot be opened.
     bool Hold();
+    // Whether somebody holds this journal now.
+    static bool IsHeld(const std::filesystem::path& journal);
     // What is in it and neither settled nor forgotten, in the order of the takes. Refused ones are
     // among them.
     std::vector<CJournalTake> Open() const;

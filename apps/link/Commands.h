@@ -26,6 +26,8 @@ Answer Align(CTarvaneScript& link, const Options& options);
 Answer Spread(CTarvaneScript& link, const Options& options);
 Answer Clear(CTarvaneScript& link, const Options& options);
 Answer Run(CTarvaneScript& link, const Options& options);
+// Lists the takes of this machine, sends one by hand, or forgets one; the files stay.
+Answer Takes(CTarvaneScript& link, const Options& options);
 
 // Null when there is no such command.
 Command FindCommand(const std::string& strName);

@@ -5,6 +5,7 @@
 #include "apps/link/EventBus.h"
 #include "apps/link/Examiner.h"
 #include "apps/link/ServerChecks.h"
+#include "apps/link/TakesCheck.h"
 
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
 
@@ -47,6 +48,7 @@ Findings Examine(const Options& options)
             break;
         findings.push_back(check(examiner));
     }
+    findings.push_back(CheckTakes());
     return findings;
 }
 

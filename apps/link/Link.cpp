@@ -94,7 +94,7 @@ Command FindCommand(const std::string& strName)
     static const std::map<std::string, Command> commands{
         {"tracks", Tracks},       {"offset", Offset}, {"updates", Updates}, {"send", Send},
         {"duplicate", Duplicate}, {"export", Export}, {"render", Render},   {"align", Align},
-        {"spread", Spread},       {"clear", Clear},   {"run", Run},
+        {"spread", Spread},       {"clear", Clear},   {"run", Run},         {"takes", Takes},
     };
     const auto found = commands.find(strName);
     return found == commands.end() ? nullptr : found->second;

@@ -167,6 +167,25 @@ void DeclareScriptCommand(CLI::App& app, Options& options)
         ->excludes(pScript);
 }
 
+void DeclareTakes(CLI::App& app, Options& options)
+{
+    CLI::App* pTakes = AddCommand(app, options, "takes",
+                                  "List the takes on this machine that no server has yet: file, "
+                                  "position, rate, length, state");
+    CLI::Option* pSend =
+        pTakes->add_option("--send", options.strSentTake, "Send this one to a track")
+            ->type_name("FILE");
+    pTakes->add_option("--track", options.place.nTrack, "The track's place in the list, from 0")
+        ->type_name("N")
+        ->check(kTrack)
+        ->needs(pSend);
+    pTakes
+        ->add_option("--forget", options.strForgottenTake,
+                     "Offer this one no more; its file stays")
+        ->type_name("FILE")
+        ->excludes(pSend);
+}
+
 void DeclareObservers(CLI::App& app, Options& options)
 {
     CLI::App* pWatch =
@@ -229,6 +248,7 @@ void DeclareOptions(CLI::App& app, Options& options)
     DeclareRegionCommands(app, options);
     DeclareProcessCommands(app, options);
     DeclareScriptCommand(app, options);
+    DeclareTakes(app, options);
     DeclareObservers(app, options);
 }
 

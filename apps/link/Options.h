@@ -54,6 +54,8 @@ struct Options
     double dInterval = 1.0;       // watch, seconds
     long nReports = 0;            // watch; 0 goes on without end
     std::string strCaptureFolder; // doctor; empty checks none
+    std::string strSentTake;      // takes; at most one of these two
+    std::string strForgottenTake;
 
     // For operations that take a timeout, in ticks of 1/60 second; -1 is the platform's default.
     SInt32 TimeoutTicks() const;

@@ -15,7 +15,7 @@ using UsageTest = LinkTest;
 
 const std::vector<std::string> kCommands{"tracks", "offset", "updates", "send",   "duplicate",
                                          "export", "render", "align",   "spread", "clear",
-                                         "run",    "watch",  "doctor"};
+                                         "run",    "takes",  "watch",   "doctor"};
 
 void ExpectWrongUse(const std::vector<std::string>& arguments, const std::string& strPart)
 {
@@ -51,7 +51,7 @@ TEST_F(UsageTest, HelpHasEveryCommandOptionAndExitCode)
                       "--guide-track", "--guide-start", "--guide-end",     "--dub-track",
                       "--dub-start",   "--dub-end",     "--aligned-track", "--output-track",
                       "--file",        "--interval",    "--count",         "--capture-folder",
-                      "--record"}));
+                      "--record",      "--send",        "--forget"}));
         for (const char* szCode : {"0 done", "1 the server reported", "2 wrong use",
                                    "3 the server is not running", "4 no answer", "5 no usable"})
             EXPECT_THAT(ran.strOutput, HasSubstr(szCode));
