@@ -25,7 +25,8 @@ enum class FileState
     Missing,
 };
 
-// One try to capture at one place. A capture that is not delivered is tried again at its place.
+// One try to deliver a capture at one place. What no server got is tried again by the host; what
+// was refused, or is not whole, is captured again at its place.
 struct Attempt
 {
     int nLife = 0; // the host process, counted over the whole soak
@@ -38,6 +39,7 @@ struct Attempt
     std::string strPath;                 // of the captured file; empty where nobody knows
     FileState file = FileState::Missing; // of that file, at the end of the round
     bool fServerAway = false;            // server or bus were away at some time of the attempt
+    bool fLate = false;                  // by the host, of a capture of an earlier attempt or host
 };
 
 // A write to the acknowledge property.

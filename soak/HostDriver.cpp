@@ -4,6 +4,7 @@
 #include "soak/Logs.h"
 #include "soak/ProcessSample.h"
 
+#include <algorithm>
 #include <iomanip>
 #include <set>
 #include <sstream>
@@ -26,8 +27,10 @@ constexpr std::chrono::minutes kEndPatience{1};
 constexpr std::chrono::milliseconds kRest{20};
 constexpr std::chrono::milliseconds kGlance{10};
 constexpr std::int64_t kPlaceDistance = 1000; // samples
-constexpr int kPlacesOnATrack = 7;
 constexpr std::size_t kLargestSound = 1 << 20;
+constexpr const char* kJournals = ".takes-";
+// Who has waited so long for a server that is there needs one that appears.
+constexpr std::chrono::seconds kServerPatience{3};
 
 std::string CaptureCommand(const Sound& sound, std::int64_t nPosition)
 {
@@ -36,17 +39,27 @@ std::string CaptureCommand(const Sound& sound, std::int64_t nPosition)
     return command.str();
 }
 
-FileState StateOf(const std::string& strPath, const Sound& sound)
+// A capture that the disk has cut short holds the sound's beginning.
+FileState StateOf(const Attempt& attempt, const Sound& sound)
 {
     try
     {
-        return ReadFile(strPath, kLargestSound) == sound.strBytes ? FileState::Intact
-                                                                  : FileState::Changed;
+        const auto nBytes = sound.strSamples.size() * static_cast<size_t>(attempt.nFrames) /
+                            static_cast<size_t>(sound.nFrames);
+        const std::string strFile = ReadFile(attempt.strPath, kLargestSound);
+        return strFile.find(sound.strSamples.substr(0, nBytes)) != std::string::npos
+                   ? FileState::Intact
+                   : FileState::Changed;
     }
     catch (const std::system_error&)
     {
         return FileState::Missing;
     }
+}
+
+bool IsJournal(const fs::path& path)
+{
+    return path.filename().string().starts_with(kJournals);
 }
 
 } // namespace
@@ -75,10 +88,11 @@ void CHostDriver::Start()
     m_life = Life();
     m_life.nLife = m_shared.nLives++;
     m_nElements = 0;
+    m_nLateOnes = 0;
     m_samples.clear();
     auto pClient = std::make_unique<CHostClient>(std::vector<std::string>{
         ProgramFolder() / "tarvane-host", "--speed", "max", "--capture-folder", m_captureFolder,
-        "--track", std::to_string(m_nTrack), "--log", "-", "--count-objects", "--once"});
+        "--track", std::to_string(m_nTrack), "--log", "-", "--count-objects"});
     const std::lock_guard lock(m_mutex);
     m_pClient = std::move(pClient);
 }
@@ -89,26 +103,11 @@ void CHostDriver::RunRound(const PlannedRound& round, std::int64_t nFirst)
     {
         if (!m_pClient)
             Start();
-        for (int n = 0; n < round.nPlaces && !m_shared.fBroken; ++n)
-        {
-            std::this_thread::sleep_until(m_shared.begin + round.beginning + n * round.interval);
-            const std::int64_t nPlace = nFirst + n;
-            ChooseTrack(static_cast<int>(n / kPlacesOnATrack + m_nView) % kTracks);
-            for (const PlannedHostKill& kill : round.hostKills)
-            {
-                if (kill.nView == m_nView && kill.nBefore == n)
-                    Try(nPlace, &kill);
-            }
-            const auto deadline = Clock::now() + kPatience;
-            while (!Try(nPlace, nullptr) && !m_shared.fBroken)
-            {
-                if (Clock::now() > deadline)
-                    throw std::runtime_error("nothing is delivered any more");
-                std::this_thread::sleep_for(kRest);
-            }
-            ++m_shared.nDelivered;
-        }
-        m_pClient->Ask("state", kPatience);
+        // What is offered again goes to the track that is chosen then, so that the choice stays
+        // until all has arrived.
+        ChooseTrack(static_cast<int>(nFirst / round.nPlaces) % kTracks);
+        RunPlaces(round, nFirst);
+        AwaitArrival();
         AwaitAcknowledges();
         InspectFiles();
         m_samples.push_back(SampleProcess(m_pClient->Process().Pid()));
@@ -118,6 +117,73 @@ void CHostDriver::RunRound(const PlannedRound& round, std::int64_t nFirst)
     {
         Break("host-goes-on", error.what());
     }
+    ++m_shared.nSettled;
+}
+
+void CHostDriver::RunPlaces(const PlannedRound& round, std::int64_t nFirst)
+{
+    for (int n = 0; n < round.nPlaces && !m_shared.fBroken; ++n)
+    {
+        std::this_thread::sleep_until(m_shared.begin + round.beginning + n * round.interval);
+        const std::int64_t nPlace = nFirst + n;
+        for (const PlannedHostKill& kill : round.hostKills)
+        {
+            if (kill.nView == m_nView && kill.nBefore == n)
+                Try(nPlace, &kill);
+        }
+        const auto deadline = Clock::now() + kPatience;
+        while (!Try(nPlace, nullptr) && !m_shared.fBroken)
+        {
+            if (Clock::now() > deadline)
+                throw std::runtime_error("nothing is captured any more");
+            std::this_thread::sleep_for(kRest);
+        }
+        ++m_shared.nDelivered;
+    }
+}
+
+void CHostDriver::AwaitArrival()
+{
+    const auto begin = Clock::now();
+    for (auto asked = begin; !m_shared.fBroken; std::this_thread::sleep_for(kRest))
+    {
+        const nlohmann::json state = m_pClient->Ask("state", kPatience);
+        if (state["waiting"] == 0 && state["unreachable"] == 0)
+            break;
+        if (Clock::now() > begin + kPatience)
+            throw std::runtime_error("not everything arrives: " + state.dump());
+        if (Clock::now() > asked + kServerPatience)
+        {
+            asked = Clock::now();
+            m_shared.fServerWanted = true;
+        }
+    }
+    // What is told of the last of them comes ahead of this answer.
+    m_pClient->Ask("state", kPatience);
+    TakeLateOnes();
+}
+
+// What the host has delivered by itself since its start.
+void CHostDriver::TakeLateOnes()
+{
+    size_t nLateOnes = 0;
+    for (const nlohmann::json& event : m_pClient->Everything())
+    {
+        if (event.value("event", "") != "late" || nLateOnes++ < m_nLateOnes)
+            continue;
+        Attempt attempt;
+        attempt.nLife = m_life.nLife;
+        attempt.nTrack = event["track"];
+        attempt.nPosition = event["position"];
+        const Sound& sound = SoundFor(attempt.nPosition / kPlaceDistance);
+        attempt.nOffset = sound.nOffset;
+        attempt.fServerAway = true;
+        attempt.fLate = true;
+        TakeAnswer(event, attempt);
+        m_attempts.push_back(attempt);
+        m_captured.push_back(&sound);
+    }
+    m_nLateOnes = nLateOnes;
 }
 
 // Where the menu is empty, because the server is away, the track stays what it was.
@@ -145,17 +211,22 @@ bool CHostDriver::Try(std::int64_t nPlace, const PlannedHostKill* pKill)
     attempt.nOffset = sound.nOffset;
     attempt.nFrames = sound.nFrames;
     const unsigned nAbsence = m_shared.nAbsence;
+    bool fWhole = false; // and not refused
     const std::string strCommand = CaptureCommand(sound, attempt.nPosition);
     if (pKill != nullptr)
         Kill(strCommand, pKill->delay);
     else
-        TakeAnswer(m_pClient->Ask(strCommand, kPatience), attempt);
+    {
+        const nlohmann::json answer = m_pClient->Ask(strCommand, kPatience);
+        TakeAnswer(answer, attempt);
+        fWhole = attempt.nFrames == sound.nFrames && answer["fate"] != "refused";
+    }
     attempt.fServerAway = nAbsence % 2 != 0 || nAbsence != m_shared.nAbsence;
     m_attempts.push_back(attempt);
     m_captured.push_back(&sound);
     if (pKill != nullptr)
         Start();
-    return attempt.outcome == Outcome::Delivered || attempt.outcome == Outcome::Duplicate;
+    return fWhole && attempt.outcome != Outcome::NotPublished;
 }
 
 void CHostDriver::Kill(const std::string& strCommand, std::chrono::microseconds delay)
@@ -167,6 +238,7 @@ void CHostDriver::Kill(const std::string& strCommand, std::chrono::microseconds 
     process.Kill();
     process.WaitForEnd(kPatience);
     m_strEnded = process.ErrorOutput();
+    TakeLateOnes();
     m_life.fKilled = true;
     m_life.acknowledges = ReadAcknowledges(m_strEnded);
     m_killed.push_back(m_life);
@@ -191,7 +263,9 @@ void CHostDriver::TakeAnswer(const nlohmann::json& answer, Attempt& attempt)
         return;
     attempt.nElement = answer["element"];
     attempt.strPath = answer["dub"];
-    m_nElements = attempt.nElement + 1;
+    attempt.nFrames = answer["frames"];
+    m_nWithoutOffset += answer["withoutOffset"] == true;
+    m_nElements = std::max(m_nElements, attempt.nElement + 1);
 }
 
 // What a process has written may reach us a little after its answer on another stream.
@@ -212,7 +286,7 @@ void CHostDriver::InspectFiles()
     for (size_t n = 0; n < m_attempts.size(); ++n)
     {
         if (!m_attempts[n].strPath.empty())
-            m_attempts[n].file = StateOf(m_attempts[n].strPath, *m_captured[n]);
+            m_attempts[n].file = StateOf(m_attempts[n], *m_captured[n]);
     }
 }
 
@@ -231,7 +305,7 @@ std::vector<std::string> CHostDriver::StrayFiles() const
     std::vector<std::string> strays;
     for (const auto& entry : fs::directory_iterator(m_captureFolder))
     {
-        if (known.count(entry.path()) == 0)
+        if (known.count(entry.path()) == 0 && !IsJournal(entry.path()))
             strays.push_back(entry.path());
     }
     return strays;
@@ -243,8 +317,12 @@ void CHostDriver::ClearRound()
     m_captured.clear();
     m_killed.clear();
     m_life.nElementsBefore = m_nElements;
+    // A journal is its host's, which goes on.
     for (const auto& entry : fs::directory_iterator(m_captureFolder))
-        fs::remove(entry);
+    {
+        if (!IsJournal(entry.path()))
+            fs::remove(entry);
+    }
 }
 
 void CHostDriver::Close()

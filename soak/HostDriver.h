@@ -26,6 +26,8 @@ struct Shared
     // Odd while server or bus are away; changes with each time.
     std::atomic<unsigned> nAbsence{0};
     std::atomic<bool> fBroken{false};
+    std::atomic<int> nSettled{0};           // drivers that are through with the round
+    std::atomic<bool> fServerWanted{false}; // something waits for one to appear
     const std::chrono::steady_clock::time_point begin = std::chrono::steady_clock::now();
 };
 
@@ -33,7 +35,7 @@ struct Shared
 struct Sound
 {
     std::filesystem::path path;
-    std::string strBytes;
+    std::string strSamples; // their bytes
     std::int64_t nFrames = 0;
     std::int64_t nOffset = 0; // the server's timeline minus the host's, in samples of its rate
 };
@@ -46,8 +48,10 @@ public:
     CHostDriver(int nView, std::filesystem::path captureFolder, std::vector<Sound> sounds,
                 Shared& shared);
 
-    // Captures at so many places, again until each is delivered. nFirst: the first place's number,
-    // of no other view or round. What goes wrong is found in Findings afterwards.
+    // Captures at so many places, and waits until all of it has arrived: what the server refuses,
+    // and what the host's full disk cuts short, is captured again; what reaches no server is the
+    // host's to send again. nFirst: the first place's number, of no other view or round. What goes
+    // wrong is found in Findings afterwards.
     void RunRound(const PlannedRound& round, std::int64_t nFirst);
 
     // Between rounds: what the round has left. The files are looked at by now.
@@ -56,6 +60,7 @@ public:
     std::vector<std::string> StrayFiles() const;
     const std::vector<Finding>& Findings() const { return m_findings; }
     int Kills() const { return m_nKills; }
+    int PlacedWithoutOffset() const { return m_nWithoutOffset; }
     // What the host has written to its standard error stream since its start.
     std::string Log() const { return m_pClient ? m_pClient->Process().ErrorOutput() : m_strEnded; }
     // Of the host that is there, one sample a round.
@@ -74,6 +79,9 @@ public:
 
 private:
     void Start();
+    void RunPlaces(const PlannedRound& round, std::int64_t nFirst);
+    void AwaitArrival();
+    void TakeLateOnes();
     void ChooseTrack(int nTrack);
     // Returns whether the place is done.
     bool Try(std::int64_t nPlace, const PlannedHostKill* pKill);
@@ -92,9 +100,11 @@ private:
     std::mutex m_mutex; // the process, against being replaced while it is limited
     std::unique_ptr<CHostClient> m_pClient;
     Life m_life;
-    int m_nElements = 0; // of this life
+    int m_nElements = 0;    // of this life
+    size_t m_nLateOnes = 0; // of this life, that have been taken in
     int m_nTrack = 0;
     int m_nKills = 0;
+    int m_nWithoutOffset = 0;
     std::string m_strEnded; // the log of the host that ended last
     std::vector<ProcessSample> m_samples;
     std::vector<Life> m_killed;

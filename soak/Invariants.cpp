@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <tuple>
 
 namespace Tarvane::Soak
@@ -71,7 +72,9 @@ private:
     void CheckAcknowledge(const Attempt& attempt, const Acknowledge& acknowledge);
     void CheckAttempt(const Attempt& attempt);
     void CheckDelivered(const Attempt& attempt, size_t nRegions);
-    void CheckUndelivered(const Attempt& attempt, size_t nRegions);
+    bool IsRefused(const Attempt& attempt) const;
+    void CheckUndelivered(const Attempt& attempt);
+    void CheckRefused(const Attempt& attempt, size_t nRegions);
     void CheckDuplicate(const Attempt& attempt, size_t nRegions);
     void CheckRegion(const Attempt& attempt, const SeenRegion& region);
     void CheckDoubles();
@@ -82,7 +85,7 @@ private:
     std::multimap<std::string, const SeenRegion*> m_regions; // by path
     std::map<std::string, const ServerAnswer*> m_answers;    // by path
     std::map<int, std::vector<const Attempt*>> m_attempts;   // by life
-    std::map<std::string, const Attempt*> m_known;           // by path
+    std::map<std::string, const Attempt*> m_last;            // by path, of each capture
     std::vector<const Attempt*> m_unanswered;                // that no region has been found for
     std::vector<Finding> m_findings;
 };
@@ -92,12 +95,12 @@ CRoundCheck::CRoundCheck(const RoundEvidence& evidence) : m_evidence(evidence)
     for (const SeenRegion& region : evidence.regions)
         m_regions.emplace(region.strPath, &region);
     for (const ServerAnswer& answer : evidence.answers)
-        m_answers.emplace(answer.strPath, &answer);
+        m_answers[answer.strPath] = &answer;
     for (const Attempt& attempt : evidence.attempts)
     {
         m_attempts[attempt.nLife].push_back(&attempt);
         if (!attempt.strPath.empty())
-            m_known.emplace(attempt.strPath, &attempt);
+            m_last[attempt.strPath] = &attempt;
         if (attempt.outcome == Outcome::Unanswered)
             m_unanswered.push_back(&attempt);
     }
@@ -121,12 +124,12 @@ void CRoundCheck::CheckAcknowledges(const Life& life)
         acknowledges[acknowledge.nElement].push_back(&acknowledge);
 
     int nElements = life.nElementsBefore;
-    bool fOneUnknown = false;
+    std::set<int> known;
     for (const Attempt* pAttempt : m_attempts[life.nLife])
     {
-        fOneUnknown = fOneUnknown || pAttempt->outcome == Outcome::Unanswered;
         if (pAttempt->nElement < 0)
             continue;
+        known.insert(pAttempt->nElement);
         nElements = std::max(nElements, pAttempt->nElement + 1);
         for (const Acknowledge* pAcknowledge : acknowledges[pAttempt->nElement])
             CheckAcknowledge(*pAttempt, *pAcknowledge);
@@ -134,23 +137,23 @@ void CRoundCheck::CheckAcknowledges(const Life& life)
     const std::string strHost = "host " + std::to_string(life.nLife) + ", element ";
     for (int nElement = 0; nElement < nElements; ++nElement)
     {
-        if (const size_t nCount = acknowledges[nElement].size(); nCount != 1)
+        // Of what a killed host was sending again it could not tell any more.
+        const size_t nCount = acknowledges[nElement].size();
+        if (nCount > 1 || (nCount == 0 && !(life.fKilled && known.count(nElement) == 0)))
             Break("acknowledged-once", strHost + std::to_string(nElement) + " was acknowledged " +
                                            std::to_string(nCount) + " times");
     }
-    // The one that was under way when the host was killed.
-    if (life.fKilled && fOneUnknown)
-    {
-        if (acknowledges[nElements].size() > 1)
-            Break("acknowledged-once", strHost + std::to_string(nElements) +
-                                           " was acknowledged again before the host was killed");
-        ++nElements;
-    }
     for (const auto& [nElement, list] : acknowledges)
     {
-        if (nElement < 0 || (nElement >= nElements && !list.empty()))
+        if (nElement >= 0 && (nElement < nElements || list.empty()))
+            continue;
+        // Those that were under way when the host was killed.
+        if (!life.fKilled || nElement < 0)
             Break("acknowledged-once",
                   strHost + std::to_string(nElement) + " was acknowledged and never captured");
+        else if (list.size() > 1)
+            Break("acknowledged-once", strHost + std::to_string(nElement) +
+                                           " was acknowledged again before the host was killed");
     }
 }
 
@@ -173,6 +176,13 @@ void CRoundCheck::CheckAttempt(const Attempt& attempt)
         Break("file-kept", Describe(attempt) + (attempt.file == FileState::Missing
                                                     ? " has lost its file"
                                                     : " has another file than it captured"));
+    // Where it stands is the last one's to say.
+    if (m_last[attempt.strPath] != &attempt)
+    {
+        if (attempt.outcome == Outcome::Undelivered)
+            CheckUndelivered(attempt);
+        return;
+    }
     const auto [first, last] = m_regions.equal_range(attempt.strPath);
     for (auto at = first; at != last; ++at)
         CheckRegion(attempt, *at->second);
@@ -185,7 +195,10 @@ void CRoundCheck::CheckAttempt(const Attempt& attempt)
     else if (attempt.outcome == Outcome::Duplicate)
         CheckDuplicate(attempt, nRegions);
     else
-        CheckUndelivered(attempt, nRegions);
+    {
+        CheckUndelivered(attempt);
+        CheckRefused(attempt, nRegions);
+    }
 }
 
 void CRoundCheck::CheckDelivered(const Attempt& attempt, size_t nRegions)
@@ -203,17 +216,31 @@ void CRoundCheck::CheckDelivered(const Attempt& attempt, size_t nRegions)
         Break("in-session-once", Describe(attempt) + " is not in the session");
 }
 
-void CRoundCheck::CheckUndelivered(const Attempt& attempt, size_t nRegions)
+bool CRoundCheck::IsRefused(const Attempt& attempt) const
 {
     const auto answer = m_answers.find(attempt.strPath);
-    const bool fRefused = answer != m_answers.end() && !answer->second->strError.empty();
-    if (fRefused && answer->second->strError.rfind(kSaveRefused, 0) != 0)
-        Break("refused-for-cause", Describe(attempt) + " was refused: " + answer->second->strError);
-    if (fRefused && nRegions != 0)
+    return answer != m_answers.end() && !answer->second->strError.empty();
+}
+
+void CRoundCheck::CheckUndelivered(const Attempt& attempt)
+{
+    if (!attempt.fServerAway && !IsRefused(attempt))
+        Break("undelivered-for-cause", Describe(attempt) + ", while the server was there");
+}
+
+// What is still not delivered in the end.
+void CRoundCheck::CheckRefused(const Attempt& attempt, size_t nRegions)
+{
+    if (!IsRefused(attempt))
+    {
+        Break("arrives-in-the-end", Describe(attempt) + " has never arrived");
+        return;
+    }
+    const std::string& strError = m_answers[attempt.strPath]->strError;
+    if (strError.rfind(kSaveRefused, 0) != 0)
+        Break("refused-for-cause", Describe(attempt) + " was refused: " + strError);
+    if (nRegions != 0)
         Break("in-session-once", Describe(attempt) + " was refused and is in the session");
-    if (!attempt.fServerAway && !fRefused)
-        Break("undelivered-for-cause", Describe(attempt) + ", while the server was there" +
-                                           (nRegions > 0 ? ", and is in the session" : ""));
 }
 
 void CRoundCheck::CheckDuplicate(const Attempt& attempt, size_t nRegions)
@@ -224,7 +251,8 @@ void CRoundCheck::CheckDuplicate(const Attempt& attempt, size_t nRegions)
                     { return Place(region.nTrack, region.nPosition) == PlaceOf(attempt); });
     if (!fThere)
         Break("duplicate-is-there", Describe(attempt) + " has nothing at its place");
-    if (nRegions != 0)
+    // One that is sent again may have been added the first time, without an answer.
+    if (nRegions != 0 && !attempt.fLate)
         Break("duplicate-is-there", Describe(attempt) + " was added all the same");
 }
 
@@ -244,14 +272,16 @@ void CRoundCheck::CheckRegion(const Attempt& attempt, const SeenRegion& region)
 
 void CRoundCheck::CheckDoubles()
 {
-    std::map<Place, const Attempt*> first;
+    std::map<std::tuple<Place, std::int64_t>, const Attempt*> first;
     for (const Attempt& attempt : m_evidence.attempts)
     {
         if (m_regions.count(attempt.strPath) == 0)
             continue;
-        const auto [at, fFirst] = first.emplace(PlaceOf(attempt), &attempt);
+        const auto [at, fFirst] =
+            first.emplace(std::tuple(PlaceOf(attempt), attempt.nFrames), &attempt);
         // Required: a question for duplicates that fails reads as none.
-        if (!fFirst && !attempt.fServerAway)
+        const bool fAway = attempt.fServerAway || at->second->fServerAway;
+        if (!fFirst && at->second->strPath != attempt.strPath && !fAway)
             Break("not-doubled", Describe(attempt) + " was added beside " + Describe(*at->second));
     }
 }
@@ -280,7 +310,7 @@ void CRoundCheck::CheckStrangers()
     {
         if (!region.fFileThere)
             Break("file-kept", Describe(region) + " has lost its file");
-        if (m_known.count(region.strPath) == 0 && !TakeUnanswered(region))
+        if (m_last.count(region.strPath) == 0 && !TakeUnanswered(region))
             Break("captured-by-somebody", Describe(region) + " was captured by nobody");
     }
     // Its unfinished file, and the name that it was about to get.

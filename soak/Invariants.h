@@ -3,6 +3,8 @@
 //   acknowledged-once     every finished element has one acknowledge, with the outcome that the
 //   host
 //                         was told; an element whose host was killed has one at most
+//   arrives-in-the-end    every capture is delivered or a duplicate in the end, by whichever host,
+//                         but for what the server refused, which is captured again
 //   in-session-once       what is acknowledged as delivered stands in the session once, and what
 //   the
 //                         server refused not at all; no region stands there twice

@@ -11,7 +11,9 @@
 #include <cstdio>
 #include <fstream>
 #include <random>
+#include <set>
 #include <sstream>
+#include <tuple>
 
 namespace fs = std::filesystem;
 
@@ -23,7 +25,6 @@ namespace
 
 constexpr int kSoundsOfAView = 6;
 constexpr std::int64_t kFrames = 480;
-constexpr std::size_t kLargestSound = 1 << 20;
 // What a server keeps of each region, in memory and in the text of its file.
 constexpr long kServerMemoryOfARegion = 4; // KiB
 // A server keeps the process that ran its last script, if that changed nothing.
@@ -45,7 +46,10 @@ Sound MakeSound(const fs::path& path, unsigned nSeed)
     for (short& nSample : samples)
         nSample = static_cast<short>(noise());
     sf_writef_short(pFile.get(), samples.data(), kFrames);
-    return {path, "", kFrames, static_cast<std::int64_t>(kLinkOffset * info.samplerate)};
+    return {path,
+            {reinterpret_cast<const char*>(samples.data()), samples.size() * sizeof(short)},
+            kFrames,
+            static_cast<std::int64_t>(kLinkOffset * info.samplerate)};
 }
 
 SeenRegion SeenFrom(const Server::Document& document, const Server::Region& region)
@@ -89,7 +93,6 @@ std::vector<Sound> CSoak::MakeSounds(int nView) const
         const int nSeed = nView * kSoundsOfAView + n;
         const fs::path path = m_folder / "sounds" / ("take " + std::to_string(nSeed) + ".wav");
         sounds.push_back(MakeSound(path, static_cast<unsigned>(nSeed)));
-        sounds.back().strBytes = ReadFile(path, kLargestSound);
     }
     return sounds;
 }
@@ -146,11 +149,14 @@ void CSoak::RunRound(size_t nRound)
     fs::create_directories(m_round);
     m_pServer = std::make_unique<CServerProcess>(m_session);
     m_shared.nDelivered = 0;
+    m_shared.nSettled = 0;
+    m_shared.fServerWanted = false;
     m_nRound = nRound;
     m_barrier.arrive_and_wait();
     try
     {
         MakeFaults(m_plan.rounds[nRound]);
+        LetAllArrive();
     }
     catch (const std::exception& error)
     {
@@ -197,6 +203,22 @@ void CSoak::Make(const PlannedFault& fault)
         ++m_totals.nBusRestarts;
     }
     ++m_shared.nAbsence;
+}
+
+// A take whose server did not answer waits for one that appears.
+void CSoak::LetAllArrive()
+{
+    while (m_shared.nSettled < m_settings.nViews && !m_shared.fBroken)
+    {
+        std::this_thread::sleep_for(kGlance);
+        if (!m_shared.fServerWanted.exchange(false))
+            continue;
+        ++m_shared.nAbsence;
+        m_pServer->Kill();
+        m_pServer->Restart();
+        ++m_shared.nAbsence;
+        ++m_totals.nServersWanted;
+    }
 }
 
 void CSoak::FillDisk(const PlannedFault& fault)
@@ -294,12 +316,20 @@ void CSoak::Count(const RoundEvidence& evidence)
         m_totals.nUndelivered += attempt.outcome == Outcome::Undelivered;
         m_totals.nFailed += attempt.outcome == Outcome::NotPublished;
         m_totals.nUnanswered += attempt.outcome == Outcome::Unanswered;
+        m_totals.nLate += attempt.fLate;
     }
+    std::set<std::tuple<int, std::int64_t, std::int64_t>> places;
+    for (const SeenRegion& region : evidence.regions)
+        m_totals.nTwice += !places.insert({region.nTrack, region.nPosition, region.nEnd}).second;
     for (const ServerAnswer& answer : evidence.answers)
         m_totals.nRefused += !answer.strError.empty();
     m_totals.nHostKills = 0;
+    m_totals.nWithoutOffset = 0;
     for (const auto& pDriver : m_drivers)
+    {
         m_totals.nHostKills += pDriver->Kills();
+        m_totals.nWithoutOffset += pDriver->PlacedWithoutOffset();
+    }
 }
 
 // Caches fill in a host's first round and in the part of a round before it.
@@ -367,6 +397,11 @@ void CSoak::Summarise() const
          << "  not delivered       " << m_totals.nUndelivered << "\n"
          << "  not captured        " << m_totals.nFailed << " (the host's disk was full)\n"
          << "  host killed         " << m_totals.nUnanswered << "\n"
+         << "sent again by hosts   " << m_totals.nLate << "\n"
+         << "without the offset    " << m_totals.nWithoutOffset
+         << " (it could not be had, and counted as 0)\n"
+         << "standing twice        " << m_totals.nTwice << " (the question for duplicates failed)\n"
+         << "servers started       " << m_totals.nServersWanted << " (for what had no answer)\n"
          << "server kills          " << m_totals.nServerKills << "\n"
          << "host kills            " << m_totals.nHostKills << "\n"
          << "bus restarts          " << m_totals.nBusRestarts << "\n"

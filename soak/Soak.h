@@ -26,6 +26,10 @@ struct SoakTotals
     long nUndelivered = 0;
     long nFailed = 0;     // captures that the full disk took no more
     long nUnanswered = 0; // whose host was killed
+    long nLate = 0;       // deliveries that a host tried by itself, later
+    long nWithoutOffset = 0;
+    long nTwice = 0; // captures that stand beside one like them
+    long nServersWanted = 0;
     long nServerKills = 0;
     long nHostKills = 0;
     long nBusRestarts = 0;
@@ -51,6 +55,7 @@ private:
     void RunRound(size_t nRound);
     void MakeFaults(const PlannedRound& round);
     void Make(const PlannedFault& fault);
+    void LetAllArrive();
     void FillDisk(const PlannedFault& fault);
     void CloseRound(size_t nRound);
     RoundEvidence Gather() const;

@@ -176,7 +176,9 @@ nlohmann::json CHost::State() const
             {"tracks", m_pView->Tracks()},
             {"selected", m_pView->SelectedTrack()},
             {"message", words.strMessage},
-            {"advice", words.strAdvice}};
+            {"advice", words.strAdvice},
+            {"waiting", m_plugIn->Waiting()},
+            {"unreachable", m_plugIn->Unreachable()}};
 }
 
 void CHost::Answer(nlohmann::json answer)

@@ -110,6 +110,11 @@ public:
     // True from a capture's start until it is published or has failed.
     bool IsCapturing() const;
 
+    // Captures that wait for a view, and those that wait for a server to appear; of earlier runs
+    // too.
+    size_t Waiting() const { return m_core.Waiting(); }
+    size_t Unreachable() const { return m_core.Unreachable(); }
+
     // Ends capturing for good, as disposal does: a capture that is under way gets its file, and the
     // observer is told of it. Nothing is raised any more. The properties can still be read and
     // written. Not inside a notification.

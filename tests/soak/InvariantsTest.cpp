@@ -51,6 +51,23 @@ protected:
         round.regions.push_back({strPath, nTrack, nPosition + kOffset, 0, kFrames, true});
     }
 
+    void AddUndelivered()
+    {
+        Add(2, 5000, "/takes/d.wav", Outcome::Undelivered);
+        round.attempts.back().fServerAway = true;
+    }
+    // The one that was added last.
+    void SendAgain(Outcome outcome)
+    {
+        const std::string strPath = round.attempts.back().strPath;
+        if (outcome == Outcome::Delivered)
+            Deliver(2, 5000, strPath);
+        else
+            Add(2, 5000, strPath, outcome);
+        round.attempts.back().fServerAway = true;
+        round.attempts.back().fLate = true;
+    }
+
     // The host is killed while it captures on track 2 at sample 9000.
     void KillHost()
     {
@@ -200,11 +217,29 @@ TEST_F(SoakInvariants, AFileWithOtherContentBreaksThem)
 
 TEST_F(SoakInvariants, TheFileOfAnUndeliveredCaptureIsKept)
 {
-    Add(2, 5000, "/takes/d.wav", Outcome::Undelivered);
-    round.attempts.back().fServerAway = true;
+    AddUndelivered();
+    SendAgain(Outcome::Delivered);
     ExpectHolds();
-    round.attempts.back().file = FileState::Missing;
+    round.attempts[3].file = FileState::Missing;
     ExpectBroken("file-kept", "d.wav has lost its file");
+}
+
+TEST_F(SoakInvariants, WhatNeverArrivesBreaksThem)
+{
+    AddUndelivered();
+    ExpectBroken("arrives-in-the-end", "d.wav has never arrived");
+    SendAgain(Outcome::Undelivered);
+    ExpectBroken("arrives-in-the-end", "d.wav has never arrived");
+    SendAgain(Outcome::Delivered);
+    ExpectHolds();
+}
+
+TEST_F(SoakInvariants, WhatARefusedCaptureLeftOpenIsCapturedAgain)
+{
+    AddUndelivered();
+    round.answers.push_back({"/takes/d.wav", "nothing was changed, for the session could not be "
+                                             "saved: full"});
+    ExpectHolds();
 }
 
 TEST_F(SoakInvariants, ARegionWithoutItsFileBreaksThem)
@@ -215,16 +250,26 @@ TEST_F(SoakInvariants, ARegionWithoutItsFileBreaksThem)
 
 TEST_F(SoakInvariants, UndeliveredWhileTheServerWasThereBreaksThem)
 {
-    Add(2, 5000, "/takes/d.wav", Outcome::Undelivered);
+    AddUndelivered();
+    SendAgain(Outcome::Delivered);
+    round.attempts[3].fServerAway = false;
     ExpectBroken("undelivered-for-cause", "d.wav");
 }
 
-TEST_F(SoakInvariants, AnUndeliveredCaptureMayStandWhereItBelongsWhenItsReplyWasLost)
+TEST_F(SoakInvariants, WhatIsSentAgainMayStandThereWhenItsReplyWasLost)
 {
-    Add(2, 5000, "/takes/d.wav", Outcome::Undelivered);
-    round.attempts.back().fServerAway = true;
+    AddUndelivered();
+    SendAgain(Outcome::Duplicate);
     round.regions.push_back({"/takes/d.wav", 2, 5000 + kOffset, 0, kFrames, true});
     ExpectHolds();
+    round.regions.push_back(round.regions.back());
+    ExpectBroken("in-session-once", "d.wav stands in the session 2 times");
+}
+
+TEST_F(SoakInvariants, WhatIsSentAgainStandsOnItsTrack)
+{
+    AddUndelivered();
+    SendAgain(Outcome::Delivered);
     round.regions.back().nTrack = 1;
     ExpectBroken("on-its-track", "d.wav");
 }
