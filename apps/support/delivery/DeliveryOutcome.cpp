@@ -1,7 +1,8 @@
 #include "apps/support/delivery/DeliveryOutcome.h"
 
-#include <charconv>
 #include <cstdlib>
+#include <locale>
+#include <sstream>
 #include <string_view>
 
 namespace Tarvane
@@ -28,9 +29,9 @@ bool IsAnswered(const SeenCommand& command)
 std::optional<double> OffsetIn(const SeenCommand& command)
 {
     double dSeconds = 0;
-    const char* const pEnd = command.strResult.data() + command.strResult.size();
-    const bool fTold = IsAnswered(command) && command.strError.empty() &&
-                       std::from_chars(command.strResult.data(), pEnd, dSeconds).ec == std::errc();
+    std::istringstream text(command.strResult);
+    text.imbue(std::locale::classic());
+    const bool fTold = IsAnswered(command) && command.strError.empty() && text >> dSeconds;
     return fTold ? std::optional(dSeconds) : std::nullopt;
 }
 
