@@ -2,6 +2,7 @@
 #include "tests/plugin/RealHosts.h"
 
 #include <csignal>
+#include <fstream>
 #include <sstream>
 
 using namespace TarvaneTest;
@@ -282,6 +283,84 @@ TEST_P(JalvWindow, RealClicksArmChooseTracksAndDisarm)
 }
 
 INSTANTIATE_TEST_SUITE_P(, JalvWindow, Values("jalv.gtk3", "jalv.qt5"), CProgramName());
+
+TEST_F(Jalv, TwoInstancesHaveAWindowATrackAndATakeOfTheirOwn)
+{
+    surroundings.StartServer();
+    Open("jalv.gtk3");
+    CJalv other("jalv.gtk3", {"-n", "other"}, "other");
+    other.Open();
+    host->MoveWindow(20, 60);
+    other.MoveWindow(640, 500);
+    other.ChooseTrack(1);
+
+    host->ClickToggle();
+    Roll(60001);
+    ExpectRegions(0, 60001, "Dialogue");
+    const std::size_t nThere = SettledRegions();
+    host->ClickToggle();
+    other.ClickToggle();
+    Roll(160001);
+    ExpectRegions(nThere, 160001, "ADR");
+}
+
+TEST_F(Jalv, TheFolderThatIsInstalledNeedsNothingOfOursFromElsewhere)
+{
+    const std::filesystem::path installed = surroundings.folder / "installed";
+    OutputOf({"cmake", "--install", BUILD_FOLDER, "--prefix", installed, "--component", "lv2"});
+    ::setenv("LV2_PATH", ((installed / "lib/lv2").string() + ":/usr/lib/lv2").c_str(), 1);
+    surroundings.StartServer();
+    Open("jalv.gtk3");
+    host->ClickToggle();
+    Roll(77777);
+    ExpectRegions(0, 77777, "Dialogue");
+
+    const std::string strFolder = installed / "lib/lv2/tarvane-link.lv2";
+    for (const int nProcess : {static_cast<int>(host->process->Pid()), host->ViewProcess()})
+    {
+        std::ifstream maps("/proc/" + std::to_string(nProcess) + "/maps");
+        std::stringstream text;
+        text << maps.rdbuf();
+        EXPECT_THAT(text.str(), HasSubstr(strFolder));
+        EXPECT_THAT(text.str(), Not(HasSubstr(BUILD_FOLDER)));
+    }
+}
+
+TEST_F(Jalv, ASessionThatIsLoadedHasItsTrackAndItsTakesButIsNotArmed)
+{
+    surroundings.StartServer();
+    Open("jalv.gtk3");
+    host->ChooseTrack(1);
+    host->ClickToggle();
+    const std::filesystem::path saved = surroundings.folder / "saved";
+    std::filesystem::create_directory(saved);
+    OutputOf({"xdotool", "key", "ctrl+s"});
+    ASSERT_TRUE(Comes(
+        [] {
+            return !WhatSays({"xdotool", "search", "--onlyvisible", "--name", "^Save State$"})
+                        .empty();
+        }));
+    OutputOf({"xdotool", "type", "--delay", "20", saved.string() + "/"});
+    Pause(500);
+    OutputOf({"xdotool", "key", "Return"});
+    ASSERT_TRUE(Comes([&] { return std::filesystem::exists(saved / "state.ttl"); }));
+    // What it captured when no server was there waits for the instance that is loaded.
+    surroundings.server.reset();
+    Roll(40000);
+    ASSERT_TRUE(Comes([&] { return surroundings.TakeFiles().size() == 1; }));
+    host.reset();
+
+    surroundings.StartServer();
+    Open("jalv.gtk3", {"-l", saved});
+    ExpectRegions(0, 40000, "ADR");
+    const std::size_t nThere = SettledRegions();
+    Roll(240000);
+    Pause(300);
+    EXPECT_EQ(surroundings.TakeFiles().size(), nThere) << "not armed";
+    host->ClickToggle();
+    Roll(440000);
+    ExpectRegions(nThere, 440000, "ADR");
+}
 
 TEST_F(Jalv, AViewThatIsKilledCostsNoTakeAndDoublesNone)
 {
