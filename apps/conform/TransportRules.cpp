@@ -77,7 +77,7 @@ void TakesSilence(const ServerBench& bench)
 
 void KeepsCommandsApart(const ServerBench& bench)
 {
-    bench.peer.Printed("nLeftBehind = 1\n");
+    bench.peer.Printed("nLeftBehind = 1\nprint(1)\n");
     ExpectPrinted(bench.peer, "print(nLeftBehind)\n", "nil\n");
 }
 

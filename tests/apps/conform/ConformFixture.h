@@ -4,6 +4,8 @@
 #include "apps/support/ChildProcess.h"
 
 #include <chrono>
+#include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -30,6 +32,12 @@ struct ConformEnded
         return names;
     }
 };
+
+inline std::string FileText(const char* szPath)
+{
+    std::ifstream file(szPath);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 inline ConformEnded RunConform(std::vector<std::string> arguments)
 {

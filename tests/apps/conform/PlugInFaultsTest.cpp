@@ -2,6 +2,7 @@
 // be asked for, examined in this process, since none of them ends one.
 #include "apps/conform/PlugInExamination.h"
 #include "apps/support/SignalFaults.h"
+#include "tests/apps/conform/ConformFixture.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -100,6 +101,48 @@ const std::map<SignalFault, Ids> kBroken{
     {SignalFault::ViewHidden, {"P38"}},
 };
 
+// What the page for makers says of each rule.
+const std::map<std::string, const char*> kSentences{
+    {"P1", "tells the view through properties of its audio unit"},
+    {"P2", "one byte: 1 armed, 0 not"},
+    {"P3", "negative for none"},
+    {"P4", "the plug-in only keeps it"},
+    {"P5", "the armed state asked for"},
+    {"P6", "A read never gets more bytes than it has room for"},
+    {"P7", "Instances have nothing in common"},
+    {"P8", "64004 is raised after every change of the armed state, whatever its cause"},
+    {"P9", "When the removal of a listener returns, that listener is not called again"},
+    {"P10", "A listener is known by its procedure and its user data together"},
+    {"P11", "none is when disposal returns"},
+    {"P12", "64000 is raised"},
+    {"P13", "What is not in place by then is not delivered"},
+    {"P14", "every field that it reads has to be written"},
+    {"P15", "full path in UTF-8 that ends inside its field"},
+    {"P16", "all in samples and finite"},
+    {"P17", "The file stays as it is"},
+    {"P18", "The file is written to its end"},
+    {"P19", "64007 goes on to the next element"},
+    {"P20", "64004 is raised: only then does the view show why"},
+    {"P21", "elements that are finished meanwhile wait behind it"},
+    {"P22", "The last byte is padding, whose value means nothing"},
+    {"P23", "in the order of their captures"},
+    {"P24", "an acknowledge speaks of its own element alone"},
+    {"P25", "seconds captured so far"},
+    {"P26", "not to be raised"},
+    {"P27", "when those of one capture come from one thread"},
+    {"P28", "no more than a thousand times a second"},
+    {"P29", "Nothing is raised while nothing happens"},
+    {"P30", "The sizes of its properties, and which are written, can be asked for"},
+    {"P31", "less room than a value takes is refused"},
+    {"P32", "properties that a plug-in has not"},
+    {"P33", "once for each element"},
+    {"P34", "at most 1023 bytes without double quotes"},
+    {"P35", "the file's sample rate"},
+    {"P36", "the end of a capture too"},
+    {"P37", "what is not written is whatever stood there"},
+    {"P38", "by which hosts find the view"},
+};
+
 } // namespace
 
 // They wait more than they work, so several run at a time.
@@ -125,6 +168,13 @@ TEST_F(PlugInFaults, EveryRuleIsBrokenBySomeFault)
     for (const PlugInRule& rule : PlugInRules())
         all.insert(rule.szId);
     EXPECT_EQ(broken, all);
+}
+
+TEST_F(PlugInFaults, EveryRuleHasItsSentenceOnThePageForMakers)
+{
+    const std::string strPage = FileText(PAGE_FOR_MAKERS);
+    for (const PlugInRule& rule : PlugInRules())
+        EXPECT_THAT(strPage, testing::HasSubstr(kSentences.at(rule.szId))) << rule.szId;
 }
 
 TEST_F(PlugInFaults, RulesAboutCapturesWaitForOneThatIsAnnounced)
