@@ -2,10 +2,14 @@
 
 #include "apps/conform/PlugInExamination.h"
 #include "apps/conform/Report.h"
+#include "apps/conform/ReportPage.h"
 #include "apps/conform/ServerExamination.h"
+#include "apps/conform/ServerProcess.h"
 #include "apps/conform/ServerRules.h"
+#include "apps/support/AtomicFile.h"
 #include "apps/support/CommandLine.h"
 
+#include <fstream>
 #include <iostream>
 
 namespace Tarvane::Conform
@@ -21,17 +25,33 @@ struct Options
 {
     bool fJson = false;
     bool fList = false;
+    std::string strReport{}; // a file
     ServerOptions server{};
     PlugInOptions plugIn{};
     std::string strAlone{}; // the rule that is this process's
 };
 
-int Tell(const char* szParty, const Findings& findings, bool fJson)
+// Before the examination, which takes its time.
+void CheckReport(const Options& options)
 {
-    if (fJson)
-        std::cout << FindingsJson(szParty, findings).dump(2) << "\n";
+    if (!options.strReport.empty() && !std::ofstream(options.strReport, std::ios::app))
+        throw CUsageError("no report can be written to " + options.strReport + ".");
+}
+
+int Tell(const Options& options, const Subject& subject, const Findings& findings)
+{
+    const char* szParty = subject.strParty.c_str();
+    if (options.fJson)
+    {
+        nlohmann::ordered_json told = FindingsJson(szParty, findings);
+        told["version"] = subject.strVersion;
+        std::cout << told.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
+    }
     else
-        std::cout << FindingsText(szParty, findings);
+        std::cout << FindingsText(szParty, findings)
+                  << (subject.strVersion.empty() ? "" : "Version: " + subject.strVersion + "\n");
+    if (!options.strReport.empty())
+        ReplaceFile(options.strReport, ReportPage(subject, findings));
     return Conforms(findings) ? kExitDone : kExitFailed;
 }
 
@@ -43,7 +63,15 @@ int Server(const Options& options)
         std::cout << RulesText("server", {rules.begin(), rules.end()});
         return kExitDone;
     }
-    return Tell("server", ExamineServer(options.server), options.fJson);
+    CheckReport(options);
+    const Findings findings = ExamineServer(options.server);
+    return Tell(options, {"server", ServerAddress(), VersionOfServer(options.server)}, findings);
+}
+
+void DeclareReport(CLI::App& command, Options& options)
+{
+    command.add_option("--report", options.strReport, "Write the findings as a page of HTML too")
+        ->type_name("FILE");
 }
 
 void DeclareServer(CLI::App& app, Options& options)
@@ -53,6 +81,7 @@ void DeclareServer(CLI::App& app, Options& options)
                   "track of its document, which is cleared at the end: open a session made for "
                   "the purpose.");
     pServer->add_flag("--json", options.fJson, "Tell the findings as JSON.");
+    DeclareReport(*pServer, options);
     pServer->add_flag("--list", options.fList, "Tell the rules, and examine nothing.");
     pServer->add_option("--track", options.server.nTrack, "The track to work on, from 0 [the last]")
         ->check(CLI::NonNegativeNumber);
@@ -80,7 +109,8 @@ int PlugIn(const Options& options)
         throw CUsageError("name the LIBRARY with the plug-in's signal side.");
     if (!options.strAlone.empty())
         ExamineRuleAndEnd(options.plugIn, options.strAlone);
-    return Tell("plug-in", ExaminePlugIn(options.plugIn), options.fJson);
+    CheckReport(options);
+    return Tell(options, {"plug-in", options.plugIn.strLibrary, ""}, ExaminePlugIn(options.plugIn));
 }
 
 CLI::App* DeclarePlugIn(CLI::App& app, Options& options)
@@ -92,6 +122,7 @@ CLI::App* DeclarePlugIn(CLI::App& app, Options& options)
                         "Exports TarvaneLinkSignalSideFactory, and TarvaneConformPlay if it is to "
                         "capture (apps/conform/PlugInEntry.h)");
     pPlugIn->add_flag("--json", options.fJson, "Tell the findings as JSON.");
+    DeclareReport(*pPlugIn, options);
     pPlugIn->add_flag("--list", options.fList, "Tell the rules, and examine nothing.");
     pPlugIn->add_option("--rule", options.plugIn.rules,
                         "Examine this rule; may be given more than once [all]");

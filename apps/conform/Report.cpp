@@ -13,11 +13,6 @@ const char* NameOf(Level level)
     return level == Level::Must ? "MUST" : "SHOULD";
 }
 
-std::string Sentence(const char* szParty, const Rule& rule)
-{
-    return std::string("The ") + szParty + " " + NameOf(rule.level) + " " + rule.szText + ".";
-}
-
 long Count(const Findings& findings, Level level, Outcome outcome)
 {
     return std::count_if(findings.begin(), findings.end(),
@@ -34,6 +29,16 @@ std::string Summary(const Findings& findings, Level level)
 }
 
 } // namespace
+
+std::string Sentence(const char* szParty, const Rule& rule)
+{
+    return std::string("The ") + szParty + " " + NameOf(rule.level) + " " + rule.szText + ".";
+}
+
+std::string SummaryText(const Findings& findings)
+{
+    return Summary(findings, Level::Must) + Summary(findings, Level::Should);
+}
 
 const char* NameOf(Outcome outcome)
 {
@@ -108,8 +113,7 @@ std::string NotExaminedText(const Findings& findings)
 std::string FindingsText(const char* szParty, const Findings& findings)
 {
     return FindingsWith(szParty, findings, Outcome::Kept) + NotExaminedText(findings) +
-           FindingsWith(szParty, findings, Outcome::Broken) + Summary(findings, Level::Must) +
-           Summary(findings, Level::Should);
+           FindingsWith(szParty, findings, Outcome::Broken) + SummaryText(findings);
 }
 
 nlohmann::ordered_json FindingsJson(const char* szParty, const Findings& findings)

@@ -17,6 +17,11 @@ const char* NameOf(Outcome outcome);
 std::string FindingsText(const char* szParty, const Findings& findings);
 nlohmann::ordered_json FindingsJson(const char* szParty, const Findings& findings);
 
+/// "The server MUST ...".
+std::string Sentence(const char* szParty, const Rule& rule);
+/// How many rules of each level have which outcome, a line a level.
+std::string SummaryText(const Findings& findings);
+
 /// The rules alone, each with a line of why.
 std::string RulesText(const char* szParty, const std::vector<Rule>& rules);
 

@@ -19,6 +19,11 @@ namespace
 constexpr double kTicksPerSecond = 60.0;
 constexpr std::chrono::milliseconds kGlance{20};
 
+SInt32 TicksOf(const ServerOptions& options)
+{
+    return static_cast<SInt32>(options.dTimeout * kTicksPerSecond);
+}
+
 // Throws CBroken where it cannot be found out.
 int TrackToWorkOn(const CServerPeer& peer, const ServerOptions& options)
 {
@@ -102,7 +107,7 @@ Finding Examined(const ServerRule& rule, const ServerBench& bench)
 
 Findings ExamineServer(const ServerOptions& options)
 {
-    const auto nTicks = static_cast<SInt32>(options.dTimeout * kTicksPerSecond);
+    const SInt32 nTicks = TicksOf(options);
     // The link's own commands take the platform's default.
     setenv("TARVANE_AE_DEFAULT_TIMEOUT_TICKS", std::to_string(nTicks).c_str(), 1);
     const CServerPeer peer(nTicks);
@@ -133,6 +138,15 @@ Findings ExamineServer(const ServerOptions& options)
             strInTheWay = "the server no longer answers";
     }
     return findings;
+}
+
+std::string VersionOfServer(const ServerOptions& options)
+{
+    const Reply reply = CServerPeer(TicksOf(options))
+                            .Send("if type(GetLinkVersion) == 'function' then\n"
+                                  "print(GetLinkVersion())\nend\n");
+    const std::string strPrinted = reply.result ? reply.result->strText : "";
+    return strPrinted.substr(0, strPrinted.find_first_of("\r\n"));
 }
 
 std::vector<ServerRule> ServerRules()

@@ -3,6 +3,7 @@
 #include "apps/conform/Rule.h"
 
 #include <optional>
+#include <string>
 
 namespace Tarvane::Conform
 {
@@ -20,5 +21,8 @@ struct ServerOptions
 /// when the first rule is broken, the other rules are not examined. Throws CUsageError when there
 /// is no server, or no track that may be worked on: nothing has been changed then.
 Findings ExamineServer(const ServerOptions& options);
+
+/// What the server's GetLinkVersion answers; empty where it has none, or no longer answers.
+std::string VersionOfServer(const ServerOptions& options);
 
 } // namespace Tarvane::Conform

@@ -1,5 +1,6 @@
 // Selecting a document, and what concerns the whole of one.
 #include "apps/server/ScriptFunctions.h"
+#include "apps/support/ProgramVersion.h"
 
 namespace Tarvane::Server
 {
@@ -29,6 +30,7 @@ std::vector<ScriptFunction> DocumentFunctions(CScriptContext& context)
          [&context](const CScriptArguments&) { return context.Select(DocumentKind::Script); }},
         {"SelectAudioSuiteDocument",
          [&context](const CScriptArguments&) { return context.Select(DocumentKind::AudioSuite); }},
+        {"GetLinkVersion", [](const CScriptArguments&) { return std::string(ProgramVersion()); }},
         {"GetUpdateCount",
          [&context](const CScriptArguments&) { return context.Session().UpdateCount(); }},
         {"GetLinkSMPTEOffset", [&context](const CScriptArguments&) { return LinkOffset(context); }},

@@ -1,10 +1,11 @@
 // The functions that the server offers to scripts, on top of the sandbox.
 //
 // A script selects a document first; the selection holds for that script. Every function but the
-// two that select, GetUpdateCount and the two that know the null id refuses to work without one.
+// two that select, GetLinkVersion, GetUpdateCount and the two that know the null id refuses to work without one.
 //
 //     SelectScriptDocument()       true, and selects it, when the server has the document
 //     SelectAudioSuiteDocument()   likewise
+//     GetLinkVersion()             the server's version, "1.2.3"; for whoever asks, never the view
 //     GetUpdateCount()             count of the session's changes so far
 //     GetLinkSMPTEOffset()         seconds by which the server's timeline is ahead of the host's
 //     MoveDisplayToPosition(dPosition)

@@ -1,5 +1,7 @@
 #include "apps/support/CommandLine.h"
 
+#include "apps/support/ProgramVersion.h"
+
 #include "apps/support/PlainText.h"
 
 #include <algorithm>
@@ -29,9 +31,14 @@ int Complain(const CLI::App& app, const std::string& strText, int nCode)
 
 } // namespace
 
+const char* ProgramVersion()
+{
+    return TARVANE_VERSION;
+}
+
 void AddCommonOptions(CLI::App& app, const std::string& strFailed)
 {
-    app.set_version_flag("--version", app.get_name() + " " TARVANE_VERSION);
+    app.set_version_flag("--version", app.get_name() + " " + ProgramVersion());
     app.footer("Exit codes: 0 done, 1 " + strFailed + ", 2 wrong use or unusable input.");
 }
 

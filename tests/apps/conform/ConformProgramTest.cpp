@@ -2,6 +2,7 @@
 
 #include "apps/conform/ServerPeer.h"
 #include "apps/support/ChildProcess.h"
+#include "apps/support/ProgramVersion.h"
 #include "tests/apps/conform/ConformFixture.h"
 #include "tests/apps/link/ScriptedServer.h"
 #include "tests/apps/support/ManualPage.h"
@@ -202,6 +203,36 @@ TEST_F(ConformProgram, WithOneTrackItsApartnessIsNotExamined)
     const ConformEnded ended = Examine();
     EXPECT_EQ(ended.nExitCode, 1);
     EXPECT_THAT(ended.Rules("not examined"), testing::ElementsAre("S37", "S32"));
+}
+
+TEST_F(ConformProgram, ReportIsAPageWithVersionsWhatWasTriedAndEachRule)
+{
+    StartServer();
+    const std::string strFile = m_folder.Path() / "report.html";
+    const ConformEnded ended = RunConform({"server", "--report", strFile});
+    EXPECT_THAT(ended.strOutput, HasSubstr(std::string("\nVersion: ") + Tarvane::ProgramVersion()));
+    const std::string strPage = FileText(strFile.c_str());
+    EXPECT_THAT(strPage, testing::StartsWith("<!DOCTYPE html>"));
+    EXPECT_THAT(strPage, HasSubstr("<h1>The server conforms</h1>"));
+    EXPECT_THAT(strPage, HasSubstr(std::string("version ") + Tarvane::ProgramVersion()));
+    EXPECT_THAT(strPage, HasSubstr("<p class=\"line\">Tried: 4 regions side by side</p>"));
+    EXPECT_THAT(strPage, HasSubstr("<td>S43</td><td class=\"kept\">kept</td>"));
+}
+
+TEST_F(ConformProgram, ReportThatCannotBeWrittenIsRefusedBeforeAnythingIsExamined)
+{
+    const ConformEnded ended = RunConform({"server", "--report", "/there/is/none/report.html"});
+    EXPECT_EQ(ended.nExitCode, 2);
+    EXPECT_THAT(ended.strError, HasSubstr("no report can be written to /there/is/none"));
+}
+
+TEST_F(ConformProgram, MarkupInWhatAServerSaysIsNoneInTheReport)
+{
+    StartScripted({"GetTrackCount=>2\n", "GetRegionCount=>0\n", "print=><b>&\n"});
+    const std::string strFile = m_folder.Path() / "report.html";
+    RunConform({"server", "--report", strFile});
+    EXPECT_THAT(FileText(strFile.c_str()), HasSubstr("&lt;b&gt;&amp;"));
+    EXPECT_THAT(FileText(strFile.c_str()), testing::Not(HasSubstr("<b>")));
 }
 
 TEST_F(ConformProgram, TellsWhatItTried)

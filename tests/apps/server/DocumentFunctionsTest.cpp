@@ -1,3 +1,4 @@
+#include "apps/support/ProgramVersion.h"
 #include "tests/apps/server/CommandFixture.h"
 
 namespace Tarvane::Server
@@ -33,6 +34,11 @@ TEST_F(DocumentFunctions, TheSelectionHoldsForOneScript)
           "MoveDisplayToPosition(1)", "CheckForDuplicateRegion(1, '/a', 0, 0, 1)",
           "AddAudioRegion(1, '/a', true, false, 0, 0, 1)"})
         EXPECT_THAT(Error(szCall), testing::HasSubstr("no document is selected")) << szCall;
+}
+
+TEST_F(DocumentFunctions, TheVersionNeedsNoDocument)
+{
+    EXPECT_EQ(Result("print(GetLinkVersion())\n"), std::string(ProgramVersion()) + "\n");
 }
 
 TEST_F(DocumentFunctions, TheUpdateCountNeedsNoDocument)
