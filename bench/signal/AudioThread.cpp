@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <pthread.h>
+#include <sched.h>
 #include <thread>
 #include <vector>
 
@@ -24,9 +26,29 @@ constexpr double kRate = 48000;
 constexpr int kBlocks = 7500; // ten seconds
 constexpr double kMedianBound = 2, kTailBound = 20;
 
+// As hosts run their audio threads, where the system lets us: else whoever else wants the processor
+// is measured too.
+class CAudioPriority
+{
+public:
+    CAudioPriority() : m_fHad(Set(SCHED_FIFO, kPriority)) {}
+    ~CAudioPriority() { Set(SCHED_OTHER, 0); }
+    bool Had() const { return m_fHad; }
+
+private:
+    static constexpr int kPriority = 60;
+    static bool Set(int nPolicy, int nPriority)
+    {
+        const sched_param parameters{.sched_priority = nPriority};
+        return ::pthread_setschedparam(::pthread_self(), nPolicy, &parameters) == 0;
+    }
+    const bool m_fHad;
+};
+
 // Runs the work once a block, in real time, and answers how long each took.
 template <typename Work> std::vector<double> InRealTime(Work work)
 {
+    const CAudioPriority priority;
     std::vector<double> times(kBlocks);
     Clock::time_point due = Clock::now();
     for (double& dTime : times)
@@ -87,6 +109,8 @@ bool MeasureAudioThread(const std::filesystem::path& folder)
     core.SetArmed(true);
     const auto armed = InRealTime(process);
 
+    std::printf("%s the priority of an audio thread\n",
+                CAudioPriority().Had() ? "with" : "without");
     Tell("two copies into a ring and one out", bare);
     Tell("Process, not armed", idle);
     Tell("Process, capturing", armed);
