@@ -57,6 +57,10 @@ CommandReply CCommandProcessor::Conclude(Execution execution)
 {
     if (!execution.changed)
         return std::move(execution.reply);
+    // Before the session is saved: a take that the editor has and the session has not can be sent
+    // again; one that the editor has not would be lost to it.
+    if (const std::string strError = EditorError(*execution.changed); !strError.empty())
+        return {"", "nothing was changed, for the editor did not take it: " + strError, true};
     if (const std::string strSaveError = SaveError(*execution.changed); !strSaveError.empty())
         return {"", "nothing was changed, for the session could not be saved: " + strSaveError,
                 true};
@@ -97,6 +101,21 @@ std::vector<ScriptFunction> CCommandProcessor::Functions(CScriptContext& context
             { throw CScriptError("this server deletes nothing: it was started with --no-delete"); };
     }
     return functions;
+}
+
+std::string CCommandProcessor::EditorError(const CSession& session)
+{
+    if (m_pFeed == nullptr)
+        return "";
+    try
+    {
+        m_pFeed->Pass(m_session, session);
+        return "";
+    }
+    catch (const std::exception& error)
+    {
+        return error.what();
+    }
 }
 
 std::string CCommandProcessor::SaveError(const CSession& session)

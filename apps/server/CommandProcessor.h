@@ -10,9 +10,10 @@
 //
 // A question that fails is answered with an empty result beside its error: half a list is no list.
 //
-// Nothing is answered for before it is on disk.
+// Nothing is answered for before it is on disk, and with an editor before that has it as well.
 #pragma once
 
+#include "apps/server/EditorFeed.h"
 #include "apps/server/FaultyFunctions.h"
 #include "apps/server/LuaSandbox.h"
 #include "apps/server/RenderFolder.h"
@@ -71,6 +72,10 @@ public:
                       bool fHasDocuments, const SandboxLimits& limits = {},
                       const Access& access = {});
 
+    // From now on what changes goes to an editor first; what that does not take is not changed. The
+    // feed must outlive the object.
+    void FeedInto(CEditorFeed& feed) { m_pFeed = &feed; }
+
     // The three steps of a command. Begin fills in what the trouble needs to know; Execute may
     // happen in another process that has a copy of this object; Conclude saves what has changed and
     // says what is to be answered. What was executed on another state of the session than the
@@ -90,11 +95,14 @@ public:
 
 private:
     std::vector<ScriptFunction> Functions(CScriptContext& context, const Trouble& trouble) const;
+    // Empty when the editor has what is new, or there is none.
+    std::string EditorError(const CSession& session);
     // Empty when the session is on disk.
     std::string SaveError(const CSession& session);
 
     CSession m_session;
     CSessionStore* m_pStore;
+    CEditorFeed* m_pFeed = nullptr;
     CRenderFolder m_folder;
     bool m_fHasDocuments;
     SandboxLimits m_limits;

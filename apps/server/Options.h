@@ -23,6 +23,7 @@ struct Options
     bool fNoDelete = false;
     std::string
         strRenderFolder; // empty: beside the session file, or a private one (RenderFolderFor)
+    std::string strEditor; // KIND:WHERE, as MakeEditor takes it; empty for none
     std::string strLogFile;
     std::vector<FaultPlan> faults;
     std::optional<std::uint64_t> seed; // of faults at random

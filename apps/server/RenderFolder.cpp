@@ -72,9 +72,23 @@ int NewFile(const std::filesystem::path& folder, std::filesystem::path& path)
     return nFile;
 }
 
+// Where the first sample lies on the timeline, as editors read it from Broadcast WAV; they count
+// from 0 on.
+SF_BROADCAST_INFO TimeReference(const Region& region)
+{
+    SF_BROADCAST_INFO broadcast{};
+    std::strncpy(broadcast.originator, "Tarvane Link", sizeof broadcast.originator);
+    const auto nPosition =
+        static_cast<std::uint64_t>(std::max<std::int64_t>(region.TimelineStart(), 0));
+    broadcast.time_reference_low = static_cast<std::uint32_t>(nPosition);
+    broadcast.time_reference_high = static_cast<std::uint32_t>(nPosition >> 32);
+    broadcast.version = 1;
+    return broadcast;
+}
+
 // The descriptor becomes the file's.
 std::unique_ptr<SNDFILE, SoundCloser> CreateSound(int nFile, const std::filesystem::path& path,
-                                                  const CRegionReader& reader)
+                                                  const CRegionReader& reader, const Region& region)
 {
     SF_INFO info{};
     info.samplerate = reader.SampleRate();
@@ -84,6 +98,8 @@ std::unique_ptr<SNDFILE, SoundCloser> CreateSound(int nFile, const std::filesyst
     if (pFile == nullptr)
         Fail("cannot make the sound file", path, sf_strerror(nullptr));
     sf_command(pFile.get(), SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
+    SF_BROADCAST_INFO broadcast = TimeReference(region);
+    sf_command(pFile.get(), SFC_SET_BROADCAST_INFO, &broadcast, sizeof broadcast);
     return pFile;
 }
 
@@ -104,7 +120,7 @@ sf_count_t WriteFrames(SNDFILE* pFile, const std::vector<double>& samples, sf_co
 void CopyAudio(CRegionReader& reader, const Region& region, int nFile,
                const std::filesystem::path& path)
 {
-    auto pFile = CreateSound(nFile, path, reader);
+    auto pFile = CreateSound(nFile, path, reader, region);
     const bool fWholeNumbers = IsWholeNumbers(WavForm(reader.SampleForm()));
     while (!reader.AtEnd())
     {

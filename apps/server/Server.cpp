@@ -1,6 +1,7 @@
 #include "apps/server/Server.h"
 
 #include "apps/server/CommandProcessor.h"
+#include "apps/server/EditorFeed.h"
 #include "apps/server/EndSignals.h"
 #include "apps/server/EventHandler.h"
 #include "apps/server/EventLog.h"
@@ -166,6 +167,13 @@ int RunServer(const Options& options)
     CCommandProcessor processor(OpenSession(pStore.get(), options), pStore.get(),
                                 CRenderFolder(RenderFolderFor(pStore.get(), options)),
                                 !options.fNoDocument, {}, {options.fReadOnly, options.fNoDelete});
+    std::unique_ptr<CEditorFeed> pFeed;
+    if (!options.strEditor.empty())
+    {
+        pFeed = std::make_unique<CEditorFeed>(Editor::MakeEditor(options.strEditor));
+        pFeed->Begin(processor.Session());
+        processor.FeedInto(*pFeed);
+    }
     const std::chrono::milliseconds delay(std::llround(options.dDelay * 1000));
     CMisbehaviour misbehaviour(options.faults, options.seed);
     if (misbehaviour.StartsSlowly())

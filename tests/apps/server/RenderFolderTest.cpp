@@ -50,6 +50,25 @@ protected:
     Region m_region;
 };
 
+TEST_F(RenderFolder, TheFileTellsWhereItsFirstSampleLies)
+{
+    for (const auto& [nPosition, nTold] :
+         {std::pair(480000LL, 480010LL), std::pair(5000000000LL, 5000000010LL),
+          std::pair(-100000LL, 0LL)})
+    {
+        m_region.nPosition = nPosition;
+        SF_INFO info{};
+        SNDFILE* pFile = sf_open(m_made.Write(m_region).c_str(), SFM_READ, &info);
+        ASSERT_NE(pFile, nullptr);
+        SF_BROADCAST_INFO broadcast{};
+        EXPECT_TRUE(sf_command(pFile, SFC_GET_BROADCAST_INFO, &broadcast, sizeof broadcast));
+        sf_close(pFile);
+        EXPECT_EQ(broadcast.time_reference_low |
+                      static_cast<long long>(broadcast.time_reference_high) << 32,
+                  nTold);
+    }
+}
+
 TEST_F(RenderFolder, TheFileHoldsTheRegionAndNothingElse)
 {
     const std::string strPath = m_made.Write(m_region);
