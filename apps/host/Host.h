@@ -9,6 +9,7 @@
 #include "apps/support/ResultFolder.h"
 #include "apps/support/delivery/DeliveryWatch.h"
 #include "apps/support/delivery/ServerWatch.h"
+#include "apps/support/recording/AnswerWords.h"
 #include "apps/support/recording/Recorder.h"
 
 #include <functional>
@@ -114,7 +115,8 @@ class CHost : private ILineListener
 
     CStalls m_stalls;
     std::optional<CStallWatch> m_stallWatch; // only when stalls are to be told
-    CSeenCommands m_seenCommands;            // outlives whatever sends
+    CAnswerWords m_answerWords;              // outlives whatever sends, as the next
+    CSeenCommands m_seenCommands;
     CDeliveryWatch m_deliveries{m_seenCommands};
     CRecording m_pRecorder;                  // outlives the plug-in; null when nothing is recorded
     CPlugIn m_plugIn;                        // outlives the view

@@ -151,7 +151,7 @@ void CHost::EndRecording::operator()(CRecorder* pRecorder) const
 
 void CHost::BeginRecording()
 {
-    std::vector<CEventWatcher*> watchers{&m_seenCommands};
+    std::vector<CEventWatcher*> watchers{&m_seenCommands, &m_answerWords};
     if (m_pRecorder)
     {
         watchers.push_back(m_pRecorder.get());

@@ -4,38 +4,22 @@
 #include "apps/support/ApplicationArguments.h"
 #include "apps/support/ApplicationIcon.h"
 #include "apps/support/CommandLine.h"
+#include "apps/support/LastWords.h"
 #include "apps/support/ServiceProvider.h"
 #include "apps/support/TemporaryFolder.h"
 
 #import <AppKit/AppKit.h>
 
-#include <cstdio>
 #include <stdexcept>
-#include <unistd.h>
 
 namespace Tarvane
 {
 
-namespace
-{
-
-// In place of the platform's panel, which waits for somebody to press a button, and lets no signal
-// end the program meanwhile. What was being captured stays in its file.
-void EndWithWords(NSException* exception)
-{
-    std::fprintf(stderr, "%s: %s: %s\n", [[[NSProcessInfo processInfo] processName] UTF8String],
-                 [[exception name] UTF8String], [[exception reason] UTF8String]);
-    std::fflush(nullptr);
-    _exit(kExitFailed);
-}
-
-} // namespace
-
 void OpenApplication(char** argv)
 {
-    HideArguments(argv);
-    NSSetUncaughtExceptionHandler(&EndWithWords);
+    // The arguments are hidden with the environment, which has to be as the folder needs it by then.
     RequireTemporaryFolder();
+    HideArguments(argv);
     OfferNoServices();
     ShowNoIconWindow();
     bool fOpen = false;
@@ -52,8 +36,8 @@ void OpenApplication(char** argv)
         throw CUsageError("no window can be opened here - start it on a desktop, or under "
                           "scripts/with-desktop.");
     }
-    // The application object has put its panel in the place of ours.
-    NSSetUncaughtExceptionHandler(&EndWithWords);
+    // The platform's panel waits for somebody to press a button, and lets no signal end the program.
+    SayLastWordsAgain();
     StandInFront();
 }
 

@@ -1,8 +1,8 @@
 #include "apps/support/CommandLine.h"
 
-#include "apps/support/ProgramVersion.h"
-
+#include "apps/support/LastWords.h"
 #include "apps/support/PlainText.h"
+#include "apps/support/ProgramVersion.h"
 
 #include <algorithm>
 #include <csignal>
@@ -44,6 +44,7 @@ void AddCommonOptions(CLI::App& app, const std::string& strFailed)
 
 int RunProgram(CLI::App& app, int argc, char** argv, const std::function<int()>& body)
 {
+    SayLastWords(app.get_name());
     std::signal(SIGXFSZ, SIG_IGN);
     try
     {

@@ -31,7 +31,8 @@ void AddCommonOptions(CLI::App& app, const std::string& strFailed);
 
 // Parses, runs the body and turns what leaves it into an exit code: help and version 0, a parse
 // error or CUsageError kExitUsage, any other exception kExitFailed. Every failure is one line on
-// the standard error stream that begins with the program's name. Nothing is thrown. From then on a
+// the standard error stream that begins with the program's name. Nothing is thrown, and what nobody
+// catches on other threads ends the process in the same way (apps/support/LastWords.h). From then on a
 // file that may grow no further is an error of the write, as a full disk is, and ends no process.
 int RunProgram(CLI::App& app, int argc, char** argv, const std::function<int()>& body);
 

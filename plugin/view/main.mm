@@ -8,6 +8,7 @@
 #import "apps/support/ViewFactory.h"
 #include "apps/support/delivery/DeliveryWatch.h"
 #include "apps/support/delivery/ServerWatch.h"
+#include "apps/support/recording/AnswerWords.h"
 #import "plugin/view/EmbeddedView.h"
 #include "plugin/view/PlugInConnection.h"
 #include "plugin/view/SocketUnit.h"
@@ -73,6 +74,7 @@ int RunView(char** argv)
 {
     RequirePlugIn();
     CCommandWatch commands;
+    CAnswerWords answerWords;
     CDeliveryWatch deliveries(commands);
     CPlugInConnection connection(kSocket, MakeHooks());
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
@@ -82,7 +84,7 @@ int RunView(char** argv)
         HideIcon();
         OpenApplication(argv);
         [EmbeddedView prepareApplication];
-        WatchEvents({&commands});
+        WatchEvents({&commands, &answerWords});
         OpenView(connection, deliveries);
     }
     catch (const std::exception& error)

@@ -3,6 +3,7 @@
 
 #include "apps/support/recording/EventLines.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace Tarvane
@@ -20,5 +21,9 @@ public:
 // From now on every event is shown to these, in their order, and to no others; when it returns, those
 // before are no longer in use. One thread. False on a system that shows its events to nobody.
 bool WatchEvents(std::vector<CEventWatcher*> watchers);
+
+// The process that receives the events of a signature now; 0 when that is not known. Any thread;
+// waits two seconds at most.
+std::int64_t ReceiverOf(OSType nSignature);
 
 } // namespace Tarvane

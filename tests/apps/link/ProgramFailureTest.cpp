@@ -2,6 +2,8 @@
 
 #include "tests/apps/link/ProgramFixture.h"
 
+#include <csignal>
+
 using namespace TarvaneTest;
 using namespace ScriptedServer;
 using testing::ContainsRegex;
@@ -155,6 +157,24 @@ TEST_F(ProgramFailureTest, AnswersThatContradictThemselves)
         EXPECT_THAT(ended.strError, EndsWith("--trace shows the answer.\n"));
         EXPECT_EQ(ended.Json()["outcome"], "no-answer");
     }
+}
+
+// A host ends by it as the link requires, and its user learns by whom.
+TEST_F(ProgramFailureTest, HostNamesTheServerThatContradictsItself)
+{
+    const Child server = StartScripted({"GetTrackName=>5\n1\nVox\n"});
+    const std::string strTake = m_folder / "take.wav";
+    WriteSound(strTake, SF_FORMAT_WAV | SF_FORMAT_PCM_24, 4800);
+    const Ended ended = ToItsEnd(std::make_unique<Tarvane::CChildProcess>(
+        std::vector<std::string>{HOST_PROGRAM, "--headless", "--speed", "max", "--capture-folder",
+                                 m_folder.Path(), strTake}));
+    EXPECT_EQ(ended.nExitCode, 128 + SIGABRT);
+    EXPECT_THAT(ended.strError, HasSubstr("Assertion failed"));
+    EXPECT_THAT(ended.strError,
+                HasSubstr("The server's last answer, to GetTrackCount, GetTrackID, GetTrackName:\n"
+                          "5\n1\nVox\n"));
+    EXPECT_THAT(ended.strError, HasSubstr("It came from process " + std::to_string(server->Pid()) +
+                                          ", " SCRIPTED_SERVER_PROGRAM ".\n"));
 }
 
 TEST_F(ProgramFailureTest, GarbageForANumberIsZero)

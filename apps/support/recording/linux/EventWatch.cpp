@@ -1,5 +1,6 @@
 #include "apps/support/recording/EventWatch.h"
 
+#include <TarvanePlatform/EventBus.h>
 #include <TarvanePlatform/EventObserver.h>
 
 #include <cstdio>
@@ -60,6 +61,12 @@ bool WatchEvents(std::vector<CEventWatcher*> watchers)
     if (!Watchers().empty())
         TarvaneSetEventObserver(&Show, nullptr);
     return true;
+}
+
+std::int64_t ReceiverOf(OSType nSignature)
+{
+    constexpr SInt32 kPatience = 120; // ticks of 1/60 second
+    return TarvaneEventReceiverProcess(nSignature, kPatience);
 }
 
 } // namespace Tarvane

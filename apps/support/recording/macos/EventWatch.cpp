@@ -8,4 +8,9 @@ bool WatchEvents(std::vector<CEventWatcher*>)
     return false;
 }
 
+std::int64_t ReceiverOf(OSType)
+{
+    return 0;
+}
+
 } // namespace Tarvane

@@ -4,6 +4,8 @@
 
 #include <MacTypes.h>
 
+#include <sys/types.h>
+
 extern "C"
 {
 
@@ -20,4 +22,8 @@ extern "C"
     // name and its text, UTF-8. Empty when no error came from the bus or from the receiver. Lives
     // until the thread sends again.
     const char* TarvaneLastEventError(void);
+
+    // The process that receives the events of a signature now; 0 when there is none, or nobody tells
+    // within the timeout. Thread and connection as above.
+    pid_t TarvaneEventReceiverProcess(OSType signature, SInt32 timeOutInTicks);
 }
