@@ -3,8 +3,9 @@
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
 #include "apps/support/Timecode.h"
 
-#include <charconv>
 #include <filesystem>
+#include <locale>
+#include <sstream>
 
 namespace Tarvane::Replay
 {
@@ -36,12 +37,10 @@ std::optional<double> OffsetIn(const Exchange& exchange)
     if (exchange.nStatus != noErr || result == exchange.reply.end() ||
         (error != exchange.reply.end() && !error->second.strBytes.empty()))
         return std::nullopt;
-    const std::string strText = result->second.Text();
+    std::istringstream text(result->second.Text());
+    text.imbue(std::locale::classic());
     double dSeconds = 0.0;
-    const bool fNumber =
-        std::from_chars(strText.data(), strText.data() + strText.size(), dSeconds).ec ==
-        std::errc();
-    return fNumber ? std::optional(dSeconds) : std::nullopt;
+    return text >> dSeconds ? std::optional(dSeconds) : std::nullopt;
 }
 
 class CPlaces
