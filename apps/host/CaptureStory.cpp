@@ -157,6 +157,10 @@ std::string TellCapture(const CCaptureEntry& entry)
             (missed ? "; it should stand at sample " + FormatSamples(*missed) : std::string()) +
             "\n";
     }
+    if (!entry.strSilence.empty())
+    {
+        strStory += "  no answer    to " + entry.strSilence + "\n";
+    }
     if (report.outcome == TakeOutcome::Unreachable)
     {
         strStory += "  waits        for a server\n";
@@ -201,6 +205,7 @@ nlohmann::json DescribeCapture(const CCaptureEntry& entry)
         {"placeMissed", missed ? nlohmann::json(*missed) : nlohmann::json()},
         {"fate",
          report.outcome ? nlohmann::json(TakeOutcomeWord(*report.outcome)) : nlohmann::json()},
+        {"silence", entry.strSilence.empty() ? nlohmann::json() : nlohmann::json(entry.strSilence)},
         {"late", report.fLate},
         {"lost", report.nLostFrames},
     };

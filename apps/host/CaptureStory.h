@@ -31,6 +31,9 @@ struct CCaptureEntry
 {
     CCaptureReport report;
     ViewWords words;
+    // A command that the server left without an answer for long, and how long; empty when there was
+    // none.
+    std::string strSilence{};
 
     CaptureOutcome Outcome() const;
     // As it should be: the server has the audio, now or already, and in its place.

@@ -5,6 +5,7 @@
 #import "apps/host/LineSource.h"
 #include "apps/host/Options.h"
 #include "apps/host/PlugIn.h"
+#include "apps/host/SilenceWatch.h"
 #import "apps/host/StallWatch.h"
 #include "apps/support/ResultFolder.h"
 #include "apps/support/delivery/DeliveryWatch.h"
@@ -90,6 +91,7 @@ class CHost : private ILineListener
     void Tell(const CCaptureReport& report);
     void TellLate(const CCaptureReport& report);
     void TellKept(const CCaptureReport& report);
+    void TellSilence(const std::string& strCommand);
     void WriteResults();
     void WriteCaptures();
     void GoOn(const CCaptureEntry& entry);
@@ -118,6 +120,7 @@ class CHost : private ILineListener
     CAnswerWords m_answerWords;              // outlives whatever sends, as the next
     CSeenCommands m_seenCommands;
     CDeliveryWatch m_deliveries{m_seenCommands};
+    CSilenceWatch m_silences;
     CRecording m_pRecorder;                  // outlives the plug-in; null when nothing is recorded
     CPlugIn m_plugIn;                        // outlives the view
     std::optional<CServerWatch> m_serverWatch; // tells the plug-in

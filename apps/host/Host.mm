@@ -6,6 +6,7 @@
 #import "apps/support/Application.h"
 #include "apps/support/LiveObjects.h"
 #include "apps/support/Pipe.h"
+#include "apps/support/PlainText.h"
 #include "apps/support/recording/EventWatch.h"
 
 #import <AppKit/AppKit.h>
@@ -26,6 +27,9 @@ constexpr const char* kResultsName = "captures.json";
 constexpr const char* kPictureName = "link-view.png";
 
 constexpr const char* kSignalled = "signal";
+
+// A user wonders by then, and every command that is well has long been answered.
+constexpr std::chrono::seconds kSilence{5};
 
 // Wakes the run loop. Lives as long as the process: a signal may come at any time.
 CPipe& WakePipe()
@@ -57,6 +61,8 @@ void RunWhatWaits()
 
 CHost::CHost(const HostOptions& options, const HostPlan& plan)
     : m_options(options), m_plan(plan), m_pStory(options.fCommands ? stderr : stdout),
+      m_silences(m_seenCommands, kSilence,
+                 [this](const std::string& strCommand) { TellSilence(strCommand); }),
       m_pRecorder(MakeRecorder(options.strRecord)), m_plugIn(options.faults, m_pRecorder.get())
 {
     BeginRecording();
@@ -386,7 +392,7 @@ void CHost::Tell(const CCaptureReport& report)
     m_ackTimer = nil;
     ++m_nTold;
     m_last = report;
-    const CCaptureEntry entry{report, m_pView->Words()};
+    const CCaptureEntry entry{report, m_pView->Words(), m_silences.Take()};
     if (m_results)
     {
         m_entries.push_back(entry);
@@ -414,7 +420,7 @@ void CHost::TellLate(const CCaptureReport& report)
         }
         return;
     }
-    const CCaptureEntry entry{report, m_pView->Words()};
+    const CCaptureEntry entry{report, m_pView->Words(), m_silences.Take()};
     if (m_results)
     {
         m_entries.push_back(entry);
@@ -442,6 +448,13 @@ void CHost::TellKept(const CCaptureReport& report)
         std::fputs(TellLeftover("The capture under way is kept", report).c_str(), m_pStory);
         std::fflush(m_pStory);
     }
+}
+
+// While the main thread waits.
+void CHost::TellSilence(const std::string& strCommand)
+{
+    std::fputs(("The server does not answer: " + PlainText(strCommand) + ".\n").c_str(), m_pStory);
+    std::fflush(m_pStory);
 }
 
 void CHost::WriteResults()

@@ -138,6 +138,16 @@ TEST(CaptureStory, WhatIsTakenUpAgainIsToldAsLater)
               "96100.\n");
 }
 
+TEST(CaptureStory, ACommandWithoutAnAnswerIsNamed)
+{
+    CCaptureEntry entry = NotDelivered("AEError ID:-1712");
+    EXPECT_THAT(TellCapture(entry), Not(HasSubstr("no answer")));
+    entry.strSilence = "AddAudioRegion, since 04:05:12, for 31 s";
+    EXPECT_THAT(TellCapture(entry),
+                HasSubstr("  no answer    to AddAudioRegion, since 04:05:12, for 31 s\n"));
+    EXPECT_EQ(DescribeCapture(entry)["silence"], entry.strSilence);
+}
+
 TEST(CaptureStory, LostSamplesAreCounted)
 {
     CCaptureEntry entry = Entry();
@@ -199,6 +209,7 @@ TEST(CaptureStory, JsonHoldsEveryField)
         {"withoutOffset", false},
         {"placeMissed", nullptr},
         {"fate", nullptr},
+        {"silence", nullptr},
         {"late", false},
         {"lost", 0}};
     EXPECT_EQ(DescribeCapture(Entry()), expected);

@@ -4,6 +4,7 @@
 using namespace Tarvane;
 using namespace TarvaneTest;
 using nlohmann::json;
+using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -87,6 +88,29 @@ TEST_F(DeliveryFaults, ServerThatHangsDuringACommandTimesOutAndTheNextCaptureWor
         host.reset();
         server.reset();
     }
+}
+
+TEST_F(DeliveryFaults, AServerThatHangsIsNamedAndFreesTheViewWhenItIsKilled)
+{
+    StartServerWith({"--track", "Dialogue"});
+    StartHost();
+    server->Stop();
+    host->Process().WriteLine("capture \"" + One() + "\" 100");
+    const auto deadline = std::chrono::steady_clock::now() + kLong;
+    while (Count(host->Process().ErrorOutput(), "The server does not answer: ") == 0)
+    {
+        ASSERT_LT(std::chrono::steady_clock::now(), deadline) << host->Process().ErrorOutput();
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    const auto begin = std::chrono::steady_clock::now();
+    KillServer();
+    const auto answer = host->Process().WaitForLine("\"command\":\"capture\"", kLong);
+    // Three commands of a minute each would have been waited for.
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(50));
+    ASSERT_TRUE(answer);
+    const json capture = json::parse(*answer);
+    EXPECT_EQ(capture["fate"], "unreachable");
+    EXPECT_THAT(capture["silence"].get<std::string>(), ContainsRegex(", since .*, for [0-9]+ s"));
 }
 
 TEST_F(DeliveryFaults, StoppedServerTimesOutAndGoesOnWhereItStood)

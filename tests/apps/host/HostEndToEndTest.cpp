@@ -85,6 +85,7 @@ TEST_F(EndToEnd, TheResultsTellEachCaptureAndShowTheWindow)
                            {"withoutOffset", false},
                            {"placeMissed", nullptr},
                            {"fate", "delivered"},
+                           {"silence", nullptr},
                            {"late", false},
                            {"lost", 0}};
     EXPECT_EQ(captures[0], expected);
