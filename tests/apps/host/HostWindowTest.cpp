@@ -1,7 +1,9 @@
 #include "tests/apps/host/CommandOutput.h"
 #include "tests/apps/host/EndToEndFixture.h"
 
+#include <chrono>
 #include <gmock/gmock.h>
+#include <thread>
 
 using namespace Tarvane;
 using namespace TarvaneTest;
@@ -48,4 +50,27 @@ TEST_F(HostWindow, HasOneSizeAndOffersNoOther)
     const std::string strSizes = OutputOf(strAsk + "WM_NORMAL_HINTS");
     EXPECT_THAT(strSizes, HasSubstr("minimum size: 440 by 152"));
     EXPECT_THAT(strSizes, HasSubstr("maximum size: 440 by 152"));
+}
+
+// However short, and though the pointer arrives with it.
+TEST_F(HostWindow, FirstClickOfAFreshWindowPressesTheToggle)
+{
+    CHostClient host(HostCommand({}));
+    const std::string strFind = "xdotool search --sync --onlyvisible --name '^Tarvane Link$' ";
+    // The window manager puts the window in its place some time after it is there.
+    std::string strPlace = OutputOf(strFind + "getwindowgeometry");
+    for (std::string strBefore; strBefore != strPlace;)
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+        strBefore = strPlace;
+        strPlace = OutputOf(strFind + "getwindowgeometry");
+    }
+    ASSERT_EQ(host.Ask("state", kLong)["armed"], false);
+    OutputOf(strFind + "mousemove --window %1 40 32 click 1");
+    const auto limit = std::chrono::steady_clock::now() + kLong;
+    while (host.Ask("state", kLong)["armed"] == false && std::chrono::steady_clock::now() < limit)
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    EXPECT_EQ(host.Ask("state", kLong)["armed"], true);
 }
