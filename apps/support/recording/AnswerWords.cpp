@@ -35,7 +35,8 @@ std::string TextOf(const std::vector<SeenParameter>& parameters, AEKeyword nKeyw
         // Three bytes of UTF-8 are the most that a unit becomes.
         std::u16string units(std::min(parameter.bytes.size() / sizeof(char16_t), kMostShown + 1),
                              u'\0');
-        std::memcpy(units.data(), parameter.bytes.data(), units.size() * sizeof(char16_t));
+        if (!units.empty())
+            std::memcpy(units.data(), parameter.bytes.data(), units.size() * sizeof(char16_t));
         std::string strText = Utf8FromUtf16(units);
         if (strText.size() > kMostShown)
             strText = strText.substr(0, kMostShown) + " ...";
