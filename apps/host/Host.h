@@ -88,6 +88,7 @@ class CHost : private ILineListener
     void OfferNextByHand();
     void CaptureChanged(const CCaptureReport& report);
     void WaitForAck(const CCaptureReport& report);
+    void MakeAckTimer();
     void Tell(const CCaptureReport& report);
     void TellLate(const CCaptureReport& report);
     void TellKept(const CCaptureReport& report);
@@ -121,22 +122,23 @@ class CHost : private ILineListener
     CSeenCommands m_seenCommands;
     CDeliveryWatch m_deliveries{m_seenCommands};
     CSilenceWatch m_silences;
-    CRecording m_pRecorder;                  // outlives the plug-in; null when nothing is recorded
-    CPlugIn m_plugIn;                        // outlives the view
+    CRecording m_pRecorder; // outlives the plug-in; null when nothing is recorded
+    CPlugIn m_plugIn;       // outlives the view
     std::optional<CServerWatch> m_serverWatch; // tells the plug-in
     std::unique_ptr<CLinkView> m_pView;
     LineSource* m_commands = nullptr;
     LineSource* m_wakes = nullptr;
     CWakeListener m_wakeListener{*this};
     MainThreadCall* m_windowClosed = nullptr;
-    id m_ackTimer = nullptr; // NSTimer, owned by the run loop
+    id m_ackTimer = nullptr;                 // NSTimer, owned by the run loop
+    std::optional<CCaptureReport> m_awaited; // whose acknowledge the timer waits for
 
     // In the order in which they came to an end. Kept for the results alone.
     std::vector<CCaptureEntry> m_entries;
     std::optional<CCaptureReport> m_last; // told last
     size_t m_nTold = 0;
     std::set<size_t> m_undelivered; // told as neither delivered nor a duplicate, and still so
-    std::set<size_t> m_late; // told as not acknowledged; their acknowledge may still come
+    std::set<size_t> m_late;        // told as not acknowledged; their acknowledge may still come
     size_t m_nNextSource = 0;
     std::string m_strCommand; // being obeyed; empty between commands
     bool m_fCapturingOnCommand = false;

@@ -362,10 +362,24 @@ void CHost::CaptureChanged(const CCaptureReport& report)
 
 void CHost::WaitForAck(const CCaptureReport& report)
 {
+    m_awaited = report;
+    if (m_ackTimer == nil)
+    {
+        MakeAckTimer();
+    }
+    [m_ackTimer setFireDate:[NSDate dateWithTimeIntervalSinceNow:m_options.dAckTimeout]];
+}
+
+// One for all captures: a run loop lets go of a timer in the modes that it runs, and it may never
+// run that of an open menu.
+void CHost::MakeAckTimer()
+{
+    constexpr NSTimeInterval kNotByItself = 1e9;
     const auto fnOver = OnMain(
-        [=, this]
+        [this]
         {
-            m_ackTimer = nil;
+            const CCaptureReport report = *m_awaited;
+            [m_ackTimer setFireDate:[NSDate distantFuture]];
             // One that came while the main thread was busy is still on its way here.
             if (m_plugIn->IsWaiting(report.nNumber))
             {
@@ -373,12 +387,11 @@ void CHost::WaitForAck(const CCaptureReport& report)
                 Tell(report);
             }
         });
-    [m_ackTimer invalidate];
-    m_ackTimer = [NSTimer timerWithTimeInterval:m_options.dAckTimeout
+    m_ackTimer = [NSTimer timerWithTimeInterval:kNotByItself
                                          target:MakeCall(fnOver)
                                        selector:@selector(run:)
                                        userInfo:nil
-                                        repeats:NO];
+                                        repeats:YES];
     for (NSUInteger n = 0; n < [MainThreadModes() count]; ++n)
     {
         [[NSRunLoop currentRunLoop] addTimer:m_ackTimer
@@ -388,8 +401,7 @@ void CHost::WaitForAck(const CCaptureReport& report)
 
 void CHost::Tell(const CCaptureReport& report)
 {
-    [m_ackTimer invalidate];
-    m_ackTimer = nil;
+    [m_ackTimer setFireDate:[NSDate distantFuture]];
     ++m_nTold;
     m_last = report;
     const CCaptureEntry entry{report, m_pView->Words(), m_silences.Take()};
