@@ -1,7 +1,10 @@
 #include "soak/Logs.h"
 
 #include <cstdio>
+#include <map>
 #include <sstream>
+#include <string_view>
+#include <utility>
 
 namespace Tarvane::Soak
 {
@@ -10,6 +13,7 @@ namespace
 {
 
 constexpr const char* kAcknowledge = "64008 TNProperty_ElementDone: ";
+constexpr std::string_view kEvent = "Z event ";
 constexpr const char* kAddRegion = "AddAudioRegion(";
 constexpr const char* kIndent = "    "; // of what is quoted in a server's log
 
@@ -49,39 +53,48 @@ std::vector<Acknowledge> ReadAcknowledges(const std::string& strHostLog)
 std::vector<ServerAnswer> ReadServerAnswers(const std::string& strServerLog)
 {
     std::vector<ServerAnswer> answers;
-    std::string strPath; // that the event at hand adds
-    std::string strError;
-    bool fAnswered = false, fInError = false;
+    // What each event adds that has come and is not answered yet. A server begins to count anew,
+    // and the number's next event takes the place of one that was never answered.
+    std::map<std::string, std::string> added;
+    enum
+    {
+        kIn,
+        kResult,
+        kError,
+        kOther
+    } part = kOther;
+    std::string strEvent;
+    ServerAnswer answer;
     const auto finish = [&]
     {
-        if (fAnswered && !strPath.empty())
-            answers.push_back({strPath, strError});
-        strPath.clear();
-        strError.clear();
-        fAnswered = fInError = false;
+        if ((part == kResult || part == kError) && !answer.strPath.empty())
+            answers.push_back(answer);
+        answer = {};
     };
     std::istringstream lines(strServerLog);
     for (std::string strLine; std::getline(lines, strLine);)
     {
-        if (strLine.find("Z event ") != std::string::npos && !Begins(strLine, " "))
+        if (const size_t nAt = strLine.find(kEvent);
+            nAt != std::string::npos && !Begins(strLine, " "))
         {
-            const bool fOut = strLine.size() > 4 && strLine.substr(strLine.size() - 4) == " out";
-            if (!fOut)
-                finish();
-            fAnswered = fOut;
+            finish();
+            std::istringstream words(strLine.substr(nAt + kEvent.size()));
+            std::string strKind;
+            words >> strEvent >> strKind;
+            part = strKind == "in" ? kIn : strKind == "out" ? kResult : kOther;
+            if (part == kIn)
+                added[strEvent].clear();
+            else if (part == kResult)
+                answer.strPath = std::exchange(added[strEvent], {});
         }
-        else if (fAnswered)
-        {
-            if (strLine == "  error")
-                fInError = true;
-            // Not the first line of the next server.
-            else if (fInError && Begins(strLine, kIndent))
-                strError += strLine.substr(std::char_traits<char>::length(kIndent));
-        }
-        else if (const size_t nAt = strLine.find(kAddRegion); nAt != std::string::npos)
-        {
-            strPath = Quoted(strLine.substr(nAt));
-        }
+        else if (part == kResult && strLine == "  error")
+            part = kError;
+        // Not the first line of the next server.
+        else if (part == kError && Begins(strLine, kIndent))
+            answer.strError += strLine.substr(std::char_traits<char>::length(kIndent));
+        else if (const size_t nAt = strLine.find(kAddRegion);
+                 part == kIn && nAt != std::string::npos)
+            added[strEvent] = Quoted(strLine.substr(nAt));
     }
     finish();
     return answers;

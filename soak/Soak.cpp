@@ -27,8 +27,9 @@ constexpr int kSoundsOfAView = 6;
 constexpr std::int64_t kFrames = 480;
 // What a server keeps of each region, in memory and in the text of its file.
 constexpr long kServerMemoryOfARegion = 4; // KiB
-// A server keeps the process that ran its last script, if that changed nothing.
-constexpr long kDescriptorsOfAWorker = 1;
+// What is open in passing: the process that ran a server's last script, a connection to the bus
+// that comes or goes, a journal. One that each capture left open would soon be many.
+constexpr long kDescriptorsInPassing = 4;
 constexpr std::chrono::milliseconds kGlance{1};
 
 Sound MakeSound(const fs::path& path, unsigned nSeed)
@@ -261,7 +262,7 @@ void CSoak::CloseRound(size_t nRound)
     const long nRegions = static_cast<long>(evidence.regions.size());
     TakeFindings(CheckGrowth("the server of round " + std::to_string(nRound), first, last,
                              m_nAllowance + kServerMemoryOfARegion * nRegions,
-                             kDescriptorsOfAWorker));
+                             kDescriptorsInPassing));
     WatchHosts();
     Count(evidence);
     if (m_shared.fBroken)
@@ -343,7 +344,8 @@ void CSoak::WatchHosts()
         if (samples.size() <= kSettled + 1)
             continue;
         const std::string strHost = "host " + std::to_string(pDriver->LifeNumber());
-        TakeFindings(CheckGrowth(strHost, samples[kSettled], samples.back(), m_nAllowance));
+        TakeFindings(CheckGrowth(strHost, samples[kSettled], samples.back(), m_nAllowance,
+                                 kDescriptorsInPassing));
         m_growth.push_back(strHost + ", " + std::to_string(samples.size()) + " rounds: " +
                            Describe(samples[kSettled]) + " -> " + Describe(samples.back()));
     }

@@ -79,3 +79,16 @@ TEST(SoakLogs, WhatTheServerDidNotLiveToAnswerIsNone)
     EXPECT_THAT(ReadServerAnswers(kAdd + "2026-03-01T12:3\n" + "ready\n" + kQuestion), IsEmpty());
     EXPECT_THAT(ReadServerAnswers(kQuestion), IsEmpty());
 }
+
+// Clients take turns: another's question may be asked and answered meanwhile.
+TEST(SoakLogs, AnAnswerIsThatOfItsOwnEvent)
+{
+    EXPECT_THAT(ReadServerAnswers(kAdd + kQuestion + kAnswer),
+                ElementsAre(Field(&ServerAnswer::strPath, "/takes/a 1.wav")));
+}
+
+TEST(SoakLogs, AnEventOfTheNextServerIsAnother)
+{
+    const std::string strQuestion = "2026-03-01T12:34:57.000Z event 2 in\n    print(1)\n";
+    EXPECT_THAT(ReadServerAnswers(kAdd + "ready\n" + strQuestion + kAnswer), IsEmpty());
+}
