@@ -65,7 +65,10 @@ int Server(const Options& options)
     }
     CheckReport(options);
     const Findings findings = ExamineServer(options.server);
-    return Tell(options, {"server", ServerAddress(), VersionOfServer(options.server)}, findings);
+    // What a server prints that does not answer what it was asked is no version.
+    const bool fAnswers = findings.front().outcome == Outcome::Kept;
+    const std::string strVersion = fAnswers ? VersionOfServer(options.server) : "";
+    return Tell(options, {"server", ServerAddress(), strVersion}, findings);
 }
 
 void DeclareReport(CLI::App& command, Options& options)
