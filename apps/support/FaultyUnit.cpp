@@ -203,7 +203,12 @@ void CFaultyUnit::PutFirst(SInt32 nElement)
     RecordOfInner(nElement, record);
     std::lock_guard lock(m_mutex);
     m_records.push_back(record);
-    std::swap(m_records.back(), m_records.at(static_cast<size_t>(nNext)));
+    // Whoever looks without having been told may have taken it already: then there is none before
+    // it.
+    if (nNext >= 0 && static_cast<size_t>(nNext) < m_records.size())
+    {
+        std::swap(m_records.back(), m_records[static_cast<size_t>(nNext)]);
+    }
 }
 
 void CFaultyUnit::Notify(AudioUnitPropertyID nId)

@@ -222,7 +222,10 @@ OSStatus CFaultyUnit::GetRecord(AudioUnitElement nElement, void* pData, UInt32* 
     if (Has(SignalFault::LastFirst))
     {
         std::lock_guard lock(m_mutex);
-        record = m_records.at(nElement);
+        if (nElement < m_records.size())
+        {
+            record = m_records[nElement];
+        }
     }
     Spoil(record, m_faults);
     *pnSize = Has(SignalFault::RecordShort) ? kShortRecord : UInt32(sizeof record);
