@@ -45,6 +45,10 @@ public:
 
     void Dispose()
     {
+        {
+            std::lock_guard lock(m_reading);
+            m_fReads = false;
+        }
         if (m_pUnit != nullptr)
         {
             EXPECT_EQ(AudioComponentInstanceDispose(m_pUnit), noErr);
@@ -163,10 +167,6 @@ public:
     // Called on the observed thread, before the report is noted.
     std::function<void(const Tarvane::CCaptureReport&)> onReport;
 
-    // Whether a notification reads what it may have changed. A unit that is being disposed of
-    // answers nothing.
-    std::atomic<bool> fReads = true;
-
     CTemporaryFolder sources, captures;
     // Where captures go from the next SetSpeed on.
     std::filesystem::path captureFolder = captures.Path();
@@ -191,7 +191,7 @@ private:
         EXPECT_EQ(nScope, static_cast<AudioUnitScope>(kAudioUnitScope_Global));
         EXPECT_EQ(nElement, 0U);
         Notification notification{nId, std::this_thread::get_id(), -1, 0, 0};
-        if (self.fReads)
+        if (std::lock_guard lock(self.m_reading); self.m_fReads)
         {
             notification.nNext = self.Get<SInt32>(TNProperty_NextElement);
             notification.fArmed = self.Get<UInt8>(TNProperty_ArmCapture);
@@ -209,6 +209,10 @@ private:
     }
 
     AudioUnit m_pUnit = nullptr;
+    // Whether a notification reads what it may have changed: a unit that is being disposed of
+    // answers nothing. Held while one reads, so that none reads across the disposal.
+    std::mutex m_reading;
+    bool m_fReads = true;
     Tarvane::CSignalSettings m_settings;
     mutable std::mutex m_mutex;
     std::condition_variable m_heard;

@@ -420,7 +420,6 @@ TEST(SignalSide, DisposalWaitsForTheNotificationUnderWay)
     };
     plugIn.Arm(true);
     inside.get_future().wait();
-    plugIn.fReads = false;
     std::thread releaser([&] { release.set_value(); });
     plugIn.Dispose();
     EXPECT_TRUE(fLeft);
