@@ -2,6 +2,8 @@
 #include "apps/support/CommandLine.h"
 #include "soak/Soak.h"
 
+#include <CLI/CLI.hpp>
+
 #include <cstdlib>
 #include <iostream>
 

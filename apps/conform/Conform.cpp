@@ -9,6 +9,8 @@
 #include "apps/support/AtomicFile.h"
 #include "apps/support/CommandLine.h"
 
+#include <CLI/CLI.hpp>
+
 #include <fstream>
 #include <iostream>
 

@@ -5,6 +5,8 @@
 #include "apps/support/SoundFile.h"
 #include "apps/support/Timecode.h"
 
+#include <CLI/CLI.hpp>
+
 #include <csignal>
 #include <cstdio>
 #include <iostream>

@@ -12,6 +12,11 @@
 #include <string>
 #include <vector>
 
+namespace CLI
+{
+class App;
+}
+
 namespace Tarvane
 {
 

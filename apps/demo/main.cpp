@@ -2,6 +2,8 @@
 // of the server's session, and checks what came of them.
 #include "apps/demo/Demo.h"
 
+#include <CLI/CLI.hpp>
+
 int main(int argc, char** argv)
 {
     CLI::App app("Starts a server with a session of a few tracks and a host with the link view, "

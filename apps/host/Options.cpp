@@ -4,6 +4,8 @@
 #include "apps/support/ChildProcess.h"
 #include "apps/support/DecimalNumber.h"
 
+#include <CLI/CLI.hpp>
+
 #include <cmath>
 #include <optional>
 #include <stdexcept>

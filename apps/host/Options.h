@@ -9,6 +9,11 @@
 #include <string>
 #include <vector>
 
+namespace CLI
+{
+class App;
+}
+
 namespace Tarvane
 {
 

@@ -4,6 +4,8 @@
 #include "apps/host/Options.h"
 #import "apps/support/Application.h"
 
+#include <CLI/CLI.hpp>
+
 #import <AppKit/AppKit.h>
 
 namespace

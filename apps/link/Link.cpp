@@ -11,6 +11,8 @@
 
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
 
+#include <CLI/CLI.hpp>
+
 #include <cstdlib>
 #include <map>
 #include <optional>

@@ -1,5 +1,7 @@
 #include "apps/palette/Options.h"
 
+#include <CLI/CLI.hpp>
+
 namespace Tarvane
 {
 namespace

@@ -5,6 +5,11 @@
 
 #include <string>
 
+namespace CLI
+{
+class App;
+}
+
 namespace Tarvane
 {
 

@@ -6,6 +6,8 @@
 #import "apps/support/Application.h"
 #include "colours/ComponentsColors.h"
 
+#include <CLI/CLI.hpp>
+
 #import <Foundation/Foundation.h>
 
 namespace

@@ -8,6 +8,8 @@
 #include "apps/support/CommandLine.h"
 #include "utils/UnicodeText.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>

@@ -2,6 +2,8 @@
 
 #include "apps/server/Session.h"
 
+#include <CLI/CLI.hpp>
+
 #include <stdexcept>
 
 namespace Tarvane::Server

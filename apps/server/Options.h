@@ -3,12 +3,15 @@
 
 #include "apps/server/Misbehaviour.h"
 
-#include <CLI/CLI.hpp>
-
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
+
+namespace CLI
+{
+class App;
+}
 
 namespace Tarvane::Server
 {

@@ -4,6 +4,8 @@
 #include "apps/server/Server.h"
 #include "apps/support/CommandLine.h"
 
+#include <CLI/CLI.hpp>
+
 int main(int argc, char** argv)
 {
     CLI::App app("Receives script events under the signature 'TkNe', runs the scripts on its "

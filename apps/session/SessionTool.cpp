@@ -13,6 +13,8 @@
 #include "apps/support/AtomicFile.h"
 #include "apps/support/CommandLine.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <fstream>
 #include <iostream>

@@ -4,6 +4,8 @@
 #include "apps/support/PlainText.h"
 #include "apps/support/ProgramVersion.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <csignal>
 #include <iostream>

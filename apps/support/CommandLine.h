@@ -2,11 +2,14 @@
 // every way in which a program can be used wrongly.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
 #include <stdexcept>
 #include <string>
+
+namespace CLI
+{
+class App;
+}
 
 namespace Tarvane
 {

@@ -13,6 +13,8 @@
 #include "plugin/view/PlugInConnection.h"
 #include "plugin/view/SocketUnit.h"
 
+#include <CLI/CLI.hpp>
+
 #import <AppKit/AppKit.h>
 
 #include <atomic>

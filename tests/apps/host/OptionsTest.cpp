@@ -4,6 +4,8 @@
 #include "tests/apps/support/SoundFixture.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
+#include <CLI/CLI.hpp>
+
 #include <fstream>
 #include <gmock/gmock.h>
 

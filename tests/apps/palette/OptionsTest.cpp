@@ -2,6 +2,8 @@
 
 #include "tests/apps/support/ManualPage.h"
 
+#include <CLI/CLI.hpp>
+
 #include <gmock/gmock.h>
 
 using Tarvane::PaletteOptions;

@@ -4,6 +4,8 @@
 #include "apps/support/CommandLine.h"
 #include "tests/apps/support/ManualPage.h"
 
+#include <CLI/CLI.hpp>
+
 #include <gmock/gmock.h>
 
 namespace Tarvane::Server

@@ -1,5 +1,7 @@
 #include "apps/support/CommandLine.h"
 
+#include <CLI/CLI.hpp>
+
 #include <gmock/gmock.h>
 
 #include <cerrno>
