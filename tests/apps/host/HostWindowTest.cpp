@@ -74,3 +74,16 @@ TEST_F(HostWindow, FirstClickOfAFreshWindowPressesTheToggle)
     }
     EXPECT_EQ(host.Ask("state", kLong)["armed"], true);
 }
+
+TEST_F(HostWindow, TitleTellsTheTakeThatWasDeliveredLast)
+{
+    StartServer();
+    CHostClient host(HostCommand({"--track", "1", "--speed", "max"}));
+    ASSERT_EQ(host.Capture(One(), 0, kLong)["ok"], true);
+    const std::string strTitle =
+        "xdotool search --onlyvisible --name '^Tarvane Link' getwindowname";
+    EXPECT_EQ(OutputOf(strTitle), "Tarvane Link - 0.100 s delivered to ADR\n");
+    // The one after it is told as a duplicate, which is no delivery.
+    ASSERT_EQ(host.Capture(One(), 0, kLong)["ok"], true);
+    EXPECT_EQ(OutputOf(strTitle), "Tarvane Link\n");
+}
