@@ -3,6 +3,8 @@
 
 #include "apps/support/CommandLine.h"
 
+#include <CLI/CLI.hpp>
+
 #import <Foundation/Foundation.h>
 
 #include <gtest/gtest.h>
