@@ -3,7 +3,8 @@
 
 # Ours: includes are written from the repository root and every warning counts.
 function(tarvane_target_defaults target)
-  target_include_directories(${target} PUBLIC "${PROJECT_SOURCE_DIR}")
+  target_include_directories(${target} PUBLIC
+    "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>" "$<INSTALL_INTERFACE:${TARVANE_INCLUDE}>")
   target_compile_options(${target} PRIVATE -Wall -Wextra)
   if(CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU"
       AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
@@ -38,23 +39,6 @@ function(tarvane_add_program target)
   add_executable(${target} ${arg_SOURCES})
   tarvane_target_defaults(${target})
   target_link_libraries(${target} PRIVATE ${arg_LINK})
-endfunction()
-
-# tarvane_install_program(<target>)
-# The program, its resources and its manual page, where there is one, beside the libraries and the
-# bundle.
-function(tarvane_install_program target)
-  if(NOT APPLE)
-    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/../lib")
-  endif()
-  install(TARGETS ${target} RUNTIME DESTINATION bin BUNDLE DESTINATION bin)
-  get_target_property(resources ${target} TARVANE_RESOURCES)
-  if(resources)
-    install(FILES ${resources} DESTINATION "bin/Resources/${target}")
-  endif()
-  if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${target}.1")
-    install(FILES "${CMAKE_CURRENT_SOURCE_DIR}/${target}.1" DESTINATION share/man/man1)
-  endif()
 endfunction()
 
 # tarvane_add_plugin(<target> SOURCES ... [LINK ...])

@@ -125,7 +125,7 @@ CLI::App* DeclarePlugIn(CLI::App& app, Options& options)
                   "on an instance of its own, in a process of its own.");
     pPlugIn->add_option("LIBRARY", options.plugIn.strLibrary,
                         "Exports TarvaneLinkSignalSideFactory, and TarvaneConformPlay if it is to "
-                        "capture (apps/conform/PlugInEntry.h)");
+                        "capture (apps/support/PlugInEntry.h)");
     pPlugIn->add_flag("--json", options.fJson, "Tell the findings as JSON.");
     DeclareReport(*pPlugIn, options);
     pPlugIn->add_flag("--list", options.fList, "Tell the rules, and examine nothing.");

@@ -70,7 +70,7 @@ void CPlugInPeer::Play() const
 {
     if (!m_bench.library.CanPlay())
         throw CNotExaminable("the library exports no TarvaneConformPlay, which makes the plug-in "
-                             "capture for a moment (apps/conform/PlugInEntry.h)");
+                             "capture for a moment (apps/support/PlugInEntry.h)");
     Arm();
     const OSStatus nStatus = m_bench.library.Play(m_pUnit);
     if (nStatus != noErr)

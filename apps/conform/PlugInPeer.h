@@ -3,7 +3,7 @@
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
 #include "apps/conform/Listener.h"
-#include "apps/conform/PlugInLibrary.h"
+#include "apps/support/PlugInLibrary.h"
 #include "apps/conform/Rule.h"
 
 #include <cstring>

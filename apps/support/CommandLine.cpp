@@ -1,5 +1,6 @@
 #include "apps/support/CommandLine.h"
 
+#include "apps/support/Completions.h"
 #include "apps/support/LastWords.h"
 #include "apps/support/PlainText.h"
 #include "apps/support/ProgramVersion.h"
@@ -33,14 +34,18 @@ int Complain(const CLI::App& app, const std::string& strText, int nCode)
 
 } // namespace
 
-const char* ProgramVersion()
-{
-    return TARVANE_VERSION;
-}
-
 void AddCommonOptions(CLI::App& app, const std::string& strFailed)
 {
-    app.set_version_flag("--version", app.get_name() + " " + ProgramVersion());
+    const std::string strCommit = ProgramCommit();
+    app.set_version_flag("--version", app.get_name() + " " + ProgramVersion() +
+                                          (strCommit.empty() ? "" : " (" + strCommit + ")"));
+    app.add_option_function<std::string>("--completions",
+                                         [&app](const std::string& strShell)
+                                         {
+                                             std::cout << Completions(app, strShell) << std::flush;
+                                             throw CLI::Success();
+                                         })
+        ->group(""); // for those who install the program
     app.footer("Exit codes: 0 done, 1 " + strFailed + ", 2 wrong use or unusable input.");
 }
 

@@ -28,8 +28,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-// Adds --version, and to --help what the exit codes mean. szFailed completes the sentence of exit
-// code 1, "some capture was not delivered" for instance.
+// Adds --version, the hidden --completions SHELL, and to --help what the exit codes mean. strFailed
+// completes the sentence of exit code 1, "some capture was not delivered" for instance.
 void AddCommonOptions(CLI::App& app, const std::string& strFailed);
 
 // Parses, runs the body and turns what leaves it into an exit code: help and version 0, a parse

@@ -2,7 +2,7 @@
 // does all on the thread that calls it; where a real one captures, on the audio thread, it writes a
 // tenth of a second of silence.
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
-#include "apps/conform/PlugInEntry.h"
+#include "apps/support/PlugInEntry.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 

@@ -39,7 +39,9 @@ function(platform_add_bundle target)
   set_property(TARGET ${target} PROPERTY LINK_LIBRARY_OVERRIDE "WHOLE_ARCHIVE,${whole}")
   target_link_libraries(${target} PRIVATE ${arg_WHOLE} ${arg_LINK})
   if(arg_INSTALL)
-    install(TARGETS ${target} LIBRARY DESTINATION "lib/${arg_NAME}.bundle")
-    install(FILES ${resources} DESTINATION "lib/${arg_NAME}.bundle/Resources")
+    install(TARGETS ${target} LIBRARY DESTINATION "${TARVANE_HOME}/lib/${arg_NAME}.bundle"
+      COMPONENT runtime)
+    install(FILES ${resources} DESTINATION "${TARVANE_HOME}/lib/${arg_NAME}.bundle/Resources"
+      COMPONENT runtime)
   endif()
 endfunction()

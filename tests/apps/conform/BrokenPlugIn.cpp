@@ -1,6 +1,6 @@
 // A library that fails before any property can: TARVANE_BROKEN says how. Without it an instance
 // opens, takes every call and does nothing. It cannot play.
-#include "apps/conform/PlugInEntry.h"
+#include "apps/support/PlugInEntry.h"
 
 #include <cstdlib>
 #include <iostream>

@@ -1,5 +1,5 @@
 // What the command line takes, and what it says of itself.
-
+#include "apps/support/ProgramVersion.h"
 #include "tests/apps/link/LinkFixture.h"
 #include "tests/apps/support/ManualPage.h"
 #include "tests/apps/support/TemporaryFolder.h"
@@ -81,7 +81,9 @@ TEST_F(UsageTest, Version)
 {
     const Ran ran = RunLink({"--version"});
     EXPECT_EQ(ran.nExitCode, 0);
-    EXPECT_EQ(ran.strOutput, "tarvane-link " PROJECT_VERSION "\n");
+    const std::string strCommit = Tarvane::ProgramCommit();
+    EXPECT_EQ(ran.strOutput, "tarvane-link " PROJECT_VERSION +
+                                 (strCommit.empty() ? "" : " (" + strCommit + ")") + "\n");
 }
 
 TEST_F(UsageTest, ACommandIsRequired)

@@ -52,6 +52,15 @@ int Unreached()
 
 } // namespace
 
+TEST(CommandLine, CompletionsArePrintedAndNothingElseIsDone)
+{
+    const Outcome outcome = RunIt({"--completions", "fish"}, &Unreached);
+    EXPECT_EQ(outcome.nCode, kExitDone);
+    EXPECT_THAT(outcome.strOutput, HasSubstr("complete -c tarvane-try -l track"));
+    EXPECT_EQ(outcome.strError, "");
+    EXPECT_EQ(RunIt({"--completions", "tcsh"}, &Unreached).nCode, kExitUsage);
+}
+
 TEST(CommandLine, TheBodysCodeIsTheProgramsCode)
 {
     const Outcome outcome = RunIt({"--track", "2"}, [] { return int(kExitFailed); });

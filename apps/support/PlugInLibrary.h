@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace Tarvane::Conform
+namespace Tarvane
 {
 
 /// A shared library with a signal side in it (PlugInEntry.h), loaded until the process ends.
@@ -26,4 +26,4 @@ private:
     OSStatus (*m_pPlay)(AudioUnit pUnit) = nullptr;
 };
 
-} // namespace Tarvane::Conform
+} // namespace Tarvane

@@ -1,6 +1,6 @@
-#include "apps/conform/PlugInLibrary.h"
+#include "apps/support/PlugInLibrary.h"
 
-#include "apps/conform/PlugInEntry.h"
+#include "apps/support/PlugInEntry.h"
 #include "apps/support/CommandLine.h"
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -8,7 +8,7 @@
 #include <dlfcn.h>
 #include <filesystem>
 
-namespace Tarvane::Conform
+namespace Tarvane
 {
 namespace
 {
@@ -43,9 +43,9 @@ CPlugInLibrary::CPlugInLibrary(const std::string& strPath)
         Exported<decltype(TarvaneLinkSignalSideFactory)>(pLibrary, "TarvaneLinkSignalSideFactory");
     if (pFactory == nullptr)
         throw CUsageError(strPath + " exports no TarvaneLinkSignalSideFactory, which makes an "
-                                    "instance (apps/conform/PlugInEntry.h).");
+                                    "instance (apps/support/PlugInEntry.h).");
     m_pComponent = Registered(pFactory);
     m_pPlay = Exported<decltype(TarvaneConformPlay)>(pLibrary, "TarvaneConformPlay");
 }
 
-} // namespace Tarvane::Conform
+} // namespace Tarvane
