@@ -3,8 +3,8 @@
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
 #include "apps/conform/Listener.h"
-#include "apps/support/PlugInLibrary.h"
 #include "apps/conform/Rule.h"
+#include "apps/support/PlugInLibrary.h"
 
 #include <cstring>
 #include <functional>

@@ -57,8 +57,8 @@ std::vector<std::string> WordsOf(const std::string& strType)
     std::vector<std::string> words;
     for (const std::string& strWord : CLI::detail::split(strType, '|'))
     {
-        if (std::all_of(strWord.begin(), strWord.end(),
-                        [](char c) { return c >= 'a' && c <= 'z'; }))
+        if (!strWord.empty() && std::all_of(strWord.begin(), strWord.end(),
+                                            [](char c) { return c >= 'a' && c <= 'z'; }))
         {
             words.push_back(strWord);
         }

@@ -125,7 +125,7 @@ TEST_F(CompletionsTest, ZshAndFishGetEachOptionWithItsFirstSentence)
         AllOf(
             HasSubstr("complete -c tarvane-try -n __fish_use_subcommand -f -a send -d 'Send a "
                       "file'\n"),
-            HasSubstr("-l track -x -d 'The track'\n"),
+            HasSubstr("-l track -x -d 'The track'\n"), HasSubstr("-l dry -d 'Do nothing'\n"),
             HasSubstr(R"(-l as -x -a 'server host' -d 'Who it'\''s to be')"),
             HasSubstr("complete -c tarvane-try -n '__fish_seen_subcommand_from send' -l log -r -F "
                       "-d 'Where [words] go'\n")));
