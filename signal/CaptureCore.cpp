@@ -24,6 +24,7 @@ constexpr std::uint32_t kMinRate = 8000, kMaxRate = 768000;
 
 constexpr std::uint64_t kProgressFrames = 512;
 constexpr std::chrono::milliseconds kLookAgain{20}; // while a take runs
+constexpr std::chrono::milliseconds kTryAgain{500}; // to write a journal that the disk refused
 // A host that has stopped calling us does not end the take of a disarmed instance; after this we
 // do.
 constexpr std::chrono::milliseconds kAbandoned{500};
@@ -210,6 +211,10 @@ void CCaptureCore::Parts::Work()
         else if (m_writer.IsOpen())
         {
             m_wake.WaitFor(kLookAgain);
+        }
+        else if (!m_writer.CatchUp())
+        {
+            m_wake.WaitFor(kTryAgain);
         }
         else
         {

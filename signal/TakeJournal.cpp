@@ -267,6 +267,7 @@ void CTakeJournal::GiveBack()
     {
         return;
     }
+    CatchUp();
     if (Open().empty())
     {
         ::unlink(m_path.c_str());
@@ -357,12 +358,23 @@ bool CTakeJournal::Append(const std::string& strJson)
     {
         return false;
     }
-    if (!WriteLine(m_nFile, Line(strJson)))
+    m_strUnwritten += Line(strJson);
+    return CatchUp();
+}
+
+bool CTakeJournal::CatchUp()
+{
+    if (m_strUnwritten.empty())
+    {
+        return true;
+    }
+    if (!WriteLine(m_nFile, m_strUnwritten))
     {
         m_strFailure =
             "cannot write the journal " + m_path.string() + " (" + std::strerror(errno) + ")";
         return false;
     }
+    m_strUnwritten.clear();
     return true;
 }
 
@@ -381,7 +393,13 @@ std::uint64_t CTakeJournal::Begun(const CTakeFile& file, const std::string& strS
                       {"guide", PathJson(take.guide)},
                       {"position", take.dPosition},
                       {"rate", take.dRate}}}};
-    return Append(line.dump()) ? m_nLastTake : 0;
+    const std::string strBefore = m_strUnwritten;
+    if (Append(line.dump()))
+    {
+        return m_nLastTake;
+    }
+    m_strUnwritten = strBefore;
+    return 0;
 }
 
 bool CTakeJournal::Finished(std::uint64_t nTake, const CTake& take)

@@ -79,7 +79,8 @@ public:
     std::vector<CJournalTake> Open() const;
 
     // These hold the journal first, and make it where there is none. False, with a reason in
-    // Failure(), when the line did not get to the disk. Begun answers 0 then.
+    // Failure(), when the line did not get to the disk. Begun answers 0 then, and its take is not
+    // known here; the lines of the others are kept for CatchUp, or the next line.
     std::uint64_t Begun(const CTakeFile& file, const std::string& strStem, const CTake& take);
     bool Finished(std::uint64_t nTake, const CTake& take);
     // A finished take of another journal; its number in this one, or 0.
@@ -87,6 +88,8 @@ public:
     bool Ended(std::uint64_t nTake, const std::string& strOutcome, const std::string& strWords,
                double dExpectedPosition);
     const std::string& Failure() const { return m_strFailure; }
+    // Tries once more to write what did not get to the disk. True when nothing of that is left.
+    bool CatchUp();
 
     // The journals in a folder.
     static std::vector<std::filesystem::path> In(const std::filesystem::path& folder);
@@ -103,6 +106,7 @@ private:
     int m_nFile = -1;
     std::uint64_t m_nLastTake = 0;
     std::string m_strFailure;
+    std::string m_strUnwritten; // whole lines
 };
 
 // Every folder of this user in which an instance has kept a journal, whether or not there is one

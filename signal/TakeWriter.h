@@ -46,6 +46,8 @@ public:
 
     const std::string& Uuid() const { return m_pJournal->Uuid(); }
     void Settle(const CQueuedTake& queued);
+    // Whether all of it is on the disk, once what is not has been tried again.
+    bool CatchUp() { return m_pJournal->CatchUp(); }
     // Turns to this folder and the journal of this UUID there, with everything in the queue; no
     // take may be open. False when another instance holds that one: the instance then has a new
     // UUID of its own.

@@ -4,8 +4,11 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <fstream>
+#include <future>
 #include <thread>
+#include <utility>
 
 using namespace Tarvane;
 using namespace TarvaneTest;
@@ -116,6 +119,49 @@ TEST(CaptureCore, FreewheelingIsCapturedWholeHoweverFast)
     ASSERT_THAT(takes, SizeIs(1));
     ExpectTake(takes[0], 96'000, kFrames, 8);
     EXPECT_EQ(host.core->LostFrames(), 0U);
+}
+
+TEST(CaptureCore, AWriterThatStandsStillHoldsAHostThatFreewheelsAndCostsNoSample)
+{
+    std::promise<void> release;
+    bool fBegun = false; // the writer's
+    CCoreUnderTest host;
+    // The writer stands still as soon as the take has begun.
+    host.core->SetObserver(
+        [&](const CTake&)
+        {
+            if (!std::exchange(fBegun, true))
+            {
+                release.get_future().wait();
+            }
+        });
+    host.core->SetArmed(true);
+    constexpr std::uint32_t kBlocks = 4000; // several times what the ring holds
+    std::atomic<std::uint32_t> nPlayed = 0;
+    std::thread player(
+        [&]
+        {
+            for (std::uint32_t n = 0; n < kBlocks; ++n)
+            {
+                host.Process({true, true, 1, n * 512.0}, 512);
+                ++nPlayed;
+            }
+        });
+    // Until it is held, or has not been.
+    for (std::uint32_t nBefore = kBlocks; nBefore != nPlayed;)
+    {
+        nBefore = nPlayed;
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    EXPECT_LT(nPlayed, kBlocks);
+    release.set_value();
+    player.join();
+    host.core->EndTake();
+    host.core->WaitUntilWritten();
+    EXPECT_EQ(host.core->LostFrames(), 0U);
+    ASSERT_EQ(host.core->Waiting(), 1U);
+    const auto record = host.Get<TNCaptureElement>(TNProperty_ElementInfo);
+    EXPECT_EQ(record.tDub.dEnd, kBlocks * 512.0);
 }
 
 TEST(CaptureCore, DisarmingBetweenTwoBlocksEndsTheTakeEvenWhenArmedAgainAtOnce)

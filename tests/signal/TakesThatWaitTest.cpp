@@ -7,10 +7,12 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <csignal>
 #include <future>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace Tarvane;
@@ -359,6 +361,37 @@ TEST(TakesThatWait, AFullDiskEndsTheTakeAtItsLastWholeFrameAndCountsTheRest)
     EXPECT_THAT(host.core->StatusText(), HasSubstr("make room there"));
     Take(host, 90'000);
     EXPECT_EQ(SamplesThatAreRight(host.Published(2)[1].file, 90'000), 2000U);
+}
+
+// Else another start would send it again, to whatever session is open by then.
+TEST(TakesThatWait, AnOutcomeThatAFullDiskRefusesIsInTheJournalOnceThereIsRoom)
+{
+    ::signal(SIGXFSZ, SIG_IGN);
+    CCoreUnderTest host(2, kUuid);
+    Take(host, 700);
+    Take(host, 90'000);
+    host.Published(2);
+    rlimit old{};
+    ::getrlimit(RLIMIT_FSIZE, &old);
+    const rlimit small{100, old.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    host.Acknowledge(0);
+    const auto fnComes = [](const auto& fnThere)
+    {
+        for (int n = 0; n < 6000 && !fnThere(); ++n)
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return fnThere();
+    };
+    const bool fRefused = fnComes([&] { return !host.LogLines().empty(); });
+    const auto fnOpen = [&] { return CTakeJournal(host.captures.Path(), kUuid).Open().size(); };
+    const std::size_t nOpen = fnOpen();
+    ::setrlimit(RLIMIT_FSIZE, &old);
+    ASSERT_TRUE(fRefused);
+    EXPECT_THAT(host.LogLines()[0], HasSubstr("cannot write the journal"));
+    EXPECT_EQ(nOpen, 2U);
+    EXPECT_TRUE(fnComes([&] { return fnOpen() == 1; }));
 }
 
 TEST(TakesThatWait, ADiskThatIsTooSlowEndsTheTakeAndTheNextBeginsAtItsOwnPlace)
