@@ -40,6 +40,7 @@ struct Attempt
     FileState file = FileState::Missing; // of that file, at the end of the round
     bool fServerAway = false;            // server or bus were away at some time of the attempt
     bool fLate = false;                  // by the host, of a capture of an earlier attempt or host
+    bool fViewKilled = false;            // meanwhile; the next view has taken it in hand anew
 };
 
 // A write to the acknowledge property.

@@ -5,11 +5,13 @@
 #include "soak/ProcessSample.h"
 
 #include <algorithm>
+#include <csignal>
 #include <iomanip>
 #include <set>
 #include <sstream>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -57,6 +59,17 @@ FileState StateOf(const Attempt& attempt, const Sound& sound)
     }
 }
 
+// The first capture of a host starts its view, and one that is killed is started again. 0 when
+// there is none for long.
+pid_t AwaitViewProcess(pid_t nHost)
+{
+    const auto deadline = Clock::now() + kEndPatience;
+    std::vector<pid_t> views = ChildrenOf(nHost);
+    for (; views.empty() && Clock::now() < deadline; views = ChildrenOf(nHost))
+        std::this_thread::sleep_for(kGlance);
+    return views.empty() ? 0 : views.front();
+}
+
 bool IsJournal(const fs::path& path)
 {
     return path.filename().string().starts_with(kJournals);
@@ -64,10 +77,10 @@ bool IsJournal(const fs::path& path)
 
 } // namespace
 
-CHostDriver::CHostDriver(int nView, fs::path captureFolder, std::vector<Sound> sounds,
-                         Shared& shared)
-    : m_nView(nView), m_captureFolder(std::move(captureFolder)), m_sounds(std::move(sounds)),
-      m_shared(shared), m_nTrack(nView % kTracks)
+CHostDriver::CHostDriver(int nView, ViewPlace place, fs::path captureFolder,
+                         std::vector<Sound> sounds, Shared& shared)
+    : m_nView(nView), m_place(place), m_captureFolder(std::move(captureFolder)),
+      m_sounds(std::move(sounds)), m_shared(shared), m_nTrack(nView % kTracks)
 {
     fs::create_directories(m_captureFolder);
 }
@@ -90,9 +103,13 @@ void CHostDriver::Start()
     m_nElements = 0;
     m_nLateOnes = 0;
     m_samples.clear();
-    auto pClient = std::make_unique<CHostClient>(std::vector<std::string>{
-        ProgramFolder() / "tarvane-host", "--speed", "max", "--capture-folder", m_captureFolder,
-        "--track", std::to_string(m_nTrack), "--log", "-", "--count-objects"});
+    const bool fInHost = m_place == ViewPlace::InHost;
+    std::vector<std::string> command{
+        ProgramNamed(fInHost ? "tarvane-host" : "tarvane-soak-plug-in"), "--capture-folder",
+        m_captureFolder, "--track", std::to_string(m_nTrack)};
+    if (fInHost)
+        command.insert(command.end(), {"--speed", "max", "--log", "-", "--count-objects"});
+    auto pClient = std::make_unique<CHostClient>(command);
     const std::lock_guard lock(m_mutex);
     m_pClient = std::move(pClient);
 }
@@ -110,8 +127,7 @@ void CHostDriver::RunRound(const PlannedRound& round, std::int64_t nFirst)
         AwaitArrival();
         AwaitAcknowledges();
         InspectFiles();
-        m_samples.push_back(SampleProcess(m_pClient->Process().Pid()));
-        m_samples.back().nObjects = m_pClient->Ask("objects", kPatience)["objects"];
+        TakeSamples();
     }
     catch (const std::exception& error)
     {
@@ -120,19 +136,42 @@ void CHostDriver::RunRound(const PlannedRound& round, std::int64_t nFirst)
     ++m_shared.nSettled;
 }
 
+void CHostDriver::TakeSamples()
+{
+    const pid_t nHost = m_pClient->Process().Pid();
+    m_samples.push_back(SampleProcess(nHost));
+    if (m_place == ViewPlace::InHost)
+    {
+        m_samples.back().nObjects = m_pClient->Ask("objects", kPatience)["objects"];
+        return;
+    }
+    const pid_t nView = AwaitViewProcess(nHost);
+    if (nView == 0)
+        throw std::runtime_error("the view has no process");
+    if (std::exchange(m_nViewProcess, nView) != nView)
+        m_viewSamples.clear();
+    m_viewSamples.push_back(SampleProcess(nView));
+}
+
 void CHostDriver::RunPlaces(const PlannedRound& round, std::int64_t nFirst)
 {
     for (int n = 0; n < round.nPlaces && !m_shared.fBroken; ++n)
     {
         std::this_thread::sleep_until(m_shared.begin + round.beginning + n * round.interval);
         const std::int64_t nPlace = nFirst + n;
-        for (const PlannedHostKill& kill : round.hostKills)
+        bool fDone = false;
+        const auto fnKill = [&](const std::vector<PlannedKill>& kills, Victim victim)
         {
-            if (kill.nView == m_nView && kill.nBefore == n)
-                Try(nPlace, &kill);
-        }
+            for (const PlannedKill& kill : kills)
+            {
+                if (kill.nView == m_nView && kill.nBefore == n)
+                    fDone = Try(nPlace, victim, kill.delay);
+            }
+        };
+        fnKill(round.hostKills, Victim::Host);
+        fnKill(round.viewKills, Victim::View);
         const auto deadline = Clock::now() + kPatience;
-        while (!Try(nPlace, nullptr) && !m_shared.fBroken)
+        while (!fDone && !Try(nPlace) && !m_shared.fBroken)
         {
             if (Clock::now() > deadline)
                 throw std::runtime_error("nothing is captured any more");
@@ -201,7 +240,7 @@ void CHostDriver::ChooseTrack(int nTrack)
     }
 }
 
-bool CHostDriver::Try(std::int64_t nPlace, const PlannedHostKill* pKill)
+bool CHostDriver::Try(std::int64_t nPlace, Victim victim, std::chrono::microseconds delay)
 {
     const Sound& sound = SoundFor(nPlace);
     Attempt attempt;
@@ -213,23 +252,40 @@ bool CHostDriver::Try(std::int64_t nPlace, const PlannedHostKill* pKill)
     const unsigned nAbsence = m_shared.nAbsence;
     bool fWhole = false; // and not refused
     const std::string strCommand = CaptureCommand(sound, attempt.nPosition);
-    if (pKill != nullptr)
-        Kill(strCommand, pKill->delay);
+    if (victim == Victim::Host)
+        KillHost(strCommand, delay);
     else
     {
-        const nlohmann::json answer = m_pClient->Ask(strCommand, kPatience);
+        attempt.fViewKilled = victim == Victim::View;
+        const nlohmann::json answer = attempt.fViewKilled
+                                          ? AskWhileTheViewIsKilled(strCommand, delay)
+                                          : m_pClient->Ask(strCommand, kPatience);
         TakeAnswer(answer, attempt);
         fWhole = attempt.nFrames == sound.nFrames && answer["fate"] != "refused";
     }
     attempt.fServerAway = nAbsence % 2 != 0 || nAbsence != m_shared.nAbsence;
     m_attempts.push_back(attempt);
     m_captured.push_back(&sound);
-    if (pKill != nullptr)
+    if (victim == Victim::Host)
         Start();
     return fWhole && attempt.outcome != Outcome::NotPublished;
 }
 
-void CHostDriver::Kill(const std::string& strCommand, std::chrono::microseconds delay)
+nlohmann::json CHostDriver::AskWhileTheViewIsKilled(const std::string& strCommand,
+                                                    std::chrono::microseconds delay)
+{
+    const pid_t nHost = m_pClient->Process().Pid();
+    const std::jthread killer(
+        [this, nHost, delay]
+        {
+            std::this_thread::sleep_for(delay);
+            const pid_t nView = AwaitViewProcess(nHost);
+            m_nViewKills += nView != 0 && ::kill(nView, SIGKILL) == 0;
+        });
+    return m_pClient->Ask(strCommand, kPatience);
+}
+
+void CHostDriver::KillHost(const std::string& strCommand, std::chrono::microseconds delay)
 {
     CChildProcess& process = m_pClient->Process();
     process.WriteLine(strCommand);
@@ -342,15 +398,22 @@ void CHostDriver::Close()
 void CHostDriver::Limit(std::uint64_t nBytes)
 {
     const std::lock_guard lock(m_mutex);
-    if (m_pClient)
-        LimitFiles(m_pClient->Process().Pid(), nBytes);
+    if (!m_pClient)
+        return;
+    // The host first: what it starts from then on is as it is.
+    LimitFiles(m_pClient->Process().Pid(), nBytes);
+    for (const pid_t nView : ChildrenOf(m_pClient->Process().Pid()))
+        LimitFiles(nView, nBytes);
 }
 
 void CHostDriver::Unlimit()
 {
     const std::lock_guard lock(m_mutex);
-    if (m_pClient)
-        UnlimitFiles(m_pClient->Process().Pid());
+    if (!m_pClient)
+        return;
+    UnlimitFiles(m_pClient->Process().Pid());
+    for (const pid_t nView : ChildrenOf(m_pClient->Process().Pid()))
+        UnlimitFiles(nView);
 }
 
 } // namespace Tarvane::Soak

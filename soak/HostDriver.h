@@ -11,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace Tarvane::Soak
@@ -40,13 +41,19 @@ struct Sound
     std::int64_t nOffset = 0; // the server's timeline minus the host's, in samples of its rate
 };
 
+enum class ViewPlace
+{
+    InHost,   // of tarvane-host
+    OfItsOwn, // a process, started by the plug-in's parts in tarvane-soak-plug-in
+};
+
 // All operations but Limit: one thread, which lives as long as the object; the host ends with it.
 class CHostDriver
 {
 public:
     // Starts nothing yet. The capture folder is of this view alone.
-    CHostDriver(int nView, std::filesystem::path captureFolder, std::vector<Sound> sounds,
-                Shared& shared);
+    CHostDriver(int nView, ViewPlace place, std::filesystem::path captureFolder,
+                std::vector<Sound> sounds, Shared& shared);
 
     // Captures at so many places, and waits until all of it has arrived: what the server refuses,
     // and what the host's full disk cuts short, is captured again; what reaches no server is the
@@ -60,11 +67,13 @@ public:
     std::vector<std::string> StrayFiles() const;
     const std::vector<Finding>& Findings() const { return m_findings; }
     int Kills() const { return m_nKills; }
+    int ViewKills() const { return m_nViewKills; }
     int PlacedWithoutOffset() const { return m_nWithoutOffset; }
     // What the host has written to its standard error stream since its start.
     std::string Log() const { return m_pClient ? m_pClient->Process().ErrorOutput() : m_strEnded; }
-    // Of the host that is there, one sample a round.
+    // Of the host that is there, and of the process of its view if it has one, one sample a round.
     const std::vector<ProcessSample>& Samples() const { return m_samples; }
+    const std::vector<ProcessSample>& ViewSamples() const { return m_viewSamples; }
     int LifeNumber() const { return m_life.nLife; }
 
     // Forgets the round and removes its files.
@@ -78,14 +87,25 @@ public:
     void Unlimit();
 
 private:
+    enum class Victim
+    {
+        Nobody,
+        Host,
+        View,
+    };
+
     void Start();
+    void TakeSamples();
     void RunPlaces(const PlannedRound& round, std::int64_t nFirst);
     void AwaitArrival();
     void TakeLateOnes();
     void ChooseTrack(int nTrack);
-    // Returns whether the place is done.
-    bool Try(std::int64_t nPlace, const PlannedHostKill* pKill);
-    void Kill(const std::string& strCommand, std::chrono::microseconds delay);
+    // Returns whether the place is done. The victim is killed so long after the command.
+    bool Try(std::int64_t nPlace, Victim victim = Victim::Nobody,
+             std::chrono::microseconds delay = {});
+    void KillHost(const std::string& strCommand, std::chrono::microseconds delay);
+    nlohmann::json AskWhileTheViewIsKilled(const std::string& strCommand,
+                                           std::chrono::microseconds delay);
     void TakeAnswer(const nlohmann::json& answer, Attempt& attempt);
     void InspectFiles();
     void AwaitAcknowledges();
@@ -93,6 +113,7 @@ private:
     const Sound& SoundFor(std::int64_t nPlace) const;
 
     const int m_nView;
+    const ViewPlace m_place;
     const std::filesystem::path m_captureFolder;
     const std::vector<Sound> m_sounds;
     Shared& m_shared;
@@ -104,9 +125,12 @@ private:
     size_t m_nLateOnes = 0; // of this life, that have been taken in
     int m_nTrack = 0;
     int m_nKills = 0;
+    int m_nViewKills = 0;
     int m_nWithoutOffset = 0;
     std::string m_strEnded; // the log of the host that ended last
     std::vector<ProcessSample> m_samples;
+    pid_t m_nViewProcess = 0; // that the next are of
+    std::vector<ProcessSample> m_viewSamples;
     std::vector<Life> m_killed;
     std::vector<Attempt> m_attempts;
     std::vector<const Sound*> m_captured; // by attempt

@@ -252,7 +252,7 @@ void CRoundCheck::CheckDuplicate(const Attempt& attempt, size_t nRegions)
     if (!fThere)
         Break("duplicate-is-there", Describe(attempt) + " has nothing at its place");
     // One that is sent again may have been added the first time, without an answer.
-    if (nRegions != 0 && !attempt.fLate)
+    if (nRegions != 0 && !attempt.fLate && !attempt.fViewKilled)
         Break("duplicate-is-there", Describe(attempt) + " was added all the same");
 }
 

@@ -75,8 +75,8 @@ SoakPlan MakePlan(const SoakSettings& settings)
     CDraw draw(settings.nSeed);
     const int nRounds = std::max(1, (settings.nDeliveries + settings.nRoundDeliveries - 1) /
                                         settings.nRoundDeliveries);
-    const int nPlaces =
-        (settings.nDeliveries + nRounds * settings.nViews - 1) / (nRounds * settings.nViews);
+    const int nViews = settings.nViews + settings.nPlugIns;
+    const int nPlaces = (settings.nDeliveries + nRounds * nViews - 1) / (nRounds * nViews);
     SoakPlan plan;
     plan.rounds.resize(static_cast<size_t>(nRounds));
     std::vector<size_t> rough;
@@ -95,19 +95,25 @@ SoakPlan MakePlan(const SoakSettings& settings)
     {
         for (int n = 0; n < nCount; ++n)
             plan.rounds[rough[Nth(n, nCount, rough.size())]].faults.push_back(
-                DrawFault(draw, kind, nPlaces * settings.nViews));
+                DrawFault(draw, kind, nPlaces * nViews));
     };
     spread(FaultKind::ServerKill, settings.nServerKills);
     spread(FaultKind::BusRestart, settings.nBusRestarts);
     spread(FaultKind::DiskFill, settings.nDiskFills);
-    for (int n = 0; n < settings.nHostKills; ++n)
+    const auto drawKill = [&](int nFirst)
     {
-        PlannedHostKill kill;
-        kill.nView = settings.nViews > 1 ? 1 + draw.Below(settings.nViews - 1) : 0;
+        PlannedKill kill;
+        kill.nView = nFirst < nViews ? nFirst + draw.Below(nViews - nFirst) : 0;
         kill.nBefore = draw.Below(nPlaces);
         kill.delay = std::chrono::microseconds(draw.Below(kMostHostDelay));
-        plan.rounds[Nth(n, settings.nHostKills, plan.rounds.size())].hostKills.push_back(kill);
-    }
+        return kill;
+    };
+    for (int n = 0; n < settings.nHostKills; ++n)
+        plan.rounds[Nth(n, settings.nHostKills, plan.rounds.size())].hostKills.push_back(
+            drawKill(1));
+    for (int n = 0; settings.nPlugIns > 0 && n < settings.nViewKills; ++n)
+        plan.rounds[Nth(n, settings.nViewKills, plan.rounds.size())].viewKills.push_back(
+            drawKill(settings.nViews));
     for (PlannedRound& round : plan.rounds)
         std::stable_sort(round.faults.begin(), round.faults.end(),
                          [](const auto& one, const auto& other)
@@ -130,9 +136,14 @@ std::string DescribePlan(const SoakPlan& plan)
             text << "  after delivery " << fault.nAfter << " and " << fault.delay.count()
                  << " us: " << NameOf(fault.kind) << " for " << fault.away.count()
                  << " ms, file limit " << fault.nFileLimit << "\n";
-        for (const PlannedHostKill& kill : round.hostKills)
-            text << "  view " << kill.nView << ", capture " << kill.nBefore
-                 << ": kill the host after " << kill.delay.count() << " us\n";
+        const auto tell = [&](const std::vector<PlannedKill>& kills, const char* szWhat)
+        {
+            for (const PlannedKill& kill : kills)
+                text << "  view " << kill.nView << ", capture " << kill.nBefore << ": kill "
+                     << szWhat << " after " << kill.delay.count() << " us\n";
+        };
+        tell(round.hostKills, "the host");
+        tell(round.viewKills, "the view");
     }
     return text.str();
 }

@@ -11,11 +11,13 @@ namespace Tarvane::Soak
 
 struct SoakSettings
 {
-    int nViews = 3;
+    int nViews = 3;   // in the process of their host
+    int nPlugIns = 1; // views in a process of their own, numbered behind those
     int nDeliveries = 1000;
     int nRoundDeliveries = 500; // a fresh session after so many
     int nServerKills = 10;
     int nHostKills = 5;
+    int nViewKills = 5; // of those in a process of their own
     int nBusRestarts = 3;
     int nDiskFills = 3;
     std::uint64_t nSeed = 1;
@@ -38,7 +40,7 @@ struct PlannedFault
     std::uint64_t nFileLimit = 0;       // bytes that a file may still hold; full disks
 };
 
-struct PlannedHostKill
+struct PlannedKill
 {
     int nView = 0;
     int nBefore = 0;                    // places of that view in the round
@@ -53,7 +55,8 @@ struct PlannedRound
     std::chrono::microseconds beginning{0};
     std::chrono::microseconds interval{0};
     std::vector<PlannedFault> faults;
-    std::vector<PlannedHostKill> hostKills;
+    std::vector<PlannedKill> hostKills;
+    std::vector<PlannedKill> viewKills; // the process of the view, not its host
 };
 
 struct SoakPlan
@@ -62,8 +65,8 @@ struct SoakPlan
 };
 
 // The same settings give the same plan. Every eighth round is without server kills and bus restarts
-// where there are others to take them, so that one server lives through it; view 0 is never killed
-// where there are others.
+// where there are others to take them, so that one server lives through it; the host
+// of view 0 is never killed where there are others.
 SoakPlan MakePlan(const SoakSettings& settings);
 
 // The plan as lines for people.

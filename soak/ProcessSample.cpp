@@ -22,6 +22,18 @@ long Entries(const fs::path& folder)
     return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
 }
 
+// One that has ended, and that nobody has collected yet, is still listed.
+bool IsRunning(pid_t nProcess)
+{
+    std::ifstream status("/proc/" + std::to_string(nProcess) + "/status");
+    for (std::string strLine; std::getline(status, strLine);)
+    {
+        if (strLine.rfind("State:", 0) == 0)
+            return strLine.find("zombie") == std::string::npos;
+    }
+    return false;
+}
+
 void SetFileLimit(pid_t nProcess, rlim_t nBytes)
 {
     rlimit limit{};
@@ -65,6 +77,23 @@ ProcessSample SampleAtRest(pid_t nProcess)
         sample = next;
     }
     return sample;
+}
+
+std::vector<pid_t> ChildrenOf(pid_t nProcess)
+{
+    std::vector<pid_t> children;
+    std::error_code error;
+    const fs::path threads = "/proc/" + std::to_string(nProcess) + "/task";
+    for (fs::directory_iterator at(threads, error), end; !error && at != end; at.increment(error))
+    {
+        std::ifstream list(at->path() / "children");
+        for (pid_t nChild = 0; list >> nChild;)
+        {
+            if (IsRunning(nChild))
+                children.push_back(nChild);
+        }
+    }
+    return children;
 }
 
 void LimitFiles(pid_t nProcess, std::uint64_t nBytes)

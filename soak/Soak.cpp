@@ -76,13 +76,14 @@ std::string Describe(const ProcessSample& sample)
 
 CSoak::CSoak(const SoakSettings& settings, fs::path folder, long nAllowance)
     : m_settings(settings), m_folder(std::move(folder)), m_nAllowance(nAllowance),
-      m_plan(MakePlan(settings)), m_barrier(settings.nViews + 1)
+      m_plan(MakePlan(settings)), m_barrier(Views() + 1)
 {
     fs::create_directories(m_folder / "sounds");
     std::ofstream(m_folder / "plan.txt") << DescribePlan(m_plan);
-    for (int nView = 0; nView < settings.nViews; ++nView)
+    for (int nView = 0; nView < Views(); ++nView)
         m_drivers.push_back(std::make_unique<CHostDriver>(
-            nView, m_folder / "captures" / ("view-" + std::to_string(nView)), MakeSounds(nView),
+            nView, nView < settings.nViews ? ViewPlace::InHost : ViewPlace::OfItsOwn,
+            m_folder / "captures" / ("view-" + std::to_string(nView)), MakeSounds(nView),
             m_shared));
 }
 
@@ -101,7 +102,7 @@ std::vector<Sound> CSoak::MakeSounds(int nView) const
 std::vector<Finding> CSoak::Run()
 {
     std::vector<std::thread> threads;
-    for (int nView = 0; nView < m_settings.nViews; ++nView)
+    for (int nView = 0; nView < Views(); ++nView)
         threads.emplace_back([this, nView] { Drive(nView); });
     RunRounds();
     m_nRound = m_plan.rounds.size();
@@ -135,8 +136,7 @@ void CSoak::Drive(int nView)
     for (m_barrier.arrive_and_wait(); m_nRound < m_plan.rounds.size(); m_barrier.arrive_and_wait())
     {
         const PlannedRound& round = m_plan.rounds[m_nRound];
-        const auto nFirst =
-            (static_cast<std::int64_t>(m_nRound) * m_settings.nViews + nView) * round.nPlaces;
+        const auto nFirst = (static_cast<std::int64_t>(m_nRound) * Views() + nView) * round.nPlaces;
         driver.RunRound(round, nFirst);
         m_barrier.arrive_and_wait();
     }
@@ -209,7 +209,7 @@ void CSoak::Make(const PlannedFault& fault)
 // A take whose server did not answer waits for one that appears.
 void CSoak::LetAllArrive()
 {
-    while (m_shared.nSettled < m_settings.nViews && !m_shared.fBroken)
+    while (m_shared.nSettled < Views() && !m_shared.fBroken)
     {
         std::this_thread::sleep_for(kGlance);
         if (!m_shared.fServerWanted.exchange(false))
@@ -309,11 +309,16 @@ std::vector<SeenRegion> CSoak::ReadSession() const
 
 void CSoak::Count(const RoundEvidence& evidence)
 {
+    std::set<std::string> inSession;
+    for (const SeenRegion& region : evidence.regions)
+        inSession.insert(region.strPath);
     for (const Attempt& attempt : evidence.attempts)
     {
         ++m_totals.nAttempts;
         m_totals.nDelivered += attempt.outcome == Outcome::Delivered;
         m_totals.nDuplicates += attempt.outcome == Outcome::Duplicate;
+        m_totals.nTakenAnew += attempt.outcome == Outcome::Duplicate && attempt.fViewKilled &&
+                               inSession.count(attempt.strPath) != 0;
         m_totals.nUndelivered += attempt.outcome == Outcome::Undelivered;
         m_totals.nFailed += attempt.outcome == Outcome::NotPublished;
         m_totals.nUnanswered += attempt.outcome == Outcome::Unanswered;
@@ -325,10 +330,12 @@ void CSoak::Count(const RoundEvidence& evidence)
     for (const ServerAnswer& answer : evidence.answers)
         m_totals.nRefused += !answer.strError.empty();
     m_totals.nHostKills = 0;
+    m_totals.nViewKills = 0;
     m_totals.nWithoutOffset = 0;
     for (const auto& pDriver : m_drivers)
     {
         m_totals.nHostKills += pDriver->Kills();
+        m_totals.nViewKills += pDriver->ViewKills();
         m_totals.nWithoutOffset += pDriver->PlacedWithoutOffset();
     }
 }
@@ -336,19 +343,24 @@ void CSoak::Count(const RoundEvidence& evidence)
 // Caches fill in a host's first round and in the part of a round before it.
 void CSoak::WatchHosts()
 {
-    constexpr size_t kSettled = 1;
     m_growth.clear();
     for (const auto& pDriver : m_drivers)
     {
-        const std::vector<ProcessSample>& samples = pDriver->Samples();
-        if (samples.size() <= kSettled + 1)
-            continue;
         const std::string strHost = "host " + std::to_string(pDriver->LifeNumber());
-        TakeFindings(CheckGrowth(strHost, samples[kSettled], samples.back(), m_nAllowance,
-                                 kDescriptorsInPassing));
-        m_growth.push_back(strHost + ", " + std::to_string(samples.size()) + " rounds: " +
-                           Describe(samples[kSettled]) + " -> " + Describe(samples.back()));
+        Watch(strHost, pDriver->Samples());
+        Watch("the view of " + strHost, pDriver->ViewSamples());
     }
+}
+
+void CSoak::Watch(const std::string& strProcess, const std::vector<ProcessSample>& samples)
+{
+    constexpr size_t kSettled = 1;
+    if (samples.size() <= kSettled + 1)
+        return;
+    TakeFindings(CheckGrowth(strProcess, samples[kSettled], samples.back(), m_nAllowance,
+                             kDescriptorsInPassing));
+    m_growth.push_back(strProcess + ", " + std::to_string(samples.size()) + " rounds: " +
+                       Describe(samples[kSettled]) + " -> " + Describe(samples.back()));
 }
 
 void CSoak::KeepEvidence(const RoundEvidence& evidence) const
@@ -362,7 +374,7 @@ void CSoak::KeepEvidence(const RoundEvidence& evidence) const
         attempts << "host " << attempt.nLife << " element " << attempt.nElement << " track "
                  << attempt.nTrack << " sample " << attempt.nPosition << " outcome "
                  << static_cast<int>(attempt.outcome) << " server away " << attempt.fServerAway
-                 << " " << attempt.strPath << "\n";
+                 << " view killed " << attempt.fViewKilled << " " << attempt.strPath << "\n";
 }
 
 void CSoak::TakeFindings(const std::vector<Finding>& findings)
@@ -380,22 +392,25 @@ void CSoak::Progress(size_t nRound) const
 {
     std::fprintf(stderr,
                  "round %zu of %zu: %ld delivered, %.1f a second; kills: server %ld, host %ld, "
-                 "bus %ld; disk fills %ld\n",
+                 "view %ld, bus %ld; disk fills %ld\n",
                  nRound + 1, m_plan.rounds.size(), m_totals.nDelivered,
                  static_cast<double>(m_totals.nDelivered) / Seconds(), m_totals.nServerKills,
-                 m_totals.nHostKills, m_totals.nBusRestarts, m_totals.nDiskFills);
+                 m_totals.nHostKills, m_totals.nViewKills, m_totals.nBusRestarts,
+                 m_totals.nDiskFills);
 }
 
 void CSoak::Summarise() const
 {
     std::ostringstream text;
-    text << "seed " << m_settings.nSeed << ", " << m_settings.nViews << " views, "
-         << static_cast<long>(Seconds()) << " s\n"
+    text << "seed " << m_settings.nSeed << ", " << m_settings.nViews << " views in hosts, "
+         << m_settings.nPlugIns << " in processes of their own, " << static_cast<long>(Seconds())
+         << " s\n"
          << "captures attempted    " << m_totals.nAttempts << "\n"
          << "  delivered           " << m_totals.nDelivered << ", "
          << static_cast<double>(m_totals.nDelivered) / Seconds() << " a second\n"
          << "    refused inside    " << m_totals.nRefused << " (the server's disk was full)\n"
-         << "  duplicates          " << m_totals.nDuplicates << "\n"
+         << "  duplicates          " << m_totals.nDuplicates << ", " << m_totals.nTakenAnew
+         << " of them added by a view that was killed\n"
          << "  not delivered       " << m_totals.nUndelivered << "\n"
          << "  not captured        " << m_totals.nFailed << " (the host's disk was full)\n"
          << "  host killed         " << m_totals.nUnanswered << "\n"
@@ -406,6 +421,7 @@ void CSoak::Summarise() const
          << "servers started       " << m_totals.nServersWanted << " (for what had no answer)\n"
          << "server kills          " << m_totals.nServerKills << "\n"
          << "host kills            " << m_totals.nHostKills << "\n"
+         << "view kills            " << m_totals.nViewKills << "\n"
          << "bus restarts          " << m_totals.nBusRestarts << "\n"
          << "disk fills            " << m_totals.nDiskFills << "\n";
     for (const std::string& strLine : m_growth)

@@ -23,6 +23,7 @@ struct SoakTotals
     long nDelivered = 0; // acknowledged as delivered
     long nRefused = 0;   // of those, what the server refused for its full disk
     long nDuplicates = 0;
+    long nTakenAnew = 0; // of those, what a view had added that was killed before it could tell
     long nUndelivered = 0;
     long nFailed = 0;     // captures that the full disk took no more
     long nUnanswered = 0; // whose host was killed
@@ -32,6 +33,7 @@ struct SoakTotals
     long nServersWanted = 0;
     long nServerKills = 0;
     long nHostKills = 0;
+    long nViewKills = 0;
     long nBusRestarts = 0;
     long nDiskFills = 0;
 };
@@ -62,6 +64,8 @@ private:
     std::vector<SeenRegion> ReadSession() const;
     void Count(const RoundEvidence& evidence);
     void WatchHosts();
+    void Watch(const std::string& strProcess, const std::vector<ProcessSample>& samples);
+    int Views() const { return m_settings.nViews + m_settings.nPlugIns; }
     void KeepEvidence(const RoundEvidence& evidence) const;
     void TakeFindings(const std::vector<Finding>& findings);
     void Progress(size_t nRound) const;

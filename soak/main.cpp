@@ -71,6 +71,9 @@ int main(int argc, char** argv)
     long nAllowance = 4096;
     app.add_option("--views", settings.nViews, "Hosts, each with one view (default 3)")
         ->check(CLI::Range(1, 64));
+    app.add_option("--plug-ins", settings.nPlugIns,
+                   "Hosts beside these, with the view in a process of its own (default 1)")
+        ->check(CLI::Range(0, 64));
     app.add_option("--deliveries", settings.nDeliveries, "Captures, all in all (default 1000)")
         ->check(CLI::Range(1, 100000000));
     app.add_option("--round", settings.nRoundDeliveries,
@@ -83,6 +86,9 @@ int main(int argc, char** argv)
     app.add_option("--server-kills", settings.nServerKills, "(default 10)")
         ->check(CLI::NonNegativeNumber);
     app.add_option("--host-kills", settings.nHostKills, "(default 5)")
+        ->check(CLI::NonNegativeNumber);
+    app.add_option("--view-kills", settings.nViewKills,
+                   "Of views in a process of their own (default 5)")
         ->check(CLI::NonNegativeNumber);
     app.add_option("--bus-restarts", settings.nBusRestarts, "(default 3)")
         ->check(CLI::NonNegativeNumber);

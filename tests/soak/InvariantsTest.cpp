@@ -280,6 +280,25 @@ TEST_F(SoakInvariants, ADuplicateOfNothingBreaksThem)
     ExpectBroken("duplicate-is-there", "nothing at its place");
 }
 
+TEST_F(SoakInvariants, AViewThatIsKilledMayHaveAddedWhatTheNextOneFindsToBeADuplicate)
+{
+    Deliver(2, 5000, "/takes/d.wav");
+    round.attempts.back().outcome = Outcome::Duplicate;
+    round.lives[0].acknowledges.back().nNotDelivered = 1;
+    round.attempts.back().fViewKilled = true;
+    ExpectHolds();
+    round.attempts.back().fViewKilled = false;
+    ExpectBroken("duplicate-is-there", "was added all the same");
+}
+
+TEST_F(SoakInvariants, AViewThatIsKilledMayNotAddItTwice)
+{
+    Deliver(2, 5000, "/takes/d.wav");
+    round.attempts.back().fViewKilled = true;
+    round.regions.push_back(round.regions.back());
+    ExpectBroken("in-session-once", "d.wav stands in the session 2 times");
+}
+
 TEST_F(SoakInvariants, ADuplicateThatWasAddedBreaksThem)
 {
     round.regions.push_back({"/takes/c.wav", 0, 1000 + kOffset, 0, kFrames, true});

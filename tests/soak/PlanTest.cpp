@@ -12,11 +12,13 @@ namespace
 SoakSettings Settings(std::uint64_t nSeed)
 {
     SoakSettings settings;
-    settings.nViews = 4;
+    settings.nViews = 3;
+    settings.nPlugIns = 1;
     settings.nDeliveries = 9600;
     settings.nRoundDeliveries = 600;
     settings.nServerKills = 50;
     settings.nHostKills = 20;
+    settings.nViewKills = 30;
     settings.nBusRestarts = 7;
     settings.nDiskFills = 5;
     settings.nSeed = nSeed;
@@ -48,12 +50,15 @@ TEST(SoakPlan, HoldsAsManyOfEachAsWasAskedFor)
     EXPECT_EQ(CountOf(plan, FaultKind::BusRestart), 7);
     EXPECT_EQ(CountOf(plan, FaultKind::DiskFill), 5);
     size_t nHostKills = 0;
+    size_t nViewKills = 0;
     for (const PlannedRound& round : plan.rounds)
     {
         EXPECT_EQ(round.nPlaces, 150);
         nHostKills += round.hostKills.size();
+        nViewKills += round.viewKills.size();
     }
     EXPECT_EQ(nHostKills, 20U);
+    EXPECT_EQ(nViewKills, 30U);
 }
 
 TEST(SoakPlan, FaultsComeInTheOrderOfTheirDeliveriesAndWithinTheRound)
@@ -65,7 +70,9 @@ TEST(SoakPlan, FaultsComeInTheOrderOfTheirDeliveriesAndWithinTheRound)
                                    { return one.nAfter < other.nAfter; }));
         for (const PlannedFault& fault : round.faults)
             EXPECT_LT(fault.nAfter, 600);
-        for (const PlannedHostKill& kill : round.hostKills)
+        for (const PlannedKill& kill : round.hostKills)
+            EXPECT_LT(kill.nBefore, 150);
+        for (const PlannedKill& kill : round.viewKills)
             EXPECT_LT(kill.nBefore, 150);
     }
 }
@@ -96,7 +103,7 @@ TEST(SoakPlan, TheFirstHostIsNeverKilled)
 {
     for (const PlannedRound& round : MakePlan(Settings(1)).rounds)
     {
-        for (const PlannedHostKill& kill : round.hostKills)
+        for (const PlannedKill& kill : round.hostKills)
         {
             EXPECT_GT(kill.nView, 0);
             EXPECT_LT(kill.nView, 4);
@@ -104,11 +111,24 @@ TEST(SoakPlan, TheFirstHostIsNeverKilled)
     }
 }
 
+TEST(SoakPlan, ViewsInAProcessOfTheirOwnAloneAreKilledWithoutTheirHost)
+{
+    for (const PlannedRound& round : MakePlan(Settings(1)).rounds)
+    {
+        for (const PlannedKill& kill : round.viewKills)
+            EXPECT_EQ(kill.nView, 3);
+    }
+    SoakSettings settings = Settings(1);
+    settings.nPlugIns = 0;
+    for (const PlannedRound& round : MakePlan(settings).rounds)
+        EXPECT_TRUE(round.viewKills.empty());
+}
+
 TEST(SoakPlan, AFewDeliveriesAreOneRound)
 {
     SoakSettings settings = Settings(1);
     settings.nDeliveries = 10;
-    settings.nViews = 3;
+    settings.nViews = 2;
     const SoakPlan plan = MakePlan(settings);
     ASSERT_EQ(plan.rounds.size(), 1U);
     EXPECT_EQ(plan.rounds[0].nPlaces, 4);

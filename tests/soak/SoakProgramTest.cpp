@@ -14,8 +14,8 @@ namespace
 {
 
 constexpr std::chrono::minutes kLong{12};
-constexpr const char* kOptions = "--seed 2026 --minutes 3 --views 3 --deliveries 1600 --round 200 "
-                                 "--server-kills 36 --host-kills 14 "
+constexpr const char* kOptions = "--seed 2026 --minutes 3 --views 2 --plug-ins 1 --deliveries 1600 "
+                                 "--round 200 --server-kills 36 --host-kills 14 --view-kills 16 "
                                  "--bus-restarts 8 --disk-fills 8 --allow 16384";
 
 } // namespace
@@ -37,6 +37,7 @@ TEST(SoakProgram, EveryInvariantHoldsInThreeMinutesWithAFixedSeed)
     EXPECT_EQ(*nCode, 0) << soak.Output() << soak.ErrorOutput();
     EXPECT_THAT(soak.Output(), HasSubstr("server kills          36\n"));
     EXPECT_THAT(soak.Output(), HasSubstr("host kills            14\n"));
+    EXPECT_THAT(soak.Output(), HasSubstr("view kills            16\n"));
     EXPECT_THAT(soak.Output(), HasSubstr("bus restarts          8\n"));
     EXPECT_THAT(soak.Output(), HasSubstr("disk fills            8\n"));
     EXPECT_THAT(soak.Output(), HasSubstr("every invariant holds\n"));
