@@ -6,7 +6,6 @@
 #include "apps/support/AtomicFile.h"
 #include "apps/support/ChildProcess.h"
 #include "apps/support/SoundFile.h"
-#include "utils/UnicodeText.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -141,7 +140,9 @@ void RequireClosed(const fs::path& folder)
             continue;
         const std::string strProgram =
             ProgramOf(nProcess) + ", process " + std::to_string(nProcess);
-        if (HasOneOpen(nProcess, files))
+        const std::set<fs::path> open = OpenFiles(nProcess);
+        if (std::any_of(files.begin(), files.end(),
+                        [&open](const fs::path& file) { return open.count(file) != 0; }))
             throw CEditorError("Ardour has the session " + folder.string() + " open (" +
                                strProgram +
                                ") and would write over what is added; close it there.");
@@ -362,20 +363,6 @@ private:
     std::map<std::string, SoundShape> m_shapes;
     CNewPaths m_newPaths;
 };
-
-void RequireText(const Model& model)
-{
-    for (const Track& track : model.tracks)
-    {
-        if (!IsUtf8(track.strName))
-            throw CEditorError("the name of a track is not UTF-8 text.");
-        for (const Region& region : track.regions)
-        {
-            if (!IsUtf8(region.strFile) || !IsUtf8(region.strName))
-                throw CEditorError("the name of a file is not UTF-8 text.");
-        }
-    }
-}
 
 // All its tracks, with the regions of that rate.
 Model OfRate(const Model& model, std::int32_t nRate)

@@ -1,6 +1,8 @@
 #include "apps/editor/Editor.h"
 
 #include "apps/editor/ArdourEditor.h"
+#include "apps/editor/AudacityEditor.h"
+#include "utils/UnicodeText.h"
 
 namespace Tarvane::Editor
 {
@@ -24,6 +26,10 @@ std::optional<std::string> WhyUnable(const Abilities& table, const Region& regio
         return "it begins before the timeline, at sample " + std::to_string(region.nPosition);
     if (region.nPosition > table.nLargestPosition - region.nLength)
         return "it lies too far along the timeline to be placed exactly";
+    if (table.nLargestTime != 0 &&
+        region.nPosition > table.nLargestTime * region.nRate - region.nLength)
+        return "it lies too far along the timeline, behind " + std::to_string(table.nLargestTime) +
+               " seconds";
     if (region.fMuted && !table.fMutes)
         return "it is muted, and would sound there";
     if (!region.channels.empty() && !table.fTakesSomeChannels)
@@ -53,6 +59,20 @@ void RequireAble(const Abilities& table, const Model& model)
     }
 }
 
+void RequireText(const Model& model)
+{
+    for (const Track& track : model.tracks)
+    {
+        if (!IsUtf8(track.strName))
+            throw CEditorError("the name of a track is not UTF-8 text.");
+        for (const Region& region : track.regions)
+        {
+            if (!IsUtf8(region.strFile) || !IsUtf8(region.strName))
+                throw CEditorError("the name of a file is not UTF-8 text.");
+        }
+    }
+}
+
 std::unique_ptr<CEditor> MakeEditor(const std::string& strKindAndPlace)
 {
     const std::size_t nColon = strKindAndPlace.find(':');
@@ -61,7 +81,10 @@ std::unique_ptr<CEditor> MakeEditor(const std::string& strKindAndPlace)
         nColon == std::string::npos ? "" : strKindAndPlace.substr(nColon + 1);
     if (strKind == "ardour" && !strPlace.empty())
         return std::make_unique<CArdourEditor>(strPlace);
-    throw CUsageError("\"" + strKindAndPlace + "\" is no editor; there is ardour:FOLDER.");
+    if (strKind == "audacity" && !strPlace.empty())
+        return std::make_unique<CAudacityEditor>(strPlace);
+    throw CUsageError("\"" + strKindAndPlace +
+                      "\" is no editor; there is ardour:FOLDER and audacity:PROJECT.aup3.");
 }
 
 } // namespace Tarvane::Editor

@@ -30,6 +30,7 @@ struct Abilities
     bool fTakesSeveralRates = false; // regions of different rates beside one another
     bool (*takesRate)(std::int32_t) = nullptr; // whether this one; null for any
     std::int64_t nLargestPosition = 0; // samples: the last place that it tells apart from the next
+    std::int64_t nLargestTime = 0;     // seconds: the last place that it can hold; 0 for any
 };
 
 // One editor's session. One thread at a time.
@@ -51,8 +52,11 @@ public:
 std::optional<std::string> WhyUnable(const Abilities& table, const Region& region);
 // Throws CEditorError for the first region that the table says cannot be taken.
 void RequireAble(const Abilities& table, const Model& model);
+// Throws CEditorError for a name or a path that is not UTF-8 text.
+void RequireText(const Model& model);
 
-// The editor that "KIND:WHERE" stands for: "ardour:FOLDER". Nothing is opened or written yet.
+// The editor that "KIND:WHERE" stands for: "ardour:FOLDER" or "audacity:PROJECT.aup3". Nothing is
+// opened or written yet.
 // Throws CUsageError for a kind that is unknown, and names those that are.
 std::unique_ptr<CEditor> MakeEditor(const std::string& strKindAndPlace);
 

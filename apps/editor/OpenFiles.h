@@ -1,4 +1,4 @@
-// Which processes there are, and whether they have a file open.
+// Which processes there are, and which files they have open.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,8 @@ namespace Tarvane::Editor
 // The processes that this user may look at. Any thread.
 std::vector<std::int64_t> RunningProcesses();
 
-// Whether the process has one of the files open. The paths are canonical.
-bool HasOneOpen(std::int64_t nProcess, const std::set<std::filesystem::path>& files);
+// The files that the process has open, pipes with a name among them, as canonical paths; none when
+// it is gone, or is not to be looked at. Any thread.
+std::set<std::filesystem::path> OpenFiles(std::int64_t nProcess);
 
 } // namespace Tarvane::Editor

@@ -96,8 +96,8 @@ void DeclareOptions(CLI::App& app, Options& options)
                    "the session file, a new folder of the user's own without one)")
         ->type_name("FOLDER");
     app.add_option("--editor", options.strEditor,
-                   "Put what comes in into an editor's session as well: ardour:FOLDER. What it "
-                   "does not take is refused")
+                   "Put what comes in into an editor's session as well: ardour:FOLDER or "
+                   "audacity:PROJECT.aup3. What it does not take is refused")
         ->type_name("KIND:WHERE");
     app.add_option("--log", options.strLogFile,
                    "Record every event in and out in this file; - is the standard output")

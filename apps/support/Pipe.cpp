@@ -10,15 +10,15 @@
 namespace Tarvane
 {
 
-CPipe::CPipe()
+void IgnoreBrokenPipes()
 {
     static std::once_flag ignored;
-    std::call_once(ignored,
-                   []
-                   {
-                       // A reader that has gone is a failed write, not the writer's end.
-                       ::signal(SIGPIPE, SIG_IGN);
-                   });
+    std::call_once(ignored, [] { ::signal(SIGPIPE, SIG_IGN); });
+}
+
+CPipe::CPipe()
+{
+    IgnoreBrokenPipes();
     if (::pipe(m_nFiles) != 0)
     {
         throw std::system_error(errno, std::generic_category(), "cannot open a pipe");

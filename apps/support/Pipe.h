@@ -6,6 +6,9 @@
 namespace Tarvane
 {
 
+// From now on a reader that has gone is a failed write of this process, not its end.
+void IgnoreBrokenPipes();
+
 class CPipe
 {
 public:

@@ -26,18 +26,20 @@ std::vector<std::int64_t> RunningProcesses()
     return processes;
 }
 
-bool HasOneOpen(std::int64_t nProcess, const std::set<fs::path>& files)
+std::set<fs::path> OpenFiles(std::int64_t nProcess)
 {
+    std::set<fs::path> files;
     std::error_code error;
     // A process may end, and a file be closed, while one looks.
     for (fs::directory_iterator entry("/proc/" + std::to_string(nProcess) + "/fd", error), end;
          !error && entry != end; entry.increment(error))
     {
         std::error_code closed;
-        if (files.count(fs::read_symlink(entry->path(), closed)) != 0)
-            return true;
+        const fs::path file = fs::read_symlink(entry->path(), closed);
+        if (!closed && file.is_absolute())
+            files.insert(file);
     }
-    return false;
+    return files;
 }
 
 } // namespace Tarvane::Editor

@@ -1,6 +1,5 @@
 #include "apps/editor/OpenFiles.h"
 
-#include <algorithm>
 #include <libproc.h>
 
 namespace Tarvane::Editor
@@ -9,35 +8,39 @@ namespace Tarvane::Editor
 namespace
 {
 
-// The numbers that ask(buffer, bytes) writes; without a buffer it says how many bytes it takes.
-template <typename Ask> std::vector<std::int64_t> Numbers(const Ask& ask)
+// What ask(buffer, bytes) writes; without a buffer it says how many bytes it takes.
+template <typename T, typename Ask> std::vector<T> ListOf(const Ask& ask)
 {
     const int nBytes = ask(nullptr, 0);
-    std::vector<int> numbers(nBytes > 0 ? static_cast<std::size_t>(nBytes) / sizeof(int) : 0);
-    const int nWritten = ask(numbers.data(), static_cast<int>(numbers.size() * sizeof(int)));
-    numbers.resize(nWritten > 0 ? static_cast<std::size_t>(nWritten) / sizeof(int) : 0);
-    return {numbers.begin(), numbers.end()};
+    std::vector<T> list(nBytes > 0 ? static_cast<std::size_t>(nBytes) / sizeof(T) : 0);
+    const int nWritten = ask(list.data(), static_cast<int>(list.size() * sizeof(T)));
+    list.resize(nWritten > 0 ? static_cast<std::size_t>(nWritten) / sizeof(T) : 0);
+    return list;
 }
 
 } // namespace
 
 std::vector<std::int64_t> RunningProcesses()
 {
-    return Numbers([](void* pBuffer, int nBytes)
-                   { return proc_listpids(PROC_ALL_PIDS, 0, pBuffer, nBytes); });
+    const auto processes = ListOf<int>(
+        [](void* pBuffer, int nBytes) { return proc_listpids(PROC_ALL_PIDS, 0, pBuffer, nBytes); });
+    return {processes.begin(), processes.end()};
 }
 
-bool HasOneOpen(std::int64_t nProcess, const std::set<std::filesystem::path>& files)
+std::set<std::filesystem::path> OpenFiles(std::int64_t nProcess)
 {
-    return std::any_of(
-        files.begin(), files.end(),
-        [nProcess](const std::filesystem::path& file)
-        {
-            const auto holders = Numbers(
-                [&file](void* pBuffer, int nBytes)
-                { return proc_listpidspath(PROC_ALL_PIDS, 0, file.c_str(), 0, pBuffer, nBytes); });
-            return std::count(holders.begin(), holders.end(), nProcess) != 0;
-        });
+    const int nId = static_cast<int>(nProcess);
+    std::set<std::filesystem::path> files;
+    for (const proc_fdinfo& open :
+         ListOf<proc_fdinfo>([nId](void*pBuffer, int nBytes)
+                             { return proc_pidinfo(nId, PROC_PIDLISTFDS, 0, pBuffer, nBytes); }))
+    {
+        vnode_fdinfowithpath file{};
+        if (open.proc_fdtype == PROX_FDTYPE_VNODE &&
+            proc_pidfdinfo(nId, open.proc_fd, PROC_PIDFDVNODEPATHINFO, &file, sizeof file) > 0)
+            files.insert(file.pvip.vip_path);
+    }
+    return files;
 }
 
 } // namespace Tarvane::Editor

@@ -63,6 +63,11 @@ TEST(Editor, WhatTheTableDoesNotPromiseIsRefused)
         EXPECT_EQ(Refusal(all, With(region)), "");
     EXPECT_EQ(Refusal(all, {{{"Vox", {Plain()}}, {"Guitar", {other}}}}), "");
     EXPECT_THAT(Refusal(all, With(far)), HasSubstr("too far"));
+    const Abilities seconds{.szName = "Clock", .nLargestPosition = 1 << 30, .nLargestTime = 2};
+    last.nPosition = 2 * 48000 - 10;
+    far.nPosition = 2 * 48000 - 9;
+    EXPECT_EQ(Refusal(seconds, With(last)), "");
+    EXPECT_THAT(Refusal(seconds, With(far)), HasSubstr("behind 2 seconds"));
 }
 
 TEST(Editor, ARegionWithoutAudioOrAPlaceIsRefused)
@@ -82,6 +87,8 @@ TEST(Editor, ARegionWithoutAudioOrAPlaceIsRefused)
 TEST(Editor, KindAndPlaceMakeAnEditor)
 {
     EXPECT_STREQ(MakeEditor("ardour:/tmp/a:b")->Table().szName, "Ardour");
-    for (const char* szWrong : {"", "ardour", "ardour:", "other:/tmp"})
+    EXPECT_STREQ(MakeEditor("audacity:/tmp/a:b.aup3")->Table().szName, "Audacity");
+    for (const char* szWrong :
+         {"", "ardour", "ardour:", "other:/tmp", "audacity", "audacity:", "audacity:/tmp/a.wav"})
         EXPECT_THROW(MakeEditor(szWrong), Tarvane::CUsageError) << szWrong;
 }
