@@ -1,5 +1,6 @@
 #include "apps/support/FaultyUnit.h"
 
+#include "apps/support/HeardByViews.h"
 #include "apps/support/SignalSide.h"
 #include "apps/support/UnitComponent.h"
 
@@ -10,11 +11,6 @@ namespace Tarvane
 {
 namespace
 {
-
-// The ids that a view listens to.
-constexpr AudioUnitPropertyID kHeard[] = {TNProperty_Elements, TNProperty_ArmCapture,
-                                          TNProperty_CurrentSampleInTimeLine,
-                                          kTNProperty_CurrentCaptureLength};
 
 constexpr int kManyThreads = 16;
 constexpr int kStormAMillisecond = 100;
@@ -37,7 +33,7 @@ CFaultyUnit::CFaultyUnit()
     {
         throw std::runtime_error("the signal side cannot be opened.");
     }
-    for (const AudioUnitPropertyID nId : kHeard)
+    for (const AudioUnitPropertyID nId : kHeardByViews)
     {
         AudioUnitAddPropertyListener(m_pInner, nId, &Hear, this);
     }

@@ -118,12 +118,6 @@ CCaptureSettings CoreSettings()
 
 } // namespace
 
-double PositionBehind(double dPosition, double dFrames, double dRate, double dNextRate)
-{
-    const double dEnd = dPosition + dFrames;
-    return dRate > 0 && dRate != dNextRate ? std::ceil(dEnd / dRate * dNextRate) : dEnd;
-}
-
 CSignalSide::CSignalSide() : m_core(CoreSettings())
 {
     for (const std::uint32_t nId : kRaised)

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "apps/support/CaptureReport.h"
+#include "apps/support/CaptureSource.h"
 #include "apps/support/PropertyListeners.h"
 #include "apps/support/SoundFile.h"
 #include "signal/CaptureCore.h"
@@ -25,17 +26,6 @@ namespace Tarvane
 // Gives a host the CSignalSide* of an instance, valid until the instance is disposed of. Read only,
 // global scope, element 0. The link view knows nothing of it.
 constexpr AudioUnitPropertyID kSignalSideProperty_Self = 65000;
-
-// A sound file, and where on the host's timeline its first sample lies.
-struct CCaptureSource
-{
-    std::filesystem::path file;
-    double dPosition = 0; // samples
-};
-
-// Where the next file lies when it is laid behind this one: its end, in samples of the next file's
-// rate, rounded up. A rate of 0 is that of the next file.
-double PositionBehind(double dPosition, double dFrames, double dRate, double dNextRate);
 
 struct CSignalSettings
 {

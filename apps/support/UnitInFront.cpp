@@ -1,20 +1,11 @@
 #include "apps/support/UnitInFront.h"
 
-#include "TarvaneLinkAU/TarvaneLinkProperties.h"
+#include "apps/support/HeardByViews.h"
 
 #include <stdexcept>
 
 namespace Tarvane
 {
-namespace
-{
-
-// The ids that a view listens to.
-constexpr AudioUnitPropertyID kHeard[] = {TNProperty_Elements, TNProperty_ArmCapture,
-                                          TNProperty_CurrentSampleInTimeLine,
-                                          kTNProperty_CurrentCaptureLength};
-
-} // namespace
 
 CUnitInFront::CUnitInFront(AudioComponent pBehind)
 {
@@ -22,7 +13,7 @@ CUnitInFront::CUnitInFront(AudioComponent pBehind)
     {
         throw std::runtime_error("the signal side cannot be opened.");
     }
-    for (const AudioUnitPropertyID nId : kHeard)
+    for (const AudioUnitPropertyID nId : kHeardByViews)
     {
         AudioUnitAddPropertyListener(m_pBehind, nId, &Hear, this);
     }
