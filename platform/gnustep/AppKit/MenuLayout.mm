@@ -41,7 +41,7 @@ NSInteger IndexOfItem(id self, SEL selector, id<NSMenuItem> item)
     const NSInteger nItems = [self numberOfItems];
     for (const NSInteger nIndex : {nLast + 1, nLast, NSInteger(0)})
     {
-        if (nIndex < nItems && [self itemAtIndex:nIndex] == item)
+        if (nIndex < nItems && [self itemAtIndex:nIndex] == (id)item)
             return nLast = nIndex;
     }
     const NSInteger nIndex = g_indexOfItem(self, selector, item);
