@@ -151,16 +151,20 @@ void CCommandQueue::LookAtTimes()
     }
 }
 
-// The one that began first; and none beside one that must run alone.
+// The one that has run least; and none beside one that must run alone.
 void CCommandQueue::LetOneLongRun()
 {
     const bool fAlone = std::any_of(m_running.begin(), m_running.end(),
                                     [](const Running& run) { return run.fAlone; });
-    bool fOneRuns = false;
+    const Running* pLeast = nullptr;
+    for (const Running& run : m_running)
+    {
+        if (run.fLong && (pLeast == nullptr || Ran(run) < Ran(*pLeast)))
+            pLeast = &run;
+    }
     for (Running& run : m_running)
     {
-        const bool fMayRun = fAlone ? run.fAlone : !run.fLong || !fOneRuns;
-        fOneRuns |= run.fLong;
+        const bool fMayRun = fAlone ? run.fAlone : !run.fLong || &run == pLeast;
         if (!fMayRun && !run.fStopped)
         {
             run.before = Ran(run);

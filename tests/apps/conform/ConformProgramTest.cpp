@@ -168,7 +168,7 @@ TEST_F(ConformProgram, ServerThatStartsSlowlyBreaksItsRule)
 {
     const ConformEnded ended = ExamineFromItsStart({"--misbehave", "slow-start", "--delay", "10"});
     EXPECT_THAT(ended.Rules("broken"), testing::ElementsAre("S32")) << ended.strOutput;
-    EXPECT_THAT(ended.strOutput, HasSubstr("its first answer came 10."));
+    EXPECT_THAT(ended.strOutput, testing::ContainsRegex("its first answer came [1-9][0-9]+\\."));
     EXPECT_EQ(ended.nExitCode, 0); // It is a SHOULD.
 }
 
