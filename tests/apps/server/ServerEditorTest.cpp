@@ -1,4 +1,5 @@
 // A server that puts what comes in into an editor's session.
+#include "tests/apps/editor/FakeAudacity.h"
 #include "tests/apps/server/ServerFixture.h"
 
 #include <fstream>
@@ -19,6 +20,14 @@ protected:
     {
         return Start(
             {"--session", m_strSession, "--track", "Vox", "--editor", "ardour:" + Path("edit")});
+    }
+
+    Child StartWithAudacity()
+    {
+        std::filesystem::create_directories(Path("pipes"));
+        return Start({"--session", m_strSession, "--track", "Vox", "--track", "Guitar",
+                      "--link-offset", "1.25", "--editor", "audacity:" + Path("edit.aup3")},
+                     {"env", "TARVANE_AUDACITY_PIPES=" + Path("pipes")});
     }
 
     std::string ArdourText() const
@@ -120,6 +129,52 @@ TEST_F(ServerEditor, ItKeepsEveryRuleThatItKeepsWithoutAnEditor)
     EXPECT_EQ(conform.WaitForEnd(std::chrono::seconds(200)), 0) << conform.Output();
     EXPECT_THAT(conform.Output(), HasSubstr(" 0 broken"));
     EXPECT_GT(RegionsInArdour(), 20U);
+}
+
+TEST_F(ServerEditor, ATakeThatIsAnsweredForStandsInAudacity)
+{
+    const Child server = StartWithAudacity();
+    CFakeAudacity audacity(Path("pipes"));
+    EXPECT_EQ(SendScript(Add(48000)).error, std::nullopt);
+    EXPECT_THAT(audacity.Tracks(), testing::ElementsAre("Vox|take|1.000000|48000|100|1"));
+    EXPECT_EQ(SendScript(Add(96000)).error, std::nullopt);
+    EXPECT_THAT(audacity.Tracks(), testing::ElementsAre("Vox|take|1.000000|48000|100|1",
+                                                        "Vox|take|2.000000|48000|100|1"));
+}
+
+TEST_F(ServerEditor, WithoutAnAudacityATakeIsRefusedUntilThereIsOneAndTheServerLives)
+{
+    const Child server = StartWithAudacity();
+    for (const char* szFault : {"", "die SetClip", "cut Import2"})
+    {
+        std::unique_ptr<CFakeAudacity> pAudacity;
+        if (*szFault != '\0')
+        {
+            pAudacity = std::make_unique<CFakeAudacity>(Path("pipes"));
+            pAudacity->Prepare(szFault);
+        }
+        const CScriptAnswer answer = SendScript(Add(48000));
+        EXPECT_EQ(answer.result, std::nullopt) << szFault;
+        EXPECT_THAT(answer.error.value_or(""),
+                    HasSubstr("nothing was changed, for the editor did not take it: Audacity "))
+            << szFault;
+        EXPECT_EQ(RegionsHere(), "0\n") << szFault;
+    }
+    CFakeAudacity audacity(Path("pipes"));
+    EXPECT_EQ(SendScript(Add(48000)).error, std::nullopt);
+    EXPECT_EQ(RegionsHere(), "1\n");
+    EXPECT_THAT(audacity.Tracks(), testing::ElementsAre("Vox|take|1.000000|48000|100|1"));
+}
+
+TEST_F(ServerEditor, ItKeepsEveryRuleBesideAnAudacityAsWell)
+{
+    const Child server = StartWithAudacity();
+    CFakeAudacity audacity(Path("pipes"));
+    const auto folder = std::filesystem::path(SERVER_PROGRAM).parent_path();
+    Tarvane::CChildProcess conform({folder / "tarvane-conform", "server"});
+    EXPECT_EQ(conform.WaitForEnd(std::chrono::seconds(200)), 0) << conform.Output();
+    EXPECT_THAT(conform.Output(), HasSubstr(" 0 broken"));
+    EXPECT_GT(audacity.Tracks().size(), 20U);
 }
 
 TEST_F(ServerEditor, AnEditorThatIsUnknownOrCannotBeginEndsTheServer)
