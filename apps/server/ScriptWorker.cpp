@@ -2,6 +2,7 @@
 
 #include "apps/server/SessionBlocks.h"
 #include "apps/support/EndWithParent.h"
+#include "apps/support/Pipe.h"
 
 #include <array>
 #include <cerrno>
@@ -47,7 +48,7 @@ bool WriteAll(int nFile, const void* pBytes, std::size_t nBytes)
     const char* pNext = static_cast<const char*>(pBytes);
     while (nBytes > 0)
     {
-        const ssize_t nWritten = send(nFile, pNext, nBytes, MSG_NOSIGNAL);
+        const ssize_t nWritten = write(nFile, pNext, nBytes);
         if (nWritten < 0 && errno == EINTR)
             continue;
         if (nWritten < 0 && (errno == EAGAIN || errno == EWOULDBLOCK))
@@ -123,6 +124,7 @@ CScriptWorker::CScriptWorker(const CCommandProcessor& processor)
     : m_nUpdateCount(processor.Session().UpdateCount()),
       m_nMilliseconds(processor.Limits().nMilliseconds)
 {
+    IgnoreBrokenPipes();
     std::array<int, 2> ends{};
     if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()) != 0)
         throw std::system_error(errno, std::generic_category(),

@@ -8,11 +8,11 @@
 #include "apps/server/ServerLoop.h"
 #include "apps/server/SessionListing.h"
 #include "apps/support/CommandLine.h"
+#include "apps/support/Pipe.h"
 
 #include <cerrno>
 #include <chrono>
 #include <cmath>
-#include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
@@ -111,12 +111,6 @@ std::filesystem::path PrivateFolder()
         throw std::system_error(errno, std::generic_category(),
                                 "cannot make a folder for audio; name one with --render-folder");
     return strNew;
-}
-
-// Failures of writing are to come back as errors, not to end the process.
-void IgnoreBrokenPipes()
-{
-    std::signal(SIGPIPE, SIG_IGN);
 }
 
 } // namespace
