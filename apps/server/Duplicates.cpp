@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 #include <vector>
 
 namespace Tarvane::Server
@@ -12,6 +14,8 @@ namespace Tarvane::Server
 
 namespace
 {
+
+constexpr std::int64_t kSamplesAtOnce = 262144;
 
 // The number nWhole + dPart, 0 <= dPart < 1, as one end of an interval that does or does not
 // contain it. Kept apart because the sum would be rounded.
@@ -58,8 +62,48 @@ std::optional<CRegionReader> OpenIfReadable(const Region& region)
     }
 }
 
+// The same frames and channels of one file, whatever its names, need no reading.
+bool IsSameStretch(const Region& captured, const Region& region)
+{
+    std::error_code error;
+    return captured.nStart == region.nStart && captured.channels == region.channels &&
+           std::filesystem::equivalent(captured.strPath, region.strPath, error);
+}
+
+// Whether stretches of one form are equal byte by byte, which is known sooner than sample by sample;
+// empty when that does not tell.
+std::optional<bool> HasSameBytes(const Region& captured, const Region& region)
+try
+{
+    CSoundFile one(captured.strPath), other(region.strPath);
+    if (!region.channels.empty() || !one.HasFormOf(other) || one.SampleRate() != other.SampleRate())
+        return std::nullopt;
+    one.Seek(captured.nStart);
+    other.Seek(region.nStart);
+    const std::int64_t nAtOnce = std::max<std::int64_t>(1, kSamplesAtOnce / one.Channels());
+    std::vector<char> bytes, otherBytes;
+    std::int64_t nPiece = 0;
+    for (std::int64_t nLeft = captured.Length(); nLeft > 0; nLeft -= nPiece)
+    {
+        nPiece = std::min(nLeft, nAtOnce);
+        if (one.ReadBytes(bytes, nPiece) != nPiece || other.ReadBytes(otherBytes, nPiece) != nPiece)
+            return std::nullopt;
+        if (bytes != otherBytes)
+            return one.IsWholeNumbers() ? std::optional(false) : std::nullopt;
+    }
+    return true;
+}
+catch (const CSoundFileError&)
+{
+    return std::nullopt;
+}
+
 bool SameAudio(const Region& captured, const Region& region)
 {
+    if (IsSameStretch(captured, region))
+        return true;
+    if (const std::optional<bool> fSame = HasSameBytes(captured, region))
+        return *fSame;
     CRegionReader one(captured);
     std::optional<CRegionReader> other = OpenIfReadable(region);
     if (!other || one.SampleRate() != other->SampleRate() || one.Channels() != other->Channels())

@@ -72,4 +72,49 @@ std::int64_t CSoundFile::Read(std::vector<double>& samples, std::int64_t nFrames
     return sf_readf_double(m_pFile.get(), samples.data(), nFrames);
 }
 
+bool CSoundFile::HasFormOf(const CSoundFile& other) const
+{
+    return m_info.format == other.m_info.format && Channels() == other.Channels();
+}
+
+bool CSoundFile::IsWholeNumbers() const
+{
+    return SampleForm() != SF_FORMAT_FLOAT && SampleForm() != SF_FORMAT_DOUBLE;
+}
+
+// 0 for forms that are not one number after the other.
+std::int64_t CSoundFile::SampleBytes() const
+{
+    const int nContainer = m_info.format & SF_FORMAT_TYPEMASK;
+    if (nContainer != SF_FORMAT_WAV && nContainer != SF_FORMAT_WAVEX &&
+        nContainer != SF_FORMAT_RF64 && nContainer != SF_FORMAT_AIFF)
+        return 0;
+    switch (SampleForm())
+    {
+    case SF_FORMAT_PCM_S8:
+    case SF_FORMAT_PCM_U8:
+        return 1;
+    case SF_FORMAT_PCM_16:
+        return 2;
+    case SF_FORMAT_PCM_24:
+        return 3;
+    case SF_FORMAT_PCM_32:
+    case SF_FORMAT_FLOAT:
+        return 4;
+    case SF_FORMAT_DOUBLE:
+        return 8;
+    default:
+        return 0;
+    }
+}
+
+std::int64_t CSoundFile::ReadBytes(std::vector<char>& bytes, std::int64_t nFrames)
+{
+    const std::int64_t nFrameBytes = SampleBytes() * Channels();
+    if (nFrameBytes == 0)
+        return 0;
+    bytes.resize(static_cast<std::size_t>(nFrames * nFrameBytes));
+    return sf_read_raw(m_pFile.get(), bytes.data(), nFrames * nFrameBytes) / nFrameBytes;
+}
+
 } // namespace Tarvane::Server

@@ -43,11 +43,22 @@ public:
     // the end of the file only.
     std::int64_t Read(std::vector<double>& samples, std::int64_t nFrames);
 
+    // Whether both files hold samples in one and the same form, so that equal bytes are equal
+    // samples. Unequal bytes are unequal samples if these are whole numbers; zero, for instance, has
+    // two forms otherwise.
+    bool HasFormOf(const CSoundFile& other) const;
+    bool IsWholeNumbers() const;
+    // Frames as they lie in the file. Returns the frames read: fewer at the end of the file, and none
+    // when its form is not one number after the other.
+    std::int64_t ReadBytes(std::vector<char>& bytes, std::int64_t nFrames);
+
 private:
     struct Closer
     {
         void operator()(SNDFILE* pFile) const { sf_close(pFile); }
     };
+
+    std::int64_t SampleBytes() const;
 
     std::string m_strPath;
     SF_INFO m_info{};

@@ -6,7 +6,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <limits>
 #include <set>
 
@@ -94,6 +96,17 @@ TEST(AddedPositions, FarOutStaysWithinRange)
               Range(kLargestPosition + 1'000'000'000'000, kLargestPosition + 1'000'000'000'000));
     EXPECT_EQ(AddedPositions(-kLargestPosition, -1e12),
               Range(-kLargestPosition - 1'000'000'000'000, -kLargestPosition - 1'000'000'000'000));
+}
+
+// By this process so far, from files and all else.
+std::int64_t BytesRead()
+{
+    std::ifstream io("/proc/self/io");
+    std::string strName;
+    std::int64_t nBytes = 0;
+    io >> strName >> nBytes;
+    EXPECT_EQ(strName, "rchar:");
+    return nBytes;
 }
 
 class Duplicates : public testing::Test
@@ -190,6 +203,47 @@ TEST_F(Duplicates, ASampleThatIsNoNumberEqualsItself)
     for (const char* szName : {"new.wav", "old.wav"})
         MakeSound(m_folder / szName, samples, 1, 48000, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
     EXPECT_TRUE(Has());
+}
+
+TEST_F(Duplicates, ZeroEqualsItsNegative)
+{
+    std::vector<double> samples = Noise(100);
+    samples[20] = 0.0;
+    MakeSound(m_folder / "new.wav", samples, 1, 48000, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    samples[20] = -0.0;
+    MakeSound(m_folder / "old.wav", samples, 1, 48000, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    EXPECT_TRUE(Has());
+    samples[21] = samples[21] == 0.5 ? 0.25 : 0.5;
+    MakeSound(m_folder / "old.wav", samples, 1, 48000, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    EXPECT_FALSE(Has());
+}
+
+TEST_F(Duplicates, AnotherStretchOfTheSameFileIsComparedToo)
+{
+    std::vector<double> samples = Noise(100);
+    std::copy(samples.begin() + 10, samples.begin() + 40, samples.begin() + 60);
+    m_region.strPath = MakeSound(m_folder / "new.wav", samples);
+    m_captured.nEnd = 40;
+    m_region.nStart = 60;
+    m_region.nEnd = 90;
+    m_region.nPosition = 950;
+    EXPECT_TRUE(Has());
+    m_region.nStart = 50;
+    m_region.nEnd = 80;
+    m_region.nPosition = 960;
+    EXPECT_FALSE(Has());
+}
+
+TEST_F(Duplicates, AFileThatIsThereAlreadyIsNotReadThrough)
+{
+    constexpr std::int64_t kFrames = 2'000'000;
+    m_region.strPath = MakeSound(m_folder / "new.wav", Noise(kFrames));
+    std::filesystem::create_hard_link(m_region.strPath, m_folder / "link.wav");
+    m_region.strPath = m_folder / "link.wav";
+    m_captured.nEnd = m_region.nEnd = kFrames;
+    const std::int64_t nBefore = BytesRead();
+    EXPECT_TRUE(Has());
+    EXPECT_LT(BytesRead() - nBefore, kFrames);
 }
 
 TEST_F(Duplicates, TrackRateAndLengthCount)
