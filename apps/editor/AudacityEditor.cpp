@@ -155,7 +155,7 @@ void CAudacityEditor::Take(const Model& model)
     if (!model.HasRegions())
         return;
     const auto patience = m_settings.patience;
-    const Deadline deadline = std::chrono::steady_clock::now() + patience;
+    const Deadline start = std::chrono::steady_clock::now();
     try
     {
         const CScratchFolder scratch;
@@ -170,7 +170,7 @@ void CAudacityEditor::Take(const Model& model)
             }
         }
 
-        CAudacityPipe pipe(m_settings.pipes, deadline);
+        CAudacityPipe pipe(m_settings.pipes, start + m_settings.untilThere, start + patience);
         RequireProject(pipe);
         TakeBack(pipe);
         m_begun = {TrackNames(pipe).size(), {}};

@@ -25,6 +25,8 @@ public:
         std::filesystem::path pipes = "/tmp"; // where Audacity makes its FIFOs
         // For one call of Take. Another quarter of it may go by until what was begun is taken back.
         std::chrono::milliseconds patience{40000};
+        // As long as nobody reads the FIFOs; Audacity makes them anew after each call.
+        std::chrono::milliseconds untilThere{5000};
     };
 
     // A path that ends in .aup3, of a project that is there or is to be made. Throws CUsageError.

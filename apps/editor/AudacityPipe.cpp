@@ -25,8 +25,6 @@ namespace
 
 using std::chrono::milliseconds;
 
-// Audacity makes its FIFOs anew whenever a program has closed them.
-constexpr std::chrono::seconds kUntilThere{2};
 constexpr milliseconds kMoment{20};
 constexpr std::size_t kLongestReply = std::size_t(1) << 24;
 constexpr const char* szEnd = "BatchCommand finished: ";
@@ -66,7 +64,7 @@ int OpenFifo(const fs::path& file, int nFlags)
 
 } // namespace
 
-CAudacityPipe::CAudacityPipe(const fs::path& folder, Deadline deadline)
+CAudacityPipe::CAudacityPipe(const fs::path& folder, Deadline there, Deadline deadline)
     : m_to(folder / ("audacity_script_pipe.to." + std::to_string(getuid()))),
       m_from(folder / ("audacity_script_pipe.from." + std::to_string(getuid()))),
       m_deadline(deadline)
@@ -74,7 +72,7 @@ CAudacityPipe::CAudacityPipe(const fs::path& folder, Deadline deadline)
     IgnoreBrokenPipes();
     try
     {
-        Connect();
+        Connect(there);
     }
     catch (...)
     {
@@ -88,9 +86,9 @@ CAudacityPipe::~CAudacityPipe()
     Close();
 }
 
-void CAudacityPipe::Connect()
+void CAudacityPipe::Connect(Deadline there)
 {
-    const Deadline there = std::min(m_deadline, std::chrono::steady_clock::now() + kUntilThere);
+    there = std::min(there, m_deadline);
     for (;;)
     {
         try

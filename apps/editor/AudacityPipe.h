@@ -23,9 +23,10 @@ public:
     // Bytes of a command. Audacity takes what is longer for two.
     static constexpr std::size_t kLongestCommand = 1000;
 
-    // Connects to the Audacity whose FIFOs are in the folder. When this returns it answers, and has
-    // done with all that it was ever told before. Throws CEditorError.
-    CAudacityPipe(const std::filesystem::path& folder, Deadline deadline);
+    // Connects to the Audacity whose FIFOs are in the folder. Until "there" it may be away: it
+    // makes its FIFOs anew whenever a program has closed them. When this returns it answers, and
+    // has done with all that it was ever told before. Throws CEditorError.
+    CAudacityPipe(const std::filesystem::path& folder, Deadline there, Deadline deadline);
     ~CAudacityPipe();
     CAudacityPipe(const CAudacityPipe&) = delete;
     CAudacityPipe& operator=(const CAudacityPipe&) = delete;
@@ -47,7 +48,7 @@ public:
     static std::string Quoted(const std::string& strText);
 
 private:
-    void Connect();
+    void Connect(Deadline there);
     void Open();
     void Close();
     void Greet();

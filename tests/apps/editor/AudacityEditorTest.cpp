@@ -2,10 +2,9 @@
 #include "tests/apps/editor/EditorFixture.h"
 #include "tests/apps/editor/FakeAudacity.h"
 
-#include <fcntl.h>
+#include <future>
 #include <gmock/gmock.h>
 #include <memory>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Tarvane::Editor;
@@ -28,7 +27,7 @@ protected:
 
     CAudacityEditor Editor(milliseconds patience = seconds(40)) const
     {
-        return {Project(), {.pipes = Pipes(), .patience = patience}};
+        return {Project(), {.pipes = Pipes(), .patience = patience, .untilThere = seconds(60)}};
     }
 
     Region Take(std::int64_t nPosition, const std::string& strName = "take")
@@ -237,7 +236,7 @@ TEST_F(AudacityEditor, AProjectWithoutAFolderOrThatIsNoFileIsRefused)
 
 TEST_F(AudacityEditor, WithoutAnAudacityATakeIsRefused)
 {
-    CAudacityEditor editor = Editor();
+    CAudacityEditor editor(Project(), {.pipes = Pipes(), .untilThere = milliseconds(200)});
     EXPECT_THAT(Refusal(editor, On("Vox", {Take(0)})), HasSubstr("Audacity does not listen"));
     // What an ended one has left behind.
     {
@@ -248,7 +247,7 @@ TEST_F(AudacityEditor, WithoutAnAudacityATakeIsRefused)
     EXPECT_THAT(Refusal(editor, On("Vox", {Take(0)})), HasSubstr("Audacity does not listen"));
     // The next one is found.
     CFakeAudacity audacity(Pipes());
-    editor.Take(On("Vox", {Take(123457)}));
+    TakeAtLast(editor, On("Vox", {Take(123457)}));
     EXPECT_THAT(audacity.Tracks(), ElementsAre(szPlain));
 }
 
@@ -356,6 +355,26 @@ TEST_F(AudacityEditor, AsLongAsItAsksATakeIsRefusedAndWhatWasBegunIsKnown)
         EXPECT_THAT(Refusal(editor, On("Vox", {Take(0)})), HasSubstr("Audacity does not answer"));
     audacity.Go();
     TakeAtLast(editor, On("Vox", {Take(123457)}));
+    EXPECT_THAT(audacity.Tracks(), ElementsAre(szPlain));
+}
+
+TEST_F(AudacityEditor, AnAnswerThatIsStillOwedToAnotherIsWaitedFor)
+{
+    WriteText(Project(), "");
+    CFakeAudacity audacity(Pipes(), Project());
+    audacity.Prepare("hang SelectTracks");
+    {
+        const Deadline start = std::chrono::steady_clock::now();
+        CAudacityPipe pipe(Pipes(), start + seconds(60), start + seconds(60));
+        pipe.Until(std::chrono::steady_clock::now());
+        EXPECT_THROW(pipe.Ask("SelectTracks: Track=0 TrackCount=1 Mode=Set"), CEditorError);
+    }
+    auto taking = std::async(std::launch::async,
+                             [&] { Editor(seconds(60)).Take(On("Vox", {Take(123457)})); });
+    taking.wait_for(
+        milliseconds(500)); // it has asked by then, or else has nothing to be told apart
+    audacity.Go();
+    EXPECT_NO_THROW(taking.get());
     EXPECT_THAT(audacity.Tracks(), ElementsAre(szPlain));
 }
 

@@ -52,7 +52,7 @@ protected:
     static Deadline Soon() { return std::chrono::steady_clock::now() + seconds(100); }
     static std::string Tell(const std::string& strCommand)
     {
-        return CAudacityPipe("/tmp", Soon()).Ask(strCommand);
+        return CAudacityPipe("/tmp", Soon(), Soon()).Ask(strCommand);
     }
     static std::size_t CountOf(const std::string& strPart, const std::string& strText)
     {
@@ -72,7 +72,7 @@ protected:
     static std::vector<double> Exported(int nChannels)
     {
         const fs::path file = In("export" + std::to_string(nChannels) + ".wav");
-        CAudacityPipe pipe("/tmp", Soon());
+        CAudacityPipe pipe("/tmp", Soon(), Soon());
         pipe.Ask("SelectAll:");
         pipe.Ask("Export2: Filename=" + CAudacityPipe::Quoted(file.string()) +
                  " NumChannels=" + std::to_string(nChannels));
@@ -148,7 +148,7 @@ TEST_F(RealAudacity, WhileItAsksInAWindowATakeIsRefusedAndComesOnceThen)
     CAudacityEditor editor = Editor(seconds(10));
     {
         // It complains in a window, and so this is not answered.
-        CAudacityPipe pipe("/tmp", Soon());
+        CAudacityPipe pipe("/tmp", Soon(), Soon());
         pipe.Until(std::chrono::steady_clock::now() + seconds(5));
         EXPECT_THROW(pipe.Ask("OpenProject2: Filename=\"/none/none.aup3\""), CEditorError);
     }
