@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <optional>
+#include <set>
 #include <stdexcept>
 
 namespace fs = std::filesystem;
@@ -82,20 +83,6 @@ std::vector<CCaptureSource> PlaceFiles(const HostOptions& options)
     return sources;
 }
 
-fs::path BundlePath(const std::string& strBundle)
-{
-    const fs::path path = strBundle.empty()
-                              ? ProgramFolder().parent_path() / "lib" / "TarvaneLink.bundle"
-                              : fs::absolute(strBundle);
-    std::error_code error;
-    if (!fs::is_directory(path, error))
-    {
-        throw CUsageError("there is no bundle " + path.string() +
-                          " - build it, or name one with --bundle.");
-    }
-    return path;
-}
-
 fs::path CaptureFolder(const HostOptions& options)
 {
     if (!options.strCaptureFolder.empty())
@@ -114,6 +101,27 @@ void CheckRecording(const HostOptions& options)
     {
         throw CUsageError("a plug-in that notifies whoever has left cannot be recorded - leave "
                           "--record away, or listeners-kept and notifies-after-disposal.");
+    }
+}
+
+// What another maker's plug-in captures, and where to, is its own affair; all that speaks of that,
+// or of the host's own plug-in, does not go with it.
+void DeclarePlugIn(CLI::App& app, HostOptions& options)
+{
+    const std::set<std::string> together{"--help",  "--version",  "--completions", "--bundle",
+                                         "--track", "--headless", "--ack-timeout"};
+    CLI::Option* const pPlugIn =
+        app.add_option("--plugin", options.strPlugIn,
+                       "Host the signal side in this shared library in place of the host's own: "
+                       "each time that it is armed, it is made to capture for a moment; with "
+                       "--headless once. See tarvane-conform(1) for what the library exports")
+            ->type_name("FILE");
+    for (CLI::Option* pOption : app.get_options())
+    {
+        if (pOption != pPlugIn && together.count(pOption->get_name()) == 0)
+        {
+            pPlugIn->excludes(pOption);
+        }
     }
 }
 
@@ -184,6 +192,21 @@ void DeclareOptions(CLI::App& app, HostOptions& options)
            [&options](const std::string& strNames) { ReadFaults(strNames, options.faults); },
            FaultHelp())
         ->type_name("NAME[,NAME...]");
+    DeclarePlugIn(app, options);
+}
+
+fs::path BundlePath(const std::string& strBundle)
+{
+    const fs::path path = strBundle.empty()
+                              ? ProgramFolder().parent_path() / "lib" / "TarvaneLink.bundle"
+                              : fs::absolute(strBundle);
+    std::error_code error;
+    if (!fs::is_directory(path, error))
+    {
+        throw CUsageError("there is no bundle " + path.string() +
+                          " - build it, or name one with --bundle.");
+    }
+    return path;
 }
 
 HostPlan MakePlan(const HostOptions& options)

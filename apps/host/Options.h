@@ -22,6 +22,7 @@ struct HostOptions
     std::vector<std::string> files;
     std::vector<double> positions; // of the first files, in samples
     std::string strBundle;         // empty: beside the program
+    std::string strPlugIn;         // empty: the host's own
     std::string strCaptureFolder;  // empty: "captures" in the results folder, or here
     std::string strResults;        // empty: nothing is written
     std::string strRecord;         // empty: nothing is recorded
@@ -49,6 +50,10 @@ struct HostPlan
     std::filesystem::path bundle;
 };
 HostPlan MakePlan(const HostOptions& options);
+
+// The view that the options name, or the one beside the program. Throws CUsageError when there is
+// none.
+std::filesystem::path BundlePath(const std::string& strBundle);
 
 // Throws CUsageError when the folder is not there and cannot be made.
 void MakeCaptureFolder(const std::filesystem::path& folder);

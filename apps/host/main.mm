@@ -1,6 +1,7 @@
 // tarvane-host: a small host. It opens the link view from its bundle, beside a plug-in that
 // captures from sound files.
 #include "apps/host/Host.h"
+#import "apps/host/MakersHost.h"
 #include "apps/host/Options.h"
 #import "apps/support/Application.h"
 
@@ -13,12 +14,20 @@ namespace
 
 int RunHost(const Tarvane::HostOptions& options, char** argv)
 {
-    const Tarvane::HostPlan plan = Tarvane::MakePlan(options);
+    const bool fOwn = options.strPlugIn.empty();
+    const Tarvane::HostPlan plan = fOwn ? Tarvane::MakePlan(options) : Tarvane::HostPlan{};
+    const std::filesystem::path bundle = Tarvane::BundlePath(options.strBundle);
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     Tarvane::OpenApplication(argv);
     int nExitCode = 0;
+    if (fOwn)
     {
         Tarvane::CHost host(options, plan);
+        nExitCode = host.Run();
+    }
+    else
+    {
+        Tarvane::CMakersHost host(options, bundle);
         nExitCode = host.Run();
     }
     [pool drain];

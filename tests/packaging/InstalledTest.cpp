@@ -219,11 +219,18 @@ TEST_F(Installed, PkgConfigSaysWhatAProgramNeeds)
     EXPECT_EQ(RunToEnd({program, *folder / "others.session"}).strOutput, "Vox\nR\u00e4ume\n");
 }
 
-TEST_F(Installed, ThePlugInToBeginWithKeepsEveryRule)
+TEST_F(Installed, ThePlugInToBeginWithKeepsEveryRuleAndDelivers)
 {
     const fs::path plugIn = Built("plug-in") / "my-plug-in.so";
     const Ended ended = RunToEnd({Program("tarvane-conform"), "plugin", plugIn});
     EXPECT_EQ(ended.nCode, 0) << ended.strError;
     EXPECT_THAT(ended.strOutput, AllOf(HasSubstr(" kept, 0 broken, 0 not examined\nSHOULD: "),
                                        EndsWith(" kept, 0 broken, 0 not examined\n")));
+
+    const Server server(Program("tarvane-server"), *folder / "plug-in.session");
+    const Ended hosted =
+        RunToEnd({Program("tarvane-host"), "--plugin", plugIn, "--headless", "--track", "1"});
+    EXPECT_EQ(hosted.nCode, 0) << hosted.strError;
+    EXPECT_THAT(hosted.strOutput, AllOf(HasSubstr("  sent to      track 1 \"R\u00e4ume\"\n"),
+                                        HasSubstr("  outcome      delivered\n")));
 }
