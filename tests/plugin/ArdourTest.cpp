@@ -305,7 +305,11 @@ TEST(ArdourKilled, ASessionThatIsOpenedAgainHasItsTakesButIsNotArmed)
     session.End(2);
 
     const auto regions = surroundings.Regions();
-    ASSERT_EQ(regions.size(), 2U) << "each once; what was rolled unarmed is no take";
+    std::string strFound;
+    for (const auto& region : regions)
+        strFound += std::to_string(static_cast<std::int64_t>(region.nPosition)) + "+" +
+                    std::to_string(static_cast<std::int64_t>(region.Length())) + " ";
+    ASSERT_EQ(regions.size(), 2U) << "each once; what was rolled unarmed is no take: " << strFound;
     EXPECT_EQ(regions[0].nPosition, 12345);
     EXPECT_EQ(regions[1].nPosition, 100001);
     for (const auto& region : regions)
