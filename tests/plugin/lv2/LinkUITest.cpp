@@ -262,19 +262,20 @@ TEST_F(LinkUI, TheWindowLiesInTheHostsInTheViewsSizeAndIsToldToThePlugInOnce)
 TEST_F(LinkUI, WhileThereIsNoViewItShowsWhy)
 {
     const CLinkWindow window(Host());
+    // What it draws is seen a moment later, by another connection to the display.
+    const auto fnDrawn = [&] { return display.Drawn(window.Id()); };
     window.Idle();
-    EXPECT_EQ(display.Drawn(window.Id()), 0U);
+    EXPECT_TRUE(Comes([&] { return fnDrawn() == 0; }));
     plugIn.strWords = "The view cannot be started.";
     window.Idle();
-    const std::size_t nDrawn = display.Drawn(window.Id());
-    EXPECT_GT(nDrawn, 0U);
+    EXPECT_TRUE(Comes([&] { return fnDrawn() > 0; }));
     // Longer than a line, and longer than the window knows of.
     plugIn.strWords = std::string(300, 'm') + " " + std::string(2000, 'm');
     window.Idle();
-    EXPECT_GT(display.Drawn(window.Id()), nDrawn);
+    EXPECT_TRUE(Comes([&] { return fnDrawn() > 2000; }));
     plugIn.strWords = "";
     window.Idle();
-    EXPECT_EQ(display.Drawn(window.Id()), 0U) << "what it said before is gone";
+    EXPECT_TRUE(Comes([&] { return fnDrawn() == 0; })) << "what it said before is gone";
 }
 
 TEST_F(LinkUI, BeforeItGoesTheViewIsTakenOutOfIt)
@@ -301,7 +302,7 @@ TEST_F(LinkUI, AHostThatKeepsWindowsApartFromPlugInsGetsAWindowThatSaysSo)
     const CLinkWindow window({nParent, nullptr, nullptr});
     ASSERT_TRUE(window.IsThere());
     window.Idle();
-    EXPECT_GT(display.Drawn(window.Id()), 0U);
+    EXPECT_TRUE(Comes([&] { return display.Drawn(window.Id()) > 0; }));
     EXPECT_THAT(plugIn.calls, IsEmpty());
 }
 
