@@ -92,6 +92,21 @@ TEST_F(CommandQueue, AShortQuestionIsBehindNoLongScript)
     EXPECT_EQ(m_replies[0].strResult, "short\n");
 }
 
+TEST_F(CommandQueue, OfLongScriptsTheOneGoesOnThatHasRunLeast)
+{
+    SandboxLimits patient = Limits();
+    patient.nMilliseconds = 20'000;
+    CCommandProcessor processor(CSession({"Vox"}, 0), nullptr, RenderFolder(), true, patient);
+    QueueLimits limits;
+    limits.turn = std::chrono::milliseconds(0);
+    limits.longest = std::chrono::minutes(10);
+    CCommandQueue queue(processor, limits);
+    Add(queue, 1, kEndless);
+    Add(queue, 2, "for n = 1, 20000000 do end");
+    RunUntil(1);
+    EXPECT_EQ(m_ended[0], 2);
+}
+
 TEST_F(CommandQueue, LongScriptsAllComeToTheirEnd)
 {
     QueueLimits limits;
