@@ -206,9 +206,33 @@ private:
     std::map<long long, std::size_t> m_places; // of events, by their numbers
 };
 
+// Discarded when the line is no JSON, or is deeper than any that a recorder writes: to take one of
+// a million brackets apart takes long.
+RecordedJson JsonIn(const std::string& strLine)
+{
+    constexpr int kDeepest = 16;
+    struct TooDeep
+    {
+    };
+    const auto keepsInDepth = [](int nDepth, RecordedJson::parse_event_t, RecordedJson&)
+    {
+        if (nDepth > kDeepest)
+            throw TooDeep();
+        return true;
+    };
+    try
+    {
+        return RecordedJson::parse(strLine, keepsInDepth, false);
+    }
+    catch (const TooDeep&)
+    {
+        return RecordedJson(RecordedJson::value_t::discarded);
+    }
+}
+
 RecordedJson Parse(const std::string& strLine)
 {
-    RecordedJson json = RecordedJson::parse(strLine, nullptr, false);
+    RecordedJson json = JsonIn(strLine);
     if (json.is_discarded())
         Flaw("it is no whole line of JSON");
     return json;
@@ -216,7 +240,7 @@ RecordedJson Parse(const std::string& strLine)
 
 void ReadHeader(const std::string& strLine, const std::string& strName, Recording& recording)
 {
-    const RecordedJson json = RecordedJson::parse(strLine, nullptr, false);
+    const RecordedJson json = JsonIn(strLine);
     if (!json.is_object() || !json.contains("format") || json["format"] != kFormat)
         throw CUsageError(strName + " is no recording of the link - name a file that --record of "
                                     "tarvane-host or tarvane-link has made.");

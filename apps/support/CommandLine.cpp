@@ -9,7 +9,9 @@
 
 #include <algorithm>
 #include <csignal>
+#include <fcntl.h>
 #include <iostream>
+#include <unistd.h>
 
 namespace Tarvane
 {
@@ -32,6 +34,18 @@ int Complain(const CLI::App& app, const std::string& strText, int nCode)
     return nCode;
 }
 
+// A standard stream that is closed must not become the number of what the program opens next, the
+// connection to the display for instance: whatever it prints would go there. Each is opened the
+// wrong way round, so that to use it fails as before.
+void HoldClosedStreams()
+{
+    for (const int nStream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    {
+        if (fcntl(nStream, F_GETFD) == -1)
+            open("/dev/null", nStream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
 } // namespace
 
 void AddCommonOptions(CLI::App& app, const std::string& strFailed)
@@ -51,6 +65,7 @@ void AddCommonOptions(CLI::App& app, const std::string& strFailed)
 
 int RunProgram(CLI::App& app, int argc, char** argv, const std::function<int()>& body)
 {
+    HoldClosedStreams();
     SayLastWords(app.get_name());
     std::signal(SIGXFSZ, SIG_IGN);
     try

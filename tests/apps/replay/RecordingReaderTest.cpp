@@ -135,6 +135,20 @@ TEST(RecordingReader, GoodLinesAreUsedAndTheFirstFlawIsNamed)
     EXPECT_FALSE(recording.exchanges[1].fEnded);
 }
 
+TEST(RecordingReader, LineDeeperThanAnyRecorderWritesIsAFlaw)
+{
+    const auto nested = [](std::size_t nDepth)
+    {
+        return HeaderLine() +
+               Changed(EventLine(1, 0, "x"), "more",
+                       std::string(nDepth, '[') + std::string(nDepth, ']')) +
+               "\n";
+    };
+    EXPECT_EQ(Read(nested(10)).nFlaws, 0U);
+    EXPECT_EQ(Read(nested(20)).nFlaws, 1U);
+    EXPECT_EQ(Read(HeaderLine() + std::string(1 << 20, '[')).nFlaws, 1U);
+}
+
 TEST(RecordingReader, LineThatSaysTooLittleOrNonsenseIsAFlaw)
 {
     const std::string strEvent = EventLine(1, 0, "x");
