@@ -83,6 +83,21 @@ TEST_F(BusLoss, ReceiverWaitsForAsLongAsTheBusIsAway)
     EXPECT_EQ(Answer(noErr, "after"), EchoOnceOwned("after"));
 }
 
+TEST_F(BusLoss, ReceiverComesBackThoughTheClockIsSetBackMeanwhile)
+{
+    Desc reply;
+    Desc setBack = NumberEvent(kClock, SInt32(300));
+    ASSERT_EQ(noErr, SendAndWait(setBack, reply));
+    m_bus.Kill();
+    usleep(600'000);
+    m_bus.Start();
+    EXPECT_EQ(Answer(noErr, "after"), EchoOnceOwned("after"));
+    // The clock was what it went by, had it gone by one.
+    Desc now = NewEvent(kNow);
+    ASSERT_EQ(noErr, SendAndWait(now, reply));
+    EXPECT_LT(NumberIn(reply), time(nullptr) - 3000);
+}
+
 TEST_F(BusLoss, ReceiverTakesOverOnceWhoeverTookItsNameHasGone)
 {
     ASSERT_EQ(noErr, Echo("before").first);

@@ -26,7 +26,9 @@ enum Event : AEEventID
     kBack = 'Back',      // removes every handler and installs them again
     kRemove = 'Rmve',    // removes the handler for kEcho
     kSpin = 'Spin',      // answers with the passes of the run loop until now, as typeSInt32
-    kSuspend = 'Susp'    // suspends itself, and returns noErr
+    kSuspend = 'Susp',   // suspends itself, and returns noErr
+    kClock = 'Clck', // sets the process's clock back by an hour, '----' (typeSInt32) ms from now
+    kNow = 'Now '    // answers with the process's time of day, typeSInt32 seconds
 };
 
 } // namespace TestReceiver

@@ -15,9 +15,45 @@
 #include <string>
 #include <vector>
 
+#include <climits>
+#include <sys/syscall.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 using namespace TestReceiver;
+
+namespace
+{
+
+// Of the monotonic clock, milliseconds: from then on the time of day is an hour behind.
+long long g_nSetBackAt = LLONG_MAX;
+
+long long Monotonic()
+{
+    timespec now{};
+    syscall(SYS_clock_gettime, CLOCK_MONOTONIC, &now);
+    return now.tv_sec * 1000LL + now.tv_nsec / 1'000'000;
+}
+
+} // namespace
+
+// In place of the system's for the whole process.
+extern "C" int clock_gettime(clockid_t clock, timespec* now) noexcept
+{
+    const long nResult = syscall(SYS_clock_gettime, clock, now);
+    if (clock == CLOCK_REALTIME && Monotonic() >= g_nSetBackAt)
+        now->tv_sec -= 3600;
+    return static_cast<int>(nResult);
+}
+
+extern "C" int gettimeofday(timeval* now, void*) noexcept
+{
+    timespec precise{};
+    clock_gettime(CLOCK_REALTIME, &precise);
+    now->tv_sec = precise.tv_sec;
+    now->tv_usec = precise.tv_nsec / 1000;
+    return 0;
+}
 
 namespace
 {
@@ -140,15 +176,19 @@ OSErr Handle(const AppleEvent* event, AppleEvent* reply, void*)
         return Answer(reply, g_nPasses);
     case kSuspend:
         return AESuspendTheCurrentEvent(event);
+    case kClock:
+        g_nSetBackAt = Monotonic() + Value<SInt32>(event);
+        return noErr;
+    case kNow:
+        return Answer(reply, SInt32([[NSDate date] timeIntervalSince1970]));
     default:
         return errAEEventNotHandled;
     }
 }
 
-constexpr AEEventID kHandled[] = {kFail,  kSlow,     kBulk,      kDie,    kCount,
-                                  kThrow, kThrowInt, kRaise,     kNest,   kMode,
-                                  kKill,  kBack,     kRemoveAll, kRemove, kSpin,
-                                  kSuspend};
+constexpr AEEventID kHandled[] = {kFail,      kSlow,   kBulk, kDie,     kCount, kThrow,
+                                  kThrowInt,  kRaise,  kNest, kMode,    kKill,  kBack,
+                                  kRemoveAll, kRemove, kSpin, kSuspend, kClock, kNow};
 
 OSErr InstallAll()
 {
