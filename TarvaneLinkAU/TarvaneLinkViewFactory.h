@@ -6,10 +6,10 @@
 
 @class TarvaneLink_CocoaView;
 
-// The principal class of TarvaneLink.bundle: what a host asks for a view. Main thread only. All else
-// stays inside the bundle.
+// The principal class of TarvaneLink.bundle: what a host asks for a view. Main thread only. All
+// else stays inside the bundle.
 __attribute__((visibility("default")))
-@interface TarvaneLink_CocoaViewFactory : NSObject <AUCocoaUIBase>
+@interface TarvaneLink_CocoaViewFactory : NSObject<AUCocoaUIBase>
 {
     IBOutlet TarvaneLink_CocoaView* uiFreshlyLoadedView; // only while a nib is being loaded
 }

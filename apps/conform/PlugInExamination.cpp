@@ -83,9 +83,8 @@ Finding FindingOf(const PlugInRule& rule, const nlohmann::json& told)
 
 Finding ExamineApart(const PlugInRule& rule, const PlugInOptions& options)
 {
-    CChildProcess child({ProgramNamed("tarvane-conform").string(), "plugin",
-                         options.strLibrary, "--timeout", Seconds(options.dTimeout), "--examine",
-                         rule.szId});
+    CChildProcess child({ProgramNamed("tarvane-conform").string(), "plugin", options.strLibrary,
+                         "--timeout", Seconds(options.dTimeout), "--examine", rule.szId});
     const double dLimit = kTimeoutsARule * options.dTimeout;
     const auto limit = std::chrono::milliseconds(static_cast<long>(dLimit * 1000.0));
     const std::optional<int> exitCode = child.WaitForEnd(limit);

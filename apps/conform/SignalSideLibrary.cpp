@@ -1,7 +1,7 @@
 // The host's signal side as a library of its own: what a plug-in that keeps the contract looks
 // like, and, with names of faults in TARVANE_MISBEHAVE, what one looks like that does not.
-#include "apps/support/PlugInEntry.h"
 #include "apps/support/FaultyUnit.h"
+#include "apps/support/PlugInEntry.h"
 #include "apps/support/SignalSide.h"
 #include "apps/support/SoundFile.h"
 #include "apps/support/UnitComponent.h"

@@ -79,8 +79,9 @@ CMakersHost::~CMakersHost()
 int CMakersHost::Run()
 {
     std::printf("Hosting %s.%s\n", m_options.strPlugIn.c_str(),
-                m_library.CanPlay() ? "" : " It exports no TarvaneConformPlay, so it has to play by "
-                                           "itself.");
+                m_library.CanPlay() ? ""
+                                    : " It exports no TarvaneConformPlay, so it has to play by "
+                                      "itself.");
     std::fflush(stdout);
     NSDate* over = [[NSDate alloc] initWithTimeIntervalSinceNow:m_options.dAckTimeout];
     [NSApp finishLaunching];

@@ -27,8 +27,8 @@ struct Answer
 // the outcome is the server's error then.
 void NoteRefusal(Answer& answer, const std::vector<SeenCommand>& commands);
 
-// One line of ASCII: what is more is escaped, control characters among it. What is no UTF-8, such as
-// a name that was cut in two, is shown with U+FFFD.
+// One line of ASCII: what is more is escaped, control characters among it. What is no UTF-8, such
+// as a name that was cut in two, is shown with U+FFFD.
 std::string JsonLine(const nlohmann::ordered_json& json);
 
 // The answer as an object: "command", "outcome", "exitCode", the two messages as "lastError" and
@@ -36,8 +36,8 @@ std::string JsonLine(const nlohmann::ordered_json& json);
 nlohmann::ordered_json ToJson(const std::string& strCommand, const Answer& answer,
                               const CTarvaneScript& link);
 
-// The two message lines as the view shows them, on the standard error stream, and the server's words
-// or what to do when they do not say it.
+// The two message lines as the view shows them, on the standard error stream, and the server's
+// words or what to do when they do not say it.
 void TellMessages(const Answer& answer, const CTarvaneScript& link);
 
 // Writes to the standard output at once, control characters as points. Throws std::runtime_error

@@ -66,7 +66,8 @@ Finding NoReplyFinding(const std::string& strCheck, const CExaminer::Reply& repl
         finding.strAdvice = "Start the server, in this session; tarvane-server is one.";
         break;
     case Outcome::TimedOut:
-        finding.strText = "the server is there and did not answer within the timeout: " + TextOf(reply.asked);
+        finding.strText =
+            "the server is there and did not answer within the timeout: " + TextOf(reply.asked);
         finding.strAdvice = "Look whether it waits for its user or hangs, and restart it if so; "
                             "--timeout waits longer.";
         break;
@@ -75,7 +76,7 @@ Finding NoReplyFinding(const std::string& strCheck, const CExaminer::Reply& repl
         finding.strAdvice = LikelyCause(reply.nStatus);
         finding.strAdvice += finding.strAdvice.empty() ? "" : " ";
         finding.strAdvice += "Run it again with --trace to see what came; a server answers class "
-                            "'TKNE', id 'LCmd', with 'Rslt' as 'utxt' in every reply.";
+                             "'TKNE', id 'LCmd', with 'Rslt' as 'utxt' in every reply.";
         break;
     }
     return finding;

@@ -19,9 +19,9 @@ public:
     {
         Outcome outcome = Outcome::Done;
         std::string strPrinted;
-        std::string strMessage; // the first message line
-        int nStatus = 0;        // of the event
-        CommandUnderWay asked{};  // and since when
+        std::string strMessage;  // the first message line
+        int nStatus = 0;         // of the event
+        CommandUnderWay asked{}; // and since when
 
         // Printed is exactly this line.
         bool Is(const std::string& strLine) const

@@ -180,8 +180,7 @@ void DeclareTakes(CLI::App& app, Options& options)
         ->check(kTrack)
         ->needs(pSend);
     pTakes
-        ->add_option("--forget", options.strForgottenTake,
-                     "Offer this one no more; its file stays")
+        ->add_option("--forget", options.strForgottenTake, "Offer this one no more; its file stays")
         ->type_name("FILE")
         ->excludes(pSend);
 }

@@ -114,7 +114,8 @@ std::string MisplacedText(const Misplaced& misplaced)
 {
     return std::filesystem::path(misplaced.strPath).filename().string() +
            " was placed without the offset, which the server did not tell" +
-           (misplaced.place ? "; it should stand at sample " + FormatSamples(*misplaced.place) : "") +
+           (misplaced.place ? "; it should stand at sample " + FormatSamples(*misplaced.place)
+                            : "") +
            ".";
 }
 

@@ -10,8 +10,8 @@
 namespace Tarvane::Replay
 {
 
-// A take that was added while the server had not told the offset between the timelines, which counts
-// as 0 then.
+// A take that was added while the server had not told the offset between the timelines, which
+// counts as 0 then.
 struct Misplaced
 {
     std::string strPath;

@@ -64,8 +64,9 @@ std::string Introduction(const Recording& recording, std::size_t nMisplaced)
                           std::to_string(recording.exchanges.size()) + " events, " +
                           std::to_string(nErrors) + " of them failed.</p>\n";
     if (nMisplaced > 0)
-        strText += "<p class=\"flaw\">Takes placed without the offset: " +
-                   std::to_string(nMisplaced) + ".</p>\n";
+        strText +=
+            "<p class=\"flaw\">Takes placed without the offset: " + std::to_string(nMisplaced) +
+            ".</p>\n";
     if (recording.nFlaws > 0)
         strText += "<p class=\"flaw\">The recording is damaged, " +
                    Escaped(recording.strFirstFlaw) +
@@ -125,8 +126,8 @@ std::string DrawPage(const Recording& recording)
 
     std::string strPage(kPageStart);
     strPage += "<title>A recording of " + Escaped(recording.strProgram) + "</title>\n" + szStyle +
-               "</head>\n<body>\n" + Introduction(recording, misplaced.size()) + "<div class=\"heads\">" +
-               DrawHeads() + "</div>\n";
+               "</head>\n<body>\n" + Introduction(recording, misplaced.size()) +
+               "<div class=\"heads\">" + DrawHeads() + "</div>\n";
     long long nBefore = 0;
     int nOpen = 0;
     for (const Line& line : recording.lines)

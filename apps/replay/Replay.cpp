@@ -100,12 +100,13 @@ int Draw(const Recording& recording, const Options& options)
 void RequireLeaveToDelete(const std::vector<Exchange>& exchanges)
 {
     const auto nDeletions =
-        std::count_if(exchanges.begin(), exchanges.end(), [](const Exchange& exchange)
+        std::count_if(exchanges.begin(), exchanges.end(),
+                      [](const Exchange& exchange)
                       { return exchange.Script().find("Delete") != std::string::npos; });
     if (nDeletions == 0)
         return;
-    const std::string strWhat = "events of the recording that delete what is in the session: " +
-                                std::to_string(nDeletions);
+    const std::string strWhat =
+        "events of the recording that delete what is in the session: " + std::to_string(nDeletions);
     if (isatty(STDIN_FILENO) == 0)
         throw CUsageError(strWhat + "; --yes to play them.");
     std::cerr << "tarvane-replay: " << strWhat << ". Play them? (y/N) " << std::flush;
@@ -159,7 +160,8 @@ void DeclareOptions(CLI::App& app, Options& options)
         ->type_name("SECONDS")
         ->check(CLI::Range(kShortestTimeout, kLongestTimeout).description(""))
         ->needs(pAs);
-    app.add_flag("--yes", options.fYes, "With --as host, delete what the recording deletes, unasked")
+    app.add_flag("--yes", options.fYes,
+                 "With --as host, delete what the recording deletes, unasked")
         ->needs(pAs);
     app.add_option("--html", options.strPage,
                    "Draw the recording as a page: lanes for plug-in, view and server, time "

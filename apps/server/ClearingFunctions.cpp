@@ -73,8 +73,8 @@ std::vector<ScriptFunction> ClearingFunctions(CScriptContext& context)
          { return Count(context, arguments, &Document::regions); }},
         {"GetRegionID", [&context](const CScriptArguments& arguments)
          { return IdAt(context, arguments, &Document::regions); }},
-        {"DeleteRegion", [&context](const CScriptArguments& arguments)
-         { return DeleteRegion(context, arguments); },
+        {"DeleteRegion",
+         [&context](const CScriptArguments& arguments) { return DeleteRegion(context, arguments); },
          true, true},
         {"GetMarkerTrackID", [&context](const CScriptArguments& arguments)
          { return MarkerTrackId(context, arguments); }},
@@ -82,7 +82,8 @@ std::vector<ScriptFunction> ClearingFunctions(CScriptContext& context)
          { return Count(context, arguments, &Document::markerAreas); }},
         {"GetMarkerAreaID", [&context](const CScriptArguments& arguments)
          { return IdAt(context, arguments, &Document::markerAreas); }},
-        {"DeleteMarkerArea", [&context](const CScriptArguments& arguments)
+        {"DeleteMarkerArea",
+         [&context](const CScriptArguments& arguments)
          { return DeleteMarkerArea(context, arguments); },
          true, true},
     };

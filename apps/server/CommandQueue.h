@@ -2,10 +2,10 @@
 //
 // Clients take turns, and a client's own commands run one after the other. A command runs on the
 // session as it is when it begins. One that takes longer than a turn makes room: the next begins
-// beside it, and of those that are over their turn one at a time goes on, the one that has run least.
-// So a short question waits for the turns of those before it, never for the whole of a long script.
-// What a command changes is kept only if nobody has changed the session since it began; otherwise it
-// runs again, and the second time alone.
+// beside it, and of those that are over their turn one at a time goes on, the one that has run
+// least. So a short question waits for the turns of those before it, never for the whole of a long
+// script. What a command changes is kept only if nobody has changed the session since it began;
+// otherwise it runs again, and the second time alone.
 #pragma once
 
 #include "apps/server/CommandProcessor.h"

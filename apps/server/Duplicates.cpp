@@ -70,8 +70,8 @@ bool IsSameStretch(const Region& captured, const Region& region)
            std::filesystem::equivalent(captured.strPath, region.strPath, error);
 }
 
-// Whether stretches of one form are equal byte by byte, which is known sooner than sample by sample;
-// empty when that does not tell.
+// Whether stretches of one form are equal byte by byte, which is known sooner than sample by
+// sample; empty when that does not tell.
 std::optional<bool> HasSameBytes(const Region& captured, const Region& region)
 try
 {

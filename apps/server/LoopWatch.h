@@ -1,5 +1,5 @@
-// What the run loop of the main thread wakes: a file that has something to read, and a time that has
-// come.
+// What the run loop of the main thread wakes: a file that has something to read, and a time that
+// has come.
 #pragma once
 
 #include <chrono>
@@ -24,8 +24,8 @@ private:
     void* m_pTarget;
 };
 
-// Calls the function once, after the time, in place of what it was set to before; setting the time of
-// day changes nothing. One source file a system.
+// Calls the function once, after the time, in place of what it was set to before; setting the time
+// of day changes nothing. One source file a system.
 class CLoopTimer
 {
 public:

@@ -25,7 +25,7 @@ struct Options
     bool fReadOnly = false;
     bool fNoDelete = false;
     std::string
-        strRenderFolder; // empty: beside the session file, or a private one (RenderFolderFor)
+        strRenderFolder;   // empty: beside the session file, or a private one (RenderFolderFor)
     std::string strEditor; // KIND:WHERE, as MakeEditor takes it; empty for none
     std::string strLogFile;
     std::vector<FaultPlan> faults;

@@ -1,7 +1,8 @@
 // The functions that the server offers to scripts, on top of the sandbox.
 //
 // A script selects a document first; the selection holds for that script. Every function but the
-// two that select, GetLinkVersion, GetUpdateCount and the two that know the null id refuses to work without one.
+// two that select, GetLinkVersion, GetUpdateCount and the two that know the null id refuses to work
+// without one.
 //
 //     SelectScriptDocument()       true, and selects it, when the server has the document
 //     SelectAudioSuiteDocument()   likewise

@@ -14,14 +14,9 @@ constexpr double kForEver = 1e9; // seconds
 
 } // namespace
 
-CServerLoop::CServerLoop() : m_pPool([[NSAutoreleasePool alloc] init])
-{
-}
+CServerLoop::CServerLoop() : m_pPool([[NSAutoreleasePool alloc] init]) {}
 
-CServerLoop::~CServerLoop()
-{
-    [static_cast<NSAutoreleasePool*>(m_pPool) drain];
-}
+CServerLoop::~CServerLoop() { [static_cast<NSAutoreleasePool*>(m_pPool) drain]; }
 
 void CServerLoop::RunUntilEnd(const CEndSignals& signals)
 {

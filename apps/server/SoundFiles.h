@@ -44,12 +44,12 @@ public:
     std::int64_t Read(std::vector<double>& samples, std::int64_t nFrames);
 
     // Whether both files hold samples in one and the same form, so that equal bytes are equal
-    // samples. Unequal bytes are unequal samples if these are whole numbers; zero, for instance, has
-    // two forms otherwise.
+    // samples. Unequal bytes are unequal samples if these are whole numbers; zero, for instance,
+    // has two forms otherwise.
     bool HasFormOf(const CSoundFile& other) const;
     bool IsWholeNumbers() const;
-    // Frames as they lie in the file. Returns the frames read: fewer at the end of the file, and none
-    // when its form is not one number after the other.
+    // Frames as they lie in the file. Returns the frames read: fewer at the end of the file, and
+    // none when its form is not one number after the other.
     std::int64_t ReadBytes(std::vector<char>& bytes, std::int64_t nFrames);
 
 private:

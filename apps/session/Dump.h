@@ -9,7 +9,8 @@
 namespace Tarvane::Session
 {
 
-// Lines below this level are indented no further, and begin with the number of their level: "[33] ".
+// Lines below this level are indented no further, and begin with the number of their level: "[33]
+// ".
 inline constexpr std::size_t kDeepestIndent = 32;
 
 // One line an entry, indented by its level: type, name, value. Blocks deeper than nDepth levels

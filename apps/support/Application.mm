@@ -17,7 +17,8 @@ namespace Tarvane
 
 void OpenApplication(char** argv)
 {
-    // The arguments are hidden with the environment, which has to be as the folder needs it by then.
+    // The arguments are hidden with the environment, which has to be as the folder needs it by
+    // then.
     RequireTemporaryFolder();
     HideArguments(argv);
     OfferNoServices();
@@ -36,7 +37,8 @@ void OpenApplication(char** argv)
         throw CUsageError("no window can be opened here - start it on a desktop, or under "
                           "scripts/with-desktop.");
     }
-    // The platform's panel waits for somebody to press a button, and lets no signal end the program.
+    // The platform's panel waits for somebody to press a button, and lets no signal end the
+    // program.
     SayLastWordsAgain();
     StandInFront();
 }

@@ -35,9 +35,9 @@ void AddCommonOptions(CLI::App& app, const std::string& strFailed);
 // Parses, runs the body and turns what leaves it into an exit code: help and version 0, a parse
 // error or CUsageError kExitUsage, any other exception kExitFailed. Every failure is one line on
 // the standard error stream that begins with the program's name. Nothing is thrown, and what nobody
-// catches on other threads ends the process in the same way (apps/support/LastWords.h). From then on a
-// file that may grow no further is an error of the write, as a full disk is, and ends no process, and
-// the numbers of standard streams that were closed are taken, by nothing.
+// catches on other threads ends the process in the same way (apps/support/LastWords.h). From then
+// on a file that may grow no further is an error of the write, as a full disk is, and ends no
+// process, and the numbers of standard streams that were closed are taken, by nothing.
 int RunProgram(CLI::App& app, int argc, char** argv, const std::function<int()>& body);
 
 } // namespace Tarvane

@@ -63,9 +63,6 @@ void SayLastWords(const std::string& strProgram)
     SayLastWordsAgain();
 }
 
-void SayLastWordsAgain()
-{
-    NSSetUncaughtExceptionHandler(&EndByObject);
-}
+void SayLastWordsAgain() { NSSetUncaughtExceptionHandler(&EndByObject); }
 
 } // namespace Tarvane

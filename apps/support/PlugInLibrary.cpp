@@ -1,7 +1,7 @@
 #include "apps/support/PlugInLibrary.h"
 
-#include "apps/support/PlugInEntry.h"
 #include "apps/support/CommandLine.h"
+#include "apps/support/PlugInEntry.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 

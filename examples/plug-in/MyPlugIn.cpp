@@ -61,13 +61,15 @@ public:
     {
         CMyPlugIn* pSelf = nullptr;
         UInt32 nSize = sizeof pSelf;
-        return AudioUnitGetProperty(pUnit, kSelf, kAudioUnitScope_Global, 0, &pSelf, &nSize) == noErr
+        return AudioUnitGetProperty(pUnit, kSelf, kAudioUnitScope_Global, 0, &pSelf, &nSize) ==
+                       noErr
                    ? pSelf
                    : nullptr;
     }
 
     // The audio thread: the host's block, and where its transport is.
-    void Render(const Tarvane::CTransport& transport, const float* const* ppChannels, UInt32 nFrames)
+    void Render(const Tarvane::CTransport& transport, const float* const* ppChannels,
+                UInt32 nFrames)
     {
         m_core.Process(transport, ppChannels, nFrames);
     }
@@ -98,8 +100,9 @@ public:
         switch (nId)
         {
         case kAudioUnitProperty_CocoaUI:
-            return *pnSize < sizeof(AudioUnitCocoaViewInfo) ? OSStatus(kAudioUnitErr_InvalidParameter)
-                                                            : Give(ViewInfo(), pData, pnSize);
+            return *pnSize < sizeof(AudioUnitCocoaViewInfo)
+                       ? OSStatus(kAudioUnitErr_InvalidParameter)
+                       : Give(ViewInfo(), pData, pnSize);
         case kSelf:
             return Give(this, pData, pnSize);
         default:
@@ -139,8 +142,8 @@ private:
     }
 
     // What the core tells goes on to the unit's own listeners.
-    static void Hear(void* pUserData, Tarvane::CCaptureCore*, std::uint32_t nId, std::uint32_t nScope,
-                     std::uint32_t nElement)
+    static void Hear(void* pUserData, Tarvane::CCaptureCore*, std::uint32_t nId,
+                     std::uint32_t nScope, std::uint32_t nElement)
     {
         auto& self = *static_cast<CMyPlugIn*>(pUserData);
         self.m_listeners.Notify(self.m_pUnit, nId, nScope, nElement);

@@ -21,8 +21,8 @@ TEST_F(Acknowledge, LastByteIsNotWritten)
     Attach();
     m_plugIn.SetValue<std::int32_t>(TNProperty_NextElement, 3);
     // No look-up lies between the filling and the call.
-    auto pDeliver = (void (*)(id, SEL))(void (*)())[m_pView
-        methodForSelector:@selector(TNProperty_Elements)];
+    auto pDeliver =
+        (void (*)(id, SEL))(void (*)())[m_pView methodForSelector:@selector(TNProperty_Elements)];
     testing::internal::CaptureStderr();
     FillStack();
     pDeliver(m_pView, @selector(TNProperty_Elements));

@@ -61,12 +61,11 @@ ViewHooks& HooksOf(TestLinkView* pView) { return *static_cast<ViewHooks*>(pView-
     [super setAU:pUnit];
 }
 
-- (void)performSelectorOnMainThread:(SEL)selCall
-                         withObject:(id)idObject
-                      waitUntilDone:(BOOL)fWaits
+- (void)performSelectorOnMainThread:(SEL)selCall withObject:(id)idObject waitUntilDone:(BOOL)fWaits
 {
     if (HooksOf(self).beforeQueueing)
-        HooksOf(self).beforeQueueing({Utf8(NSStringFromSelector(selCall)), idObject, fWaits == YES});
+        HooksOf(self).beforeQueueing(
+            {Utf8(NSStringFromSelector(selCall)), idObject, fWaits == YES});
     [super performSelectorOnMainThread:selCall withObject:idObject waitUntilDone:fWaits];
 }
 

@@ -124,9 +124,8 @@ TEST_F(NotificationThreads, ViewGoesWhileSixteenThreadsNotify)
     TestLinkView* pView = [[TestLinkView alloc] initWithFrame:NSMakeRect(0, 0, 300, 100)];
     [pView setAU:m_plugIn.Unit()];
     {
-        CRaisers raisers(m_plugIn,
-                         std::vector<AudioUnitPropertyID>(16, kTNProperty_CurrentCaptureLength),
-                         200);
+        CRaisers raisers(
+            m_plugIn, std::vector<AudioUnitPropertyID>(16, kTNProperty_CurrentCaptureLength), 200);
         RunQueuedCalls();
         [pView release];
     }
@@ -253,8 +252,8 @@ TEST_F(NotificationThreads, LateCallsOfAPlugInThatDoesNotWaitTouchNothing)
         [pView setAU:m_plugIn.Unit()];
         std::atomic<bool> fGone{false};
         std::vector<std::thread> threads;
-        for (AudioUnitPropertyID nProperty : {TNProperty_Elements, TNProperty_ArmCapture,
-                                              kTNProperty_CurrentCaptureLength})
+        for (AudioUnitPropertyID nProperty :
+             {TNProperty_Elements, TNProperty_ArmCapture, kTNProperty_CurrentCaptureLength})
         {
             threads.emplace_back(
                 [&, nProperty]
@@ -263,8 +262,8 @@ TEST_F(NotificationThreads, LateCallsOfAPlugInThatDoesNotWaitTouchNothing)
                         m_plugIn.Raise(nProperty);
                     // One that still has the address when the view has long gone.
                     for (int n = 0; n < 10; n += fGone)
-                        ViewEventListener(pView, m_plugIn.Unit(),
-                                          kTNProperty_CurrentCaptureLength, 0, 0);
+                        ViewEventListener(pView, m_plugIn.Unit(), kTNProperty_CurrentCaptureLength,
+                                          0, 0);
                 });
         }
         if (nRound % 2 == 0)

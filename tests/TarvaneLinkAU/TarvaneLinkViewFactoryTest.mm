@@ -63,7 +63,8 @@ TEST_F(ViewFactoryWithNib, PaletteIsBuiltBeforeTheViewGetsItsPlugIn)
         });
     gAppColours.Clear();
     std::vector<bool> thereBefore;
-    HooksOf(m_pView).inSetAU = [&] { thereBefore.push_back(gAppColours.Find(ccTrackInfoBackground)); };
+    HooksOf(m_pView).inSetAU = [&]
+    { thereBefore.push_back(gAppColours.Find(ccTrackInfoBackground)); };
 
     NSAutoreleasePool* pPool = [[NSAutoreleasePool alloc] init];
     TarvaneLink_CocoaViewFactory* pFactory = [[TarvaneLink_CocoaViewFactory alloc] init];

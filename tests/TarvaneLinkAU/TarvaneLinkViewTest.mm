@@ -735,7 +735,8 @@ TEST_F(LinkView, ProgressIsAsLongAsItsNumber)
     [m_pView UpdateCapture:std::numeric_limits<double>::quiet_NaN()];
     EXPECT_EQ(ErrorLine(), "Capturing Audio: nan sec");
     [m_pView UpdateCapture:0.25];
-    EXPECT_EQ(ErrorLine(), "Capturing Audio: 0.2 sec") << "to the nearest, and then to the even one";
+    EXPECT_EQ(ErrorLine(), "Capturing Audio: 0.2 sec")
+        << "to the nearest, and then to the even one";
 }
 
 TEST_F(LinkView, ProgressIsNotShownWhileTheSwitchIsOff)

@@ -105,7 +105,8 @@ TEST_F(TrackMenu, EmptyListSelectsNothingWhateverIsStored)
     static std::vector<NSInteger> selected;
     selected.clear();
     TarvaneTests::ReplacedMethod select([NSPopUpButton class], @selector(selectItemAtIndex:),
-                                        [](id, SEL, NSInteger nItem) { selected.push_back(nItem); });
+                                        [](id, SEL, NSInteger nItem)
+                                        { selected.push_back(nItem); });
     for (std::int32_t nTrack : {0, 5, -1})
     {
         Store(nTrack);

@@ -118,11 +118,12 @@ TEST_F(ViewAppearance, BackgroundIsFlippedWhenTheViewIs)
 {
     static std::vector<bool> flipped;
     flipped.clear();
-    TarvaneTests::ReplacedMethod fill(
-        object_getClass([GraphicUtils class]),
-        @selector(FillRect:Color:Background:Rect:FillDirection:Flipped:),
-        [](id, SEL, CGContextRef, CComponentCode, CComponentCode, CGRect, FillDirection,
-           bool fFlipped) { flipped.push_back(fFlipped); });
+    TarvaneTests::ReplacedMethod fill(object_getClass([GraphicUtils class]),
+                                      @selector(FillRect:
+                                                   Color:Background:Rect:FillDirection:Flipped:),
+                                      [](id, SEL, CGContextRef, CComponentCode, CComponentCode,
+                                         CGRect, FillDirection, bool fFlipped)
+                                      { flipped.push_back(fFlipped); });
     for (bool fFlipped : {true, false})
     {
         m_pView->m_fFlipped = fFlipped;

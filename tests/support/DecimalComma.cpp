@@ -16,8 +16,7 @@ class CommaPunctuation : public std::numpunct<char>
 };
 } // namespace
 
-DecimalComma::DecimalComma(const char* szLocale)
-    : m_previousC(std::setlocale(LC_ALL, nullptr))
+DecimalComma::DecimalComma(const char* szLocale) : m_previousC(std::setlocale(LC_ALL, nullptr))
 {
 #ifdef TARVANE_TEST_LOCALES
     // Made by the build, so that no locale has to be installed.

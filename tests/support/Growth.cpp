@@ -54,12 +54,24 @@ CGrowth::CGrowth()
 {
 }
 
-long CGrowth::Objects() const { return LiveObjects() - m_nObjects; }
+long CGrowth::Objects() const
+{
+    return LiveObjects() - m_nObjects;
+}
 
-long CGrowth::Bytes() const { return BytesNow() - m_nBytes; }
+long CGrowth::Bytes() const
+{
+    return BytesNow() - m_nBytes;
+}
 
-long CGrowth::Descriptors() const { return DescriptorsNow() - m_nDescriptors; }
+long CGrowth::Descriptors() const
+{
+    return DescriptorsNow() - m_nDescriptors;
+}
 
-long CGrowth::Windows() const { return WindowsNow() - m_nWindows; }
+long CGrowth::Windows() const
+{
+    return WindowsNow() - m_nWindows;
+}
 
 } // namespace TarvaneTests

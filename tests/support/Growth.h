@@ -10,8 +10,8 @@ class CGrowth
 public:
     CGrowth();
 
-    // Objective-C objects that live. Those are counted that were made after the first object of this
-    // class in the process.
+    // Objective-C objects that live. Those are counted that were made after the first object of
+    // this class in the process.
     long Objects() const;
 
     // Of the heap, by its own books: what a sanitizer keeps for itself is not in it.

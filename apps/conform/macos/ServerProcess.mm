@@ -8,15 +8,9 @@
 namespace Tarvane::Conform
 {
 
-std::string ServerAddress()
-{
-    return "an application of the signature 'TkNe'";
-}
+std::string ServerAddress() { return "an application of the signature 'TkNe'"; }
 
-std::string CarriersError()
-{
-    return "";
-}
+std::string CarriersError() { return ""; }
 
 pid_t ServerProcess()
 {

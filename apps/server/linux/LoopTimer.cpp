@@ -13,8 +13,8 @@ namespace Tarvane::Server
 struct CLoopTimer::State
 {
     explicit State(std::function<void()> due)
-        : nFile(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)),
-          call(std::move(due)), watch(nFile, [this] { Due(); })
+        : nFile(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)), call(std::move(due)),
+          watch(nFile, [this] { Due(); })
     {
         if (nFile < 0)
             throw std::system_error(errno, std::generic_category(), "cannot make a timer");
@@ -41,7 +41,8 @@ struct CLoopTimer::State
     CReadWatch watch;
 };
 
-CLoopTimer::CLoopTimer(std::function<void()> due) : m_pState(std::make_unique<State>(std::move(due)))
+CLoopTimer::CLoopTimer(std::function<void()> due)
+    : m_pState(std::make_unique<State>(std::move(due)))
 {
 }
 

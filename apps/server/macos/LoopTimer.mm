@@ -25,10 +25,7 @@ struct CLoopTimer::State
 namespace
 {
 
-void Due(CFRunLoopTimerRef, void* pCall)
-{
-    (*static_cast<std::function<void()>*>(pCall))();
-}
+void Due(CFRunLoopTimerRef, void* pCall) { (*static_cast<std::function<void()>*>(pCall))(); }
 
 } // namespace
 
@@ -37,25 +34,18 @@ CLoopTimer::CLoopTimer(std::function<void()> due)
 {
 }
 
-CLoopTimer::~CLoopTimer()
-{
-    m_pState->Cancel();
-}
+CLoopTimer::~CLoopTimer() { m_pState->Cancel(); }
 
 void CLoopTimer::Set(std::chrono::milliseconds time)
 {
     m_pState->Cancel();
     CFRunLoopTimerContext context{0, &m_pState->call, nullptr, nullptr, nullptr};
     m_pState->timer = CFRunLoopTimerCreate(
-        kCFAllocatorDefault,
-        CFAbsoluteTimeGetCurrent() + static_cast<double>(time.count()) / 1000, 0, 0, 0, Due,
-        &context);
+        kCFAllocatorDefault, CFAbsoluteTimeGetCurrent() + static_cast<double>(time.count()) / 1000,
+        0, 0, 0, Due, &context);
     CFRunLoopAddTimer(CFRunLoopGetCurrent(), m_pState->timer, kCFRunLoopDefaultMode);
 }
 
-void CLoopTimer::Cancel()
-{
-    m_pState->Cancel();
-}
+void CLoopTimer::Cancel() { m_pState->Cancel(); }
 
 } // namespace Tarvane::Server

@@ -6,8 +6,8 @@
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
-#include <filesystem>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -65,19 +65,23 @@ bool IsUsable(const path& folder)
     const path secure = SecureFolder(folder);
     if (mkdir(secure.c_str(), 0700) != 0 && errno != EEXIST)
         return false;
-    struct stat status{};
+    struct stat status
+    {
+    };
     return lstat(secure.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
            status.st_uid == geteuid() && (status.st_mode & 0777) == 0700 && HasRoom(secure);
 }
 
-// GNUstep holds this lock for moments. It breaks one that is old, but waits in vain for one that was
-// left behind just now, or before the clock was set back.
+// GNUstep holds this lock for moments. It breaks one that is old, but waits in vain for one that
+// was left behind just now, or before the clock was set back.
 void WaitForLock(const path& lock)
 {
     constexpr double kOld = 15.0; // seconds, before and after now
     constexpr std::chrono::seconds kPatience{5};
     const auto start = std::chrono::steady_clock::now();
-    struct stat status{};
+    struct stat status
+    {
+    };
     while (lstat(lock.c_str(), &status) == 0)
     {
         if (std::abs(std::difftime(std::time(nullptr), status.st_mtime)) > kOld)

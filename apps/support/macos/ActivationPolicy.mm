@@ -5,9 +5,6 @@
 namespace Tarvane
 {
 
-void StandInFront()
-{
-    [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular];
-}
+void StandInFront() { [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular]; }
 
 } // namespace Tarvane

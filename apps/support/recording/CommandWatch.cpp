@@ -63,8 +63,9 @@ void CCommandWatch::Add(const SeenEvent& event)
 void CCommandWatch::Add(const SeenReply& reply)
 {
     const std::lock_guard lock(m_mutex);
-    const auto found = std::find_if(m_sent.begin(), m_sent.end(), [&](const Sent& sent)
-                                    { return sent.nNumber == reply.nNumber; });
+    const auto found =
+        std::find_if(m_sent.begin(), m_sent.end(),
+                     [&](const Sent& sent) { return sent.nNumber == reply.nNumber; });
     if (found == m_sent.end())
         return;
     const std::optional<std::string> result = TextOf(reply.parameters, 'Rslt');

@@ -17,8 +17,8 @@ struct SeenCommand
 {
     std::string strScript; // UTF-8, as the next two
     std::string strResult; // the first kMostResult bytes of it
-    std::string strError; // the server's words
-    OSErr nStatus = 0;    // of the event; with 0 a reply came
+    std::string strError;  // the server's words
+    OSErr nStatus = 0;     // of the event; with 0 a reply came
     bool fHasResult = false;
 
     // The server said why it did not do as it was asked.

@@ -18,8 +18,8 @@ public:
     virtual void Add(const SeenReply& reply) = 0;
 };
 
-// From now on every event is shown to these, in their order, and to no others; when it returns, those
-// before are no longer in use. One thread. False on a system that shows its events to nobody.
+// From now on every event is shown to these, in their order, and to no others; when it returns,
+// those before are no longer in use. One thread. False on a system that shows its events to nobody.
 bool WatchEvents(std::vector<CEventWatcher*> watchers);
 
 // The process that receives the events of a signature now; 0 when that is not known. Any thread;

@@ -20,11 +20,10 @@
 + (void)load
 {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-    [[NSNotificationCenter defaultCenter]
-        addObserver:self
-           selector:@selector(applicationWillFinishLaunching:)
-               name:NSApplicationWillFinishLaunchingNotification
-             object:nil];
+    [[NSNotificationCenter defaultCenter] addObserver:self
+                                             selector:@selector(applicationWillFinishLaunching:)
+                                                 name:NSApplicationWillFinishLaunchingNotification
+                                               object:nil];
     [pool drain];
 }
 

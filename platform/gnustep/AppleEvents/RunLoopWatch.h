@@ -31,8 +31,8 @@ public:
     void Watch(int descriptor, bool fReading, bool fWriting);
     void Release();
 
-    // One call of Wake(), at the earliest after so many microseconds of the monotonic clock, in place
-    // of the one asked for before.
+    // One call of Wake(), at the earliest after so many microseconds of the monotonic clock, in
+    // place of the one asked for before.
     void WakeAfter(std::uint64_t microseconds);
     void CancelWake();
 

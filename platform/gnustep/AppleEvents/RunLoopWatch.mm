@@ -5,8 +5,8 @@
 #include <sys/timerfd.h>
 #include <unistd.h>
 
-// The object behind a RunLoopWatch: the run loop holds it. The timer is a descriptor of the monotonic
-// clock: NSTimer goes by the time of day, and would wait for as long as that is set back.
+// The object behind a RunLoopWatch: the run loop holds it. The timer is a descriptor of the
+// monotonic clock: NSTimer goes by the time of day, and would wait for as long as that is set back.
 @interface TarvaneRunLoopTarget : NSObject <RunLoopEvents>
 {
   @public

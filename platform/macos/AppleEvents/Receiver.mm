@@ -12,10 +12,7 @@ namespace
 // Whoever waits for more than events looks up after so many seconds.
 constexpr double kLongestWait = 0.1;
 
-char Character(OSType code, int nPlace)
-{
-    return static_cast<char>(code >> (24 - 8 * nPlace));
-}
+char Character(OSType code, int nPlace) { return static_cast<char>(code >> (24 - 8 * nPlace)); }
 
 void TellOfSignature(OSType signature)
 {

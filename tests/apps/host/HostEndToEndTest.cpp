@@ -66,28 +66,17 @@ TEST_F(EndToEnd, TheResultsTellEachCaptureAndShowTheWindow)
     EXPECT_EQ(outcome.nCode, 0) << outcome.strError;
     const json captures = CapturesIn(folder / "out");
     ASSERT_EQ(captures.size(), 1U);
-    const json expected = {{"source", One()},
-                           {"dub", folder / "captures/one-001.wav"},
-                           {"frames", 4800.0},
-                           {"sampleRate", 48000.0},
-                           {"start", 0.0},
-                           {"end", 4800.0},
-                           {"position", 100.0},
-                           {"track", 2},
-                           {"trackName", "Foley"},
-                           {"element", 0},
-                           {"ack", Ack(0, 0)},
-                           {"outcome", "delivered"},
-                           {"failure", ""},
-                           {"message", ""},
-                           {"advice", ""},
-                           {"refusal", ""},
-                           {"withoutOffset", false},
-                           {"placeMissed", nullptr},
-                           {"fate", "delivered"},
-                           {"silence", nullptr},
-                           {"late", false},
-                           {"lost", 0}};
+    const json expected = {{"source", One()},        {"dub", folder / "captures/one-001.wav"},
+                           {"frames", 4800.0},       {"sampleRate", 48000.0},
+                           {"start", 0.0},           {"end", 4800.0},
+                           {"position", 100.0},      {"track", 2},
+                           {"trackName", "Foley"},   {"element", 0},
+                           {"ack", Ack(0, 0)},       {"outcome", "delivered"},
+                           {"failure", ""},          {"message", ""},
+                           {"advice", ""},           {"refusal", ""},
+                           {"withoutOffset", false}, {"placeMissed", nullptr},
+                           {"fate", "delivered"},    {"silence", nullptr},
+                           {"late", false},          {"lost", 0}};
     EXPECT_EQ(captures[0], expected);
     EXPECT_THAT(FileText(folder / "out/link-view.png"), StartsWith("\x89PNG"));
     EXPECT_THAT(outcome.strOutput, HasSubstr("Capture 1: one.wav\n"));

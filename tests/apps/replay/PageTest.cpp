@@ -153,8 +153,8 @@ TEST(Page, TakePlacedWithoutTheOffsetIsTold)
                                                     "stand at sample 120500.</p>"),
                                HasSubstr("Takes placed without the offset: 1.")));
     // Nobody knows the place when the server never told its offset, or the take is not there.
-    for (const std::string& strLines : {strRead + strUntold + strAdded,
-                                        ExchangeLines(1, strAsk, "2.5\n") + strUntold + strAdded})
+    for (const std::string& strLines :
+         {strRead + strUntold + strAdded, ExchangeLines(1, strAsk, "2.5\n") + strUntold + strAdded})
         EXPECT_THAT(Page(strLines), HasSubstr(strWords + ", which the server did not tell.</p>"));
     // Told, not asked, and not added.
     for (const std::string& strLines :

@@ -121,8 +121,7 @@ TEST_F(RecordedCapture, ViewThatSaysSomethingElseIsToldSoAndStillServed)
     EXPECT_EQ(PlayersEnd(), 1);
     EXPECT_THAT(player->Output(),
                 AllOf(HasSubstr(": another one came\n  '----', line 3, character "),
-                      HasSubstr("96480,0,4800)"), HasSubstr("^\n"),
-                      HasSubstr("Differences: 2,")));
+                      HasSubstr("96480,0,4800)"), HasSubstr("^\n"), HasSubstr("Differences: 2,")));
     EXPECT_EQ(OnlyCapture()["outcome"], "delivered");
 }
 

@@ -112,8 +112,9 @@ TEST_F(EventLog, ARefusalHasNoResultAndAChangeNamesItsSender)
     CEventLog log(m_file);
     log.Out(1, {"", "no \x1b[31mfile", true});
     log.Change(2, 4711, "/usr/bin/a\nTIME event 9 out");
-    EXPECT_EQ(Text(), "TIME event 1 out\n  no result\n  error\n    no .[31mfile\n"
-                      "TIME event 2 changed the session, sent by 4711 /usr/bin/a.TIME event 9 out\n");
+    EXPECT_EQ(Text(),
+              "TIME event 1 out\n  no result\n  error\n    no .[31mfile\n"
+              "TIME event 2 changed the session, sent by 4711 /usr/bin/a.TIME event 9 out\n");
 }
 
 } // namespace

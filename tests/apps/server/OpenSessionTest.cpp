@@ -9,8 +9,8 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <optional>
 #include <memory>
+#include <optional>
 
 namespace Tarvane::Server
 {

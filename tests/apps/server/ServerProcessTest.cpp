@@ -2,12 +2,12 @@
 #include "tests/apps/server/ServerFixture.h"
 
 #include <csignal>
-#include <filesystem>
-#include <unistd.h>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <thread>
+#include <unistd.h>
 
 namespace TarvaneTest
 {
@@ -245,8 +245,8 @@ TEST_F(ServerProcess, TheLogNamesWhoChangedTheSession)
     EXPECT_THAT(FileText(strLog), Not(HasSubstr("changed the session")));
     SendScript(Add(0));
     EXPECT_THAT(FileText(strLog),
-                HasSubstr(" event 2 changed the session, sent by " + std::to_string(getpid()) + " " +
-                          std::filesystem::read_symlink("/proc/self/exe").string()));
+                HasSubstr(" event 2 changed the session, sent by " + std::to_string(getpid()) +
+                          " " + std::filesystem::read_symlink("/proc/self/exe").string()));
 }
 
 TEST_F(ServerProcess, AReadOnlyServerRefusesChanges)
@@ -278,9 +278,9 @@ TEST_F(ServerProcess, HelpAndVersionAreAnswered)
 {
     const Ended help = RunToEnd({"--help"});
     EXPECT_EQ(help.nExitCode, 0);
-    for (const char* szPart :
-         {"--session", "--track", "--link-offset", "--log", "--no-document", "--list-session",
-          "--json", "--render-folder", "--read-only", "--no-delete", "--misbehave", "--seed", "--delay", "Exit codes: "})
+    for (const char* szPart : {"--session", "--track", "--link-offset", "--log", "--no-document",
+                               "--list-session", "--json", "--render-folder", "--read-only",
+                               "--no-delete", "--misbehave", "--seed", "--delay", "Exit codes: "})
         EXPECT_THAT(help.strOutput, HasSubstr(szPart));
     for (const Tarvane::Server::FaultKind& kind : Tarvane::Server::FaultKinds())
         EXPECT_THAT(help.strOutput, HasSubstr(std::string(kind.szName) + ": "));

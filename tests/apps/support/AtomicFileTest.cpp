@@ -7,7 +7,6 @@
 
 #include <fstream>
 #include <sys/stat.h>
-#include <sys/stat.h>
 #include <system_error>
 
 namespace Tarvane

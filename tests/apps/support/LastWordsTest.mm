@@ -36,10 +36,7 @@ void OnAThreadOf(void (*body)())
                });
 }
 
-void Raise()
-{
-    [NSException raise:@"NSTryException" format:@"no %@", @"room"];
-}
+void Raise() { [NSException raise:@"NSTryException" format:@"no %@", @"room"]; }
 
 } // namespace
 
@@ -55,6 +52,6 @@ TEST(LastWords, ExceptionOfAThreadIsTold)
 
 TEST(LastWords, ExceptionOfTheObjectSystemIsTold)
 {
-    EXPECT_EXIT(OnAThreadOf(&Raise),
-                ExitedWithCode(kExitFailed), "tarvane-try: NSTryException: no room\n");
+    EXPECT_EXIT(OnAThreadOf(&Raise), ExitedWithCode(kExitFailed),
+                "tarvane-try: NSTryException: no room\n");
 }

@@ -1,7 +1,7 @@
 #include "tests/apps/text/TextPage.h"
 
-#include "utils/UnicodeText.h"
 #include "tests/apps/text/TextCases.h"
+#include "utils/UnicodeText.h"
 
 #include <cstdio>
 

@@ -107,8 +107,8 @@ std::string Look(NSWindow* window)
 {
     const NSRect frame = [window frame];
     std::ostringstream command;
-    command << "import -silent -window root -crop " << NSWidth(frame) << 'x' << NSHeight(frame) << '+'
-            << NSMinX(frame) << '+' << NSMaxY([[NSScreen mainScreen] frame]) - NSMaxY(frame)
+    command << "import -silent -window root -crop " << NSWidth(frame) << 'x' << NSHeight(frame)
+            << '+' << NSMinX(frame) << '+' << NSMaxY([[NSScreen mainScreen] frame]) - NSMaxY(frame)
             << " rgb:- | cksum";
     std::string look;
     FILE* pipe = popen(command.str().c_str(), "r");

@@ -359,7 +359,8 @@ TEST_F(ForeignReply, OfWhoeverDoesNotOwnTheNameIsPassedOver)
         [&](sd_bus_message* call)
         {
             for (const OSErr nStatus : {kForged, OSErr(noErr)})
-                EXPECT_GE(sd_bus_send(impostor.get(), StatusReply(call, nStatus).get(), nullptr), 0);
+                EXPECT_GE(sd_bus_send(impostor.get(), StatusReply(call, nStatus).get(), nullptr),
+                          0);
             // Delivered before the true one is sent.
             EXPECT_GT(ConnectionsOnTheBus(impostor.get()), 0);
             return StatusReply(call, kTrue);

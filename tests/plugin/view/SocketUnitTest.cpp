@@ -32,7 +32,8 @@ protected:
                                                     .embed = [](std::uint32_t) {},
                                                     .detach = [](std::uint32_t) {},
                                                     .ended = [this] { fEnded.set_value(); }});
-        EXPECT_EQ(AudioComponentInstanceNew(CSocketUnit::Register(*connection, deliveries), &pUnit), noErr);
+        EXPECT_EQ(AudioComponentInstanceNew(CSocketUnit::Register(*connection, deliveries), &pUnit),
+                  noErr);
         EXPECT_EQ(Receive(), (CFrame{.kind = FrameKind::Hello, .nId = kViewProtocolVersion}));
         Send({.kind = FrameKind::Hello, .nId = kViewProtocolVersion});
     }

@@ -107,8 +107,8 @@ extern "C"
     // errAENotAppleEvent: theAppleEvent is no event.
     OSErr AESuspendTheCurrentEvent(const AppleEvent* theAppleEvent);
 
-    // Main thread, once for an event that was suspended: sends the reply, and disposes of both. No event
-    // is dispatched again: dispatcher is kAENoDispatch. A sender that has gone is no news.
+    // Main thread, once for an event that was suspended: sends the reply, and disposes of both. No
+    // event is dispatched again: dispatcher is kAENoDispatch. A sender that has gone is no news.
     // paramErr: no such event is suspended, any other dispatcher, or another thread.
     OSErr AEResumeTheCurrentEvent(const AppleEvent* theAppleEvent, const AppleEvent* reply,
                                   AEEventHandlerUPP dispatcher, void* handlerRefcon);

@@ -23,7 +23,7 @@ extern "C"
     // until the thread sends again.
     const char* TarvaneLastEventError(void);
 
-    // The process that receives the events of a signature now; 0 when there is none, or nobody tells
-    // within the timeout. Thread and connection as above.
+    // The process that receives the events of a signature now; 0 when there is none, or nobody
+    // tells within the timeout. Thread and connection as above.
     pid_t TarvaneEventReceiverProcess(OSType signature, SInt32 timeOutInTicks);
 }

@@ -29,8 +29,8 @@ extern "C"
         UInt64 microseconds; // since the event went out; 0 until it has ended
     };
 
-    // Called on the sending thread, in AESend: before the event goes out, and before AESend returns.
-    // It must not send events, set observers or throw.
+    // Called on the sending thread, in AESend: before the event goes out, and before AESend
+    // returns. It must not send events, set observers or throw.
     using TarvaneEventObserverProc = void (*)(const TarvaneSeenEvent* event, void* refcon);
 
     // Has every event of this process shown to the observer, which takes the place of the one

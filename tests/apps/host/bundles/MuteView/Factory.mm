@@ -5,8 +5,8 @@
 
 #include <AudioUnit/AudioUnit.h>
 
-// A factory of plain views: no toggle, no menu, and no acknowledge of an element before the next one
-// is announced.
+// A factory of plain views: no toggle, no menu, and no acknowledge of an element before the next
+// one is announced.
 @interface MuteViewFactory : NSObject <AUCocoaUIBase>
 @end
 

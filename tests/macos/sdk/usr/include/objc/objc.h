@@ -4,10 +4,11 @@ typedef struct objc_class* Class;
 typedef struct objc_object
 {
     Class isa __attribute__((deprecated));
-}* id;
+} * id;
 typedef struct objc_selector* SEL;
 typedef void (*IMP)(void);
-// Where the platform has it as a type of its own and where as a signed char depends on the processor.
+// Where the platform has it as a type of its own and where as a signed char depends on the
+// processor.
 #ifdef __arm64__
 typedef bool BOOL;
 #define YES __objc_yes

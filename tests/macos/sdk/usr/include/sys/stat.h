@@ -29,9 +29,9 @@ struct stat
 #define S_IFDIR 0040000
 #define S_IFREG 0100000
 #define S_IFLNK 0120000
-#define S_ISDIR(m) (((m) & S_IFMT) == S_IFDIR)
-#define S_ISREG(m) (((m) & S_IFMT) == S_IFREG)
-#define S_ISFIFO(m) (((m) & S_IFMT) == S_IFIFO)
+#define S_ISDIR(m) (((m)&S_IFMT) == S_IFDIR)
+#define S_ISREG(m) (((m)&S_IFMT) == S_IFREG)
+#define S_ISFIFO(m) (((m)&S_IFMT) == S_IFIFO)
 #define S_IRWXU 0000700
 #define S_IRUSR 0000400
 #define S_IWUSR 0000200

@@ -1,4 +1,5 @@
-// As far as the product and the programs go. What macOS has marked as out of date is marked here too.
+// As far as the product and the programs go. What macOS has marked as out of date is marked here
+// too.
 #pragma once
 
 #import <Foundation/Foundation.h>
@@ -379,9 +380,7 @@ extern "C" NSRunLoopMode const NSEventTrackingRunLoopMode;
 @interface NSMenu : NSObject <NSCopying>
 - (instancetype)initWithTitle:(NSString*)title;
 - (void)addItem:(NSMenuItem*)item;
-- (NSMenuItem*)addItemWithTitle:(NSString*)title
-                         action:(SEL)action
-                  keyEquivalent:(NSString*)key;
+- (NSMenuItem*)addItemWithTitle:(NSString*)title action:(SEL)action keyEquivalent:(NSString*)key;
 - (void)setSubmenu:(NSMenu*)menu forItem:(NSMenuItem*)item;
 - (NSInteger)numberOfItems;
 - (NSMenuItem*)itemAtIndex:(NSInteger)index;

@@ -132,9 +132,9 @@ extern "C"
     CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode, CFTimeInterval, Boolean);
     void CFRunLoopAddSource(CFRunLoopRef, CFRunLoopSourceRef, CFRunLoopMode);
     void CFRunLoopAddTimer(CFRunLoopRef, CFRunLoopTimerRef, CFRunLoopMode);
-    CFRunLoopTimerRef CFRunLoopTimerCreate(CFAllocatorRef, CFAbsoluteTime fireDate,
-                                           CFTimeInterval, CFOptionFlags, CFIndex order,
-                                           CFRunLoopTimerCallBack, CFRunLoopTimerContext*);
+    CFRunLoopTimerRef CFRunLoopTimerCreate(CFAllocatorRef, CFAbsoluteTime fireDate, CFTimeInterval,
+                                           CFOptionFlags, CFIndex order, CFRunLoopTimerCallBack,
+                                           CFRunLoopTimerContext*);
     void CFRunLoopTimerInvalidate(CFRunLoopTimerRef);
     CFAbsoluteTime CFAbsoluteTimeGetCurrent(void);
 

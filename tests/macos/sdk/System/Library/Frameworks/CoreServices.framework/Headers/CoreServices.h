@@ -122,8 +122,8 @@ extern "C"
     OSErr AEGetParamPtr(const AppleEvent*, AEKeyword, DescType desired, DescType* actual, void*,
                         Size maximum, Size* actualSize);
     OSErr AESizeOfParam(const AppleEvent*, AEKeyword, DescType*, Size*);
-    OSErr AEGetAttributePtr(const AppleEvent*, AEKeyword, DescType desired, DescType* actual,
-                            void*, Size maximum, Size* actualSize);
+    OSErr AEGetAttributePtr(const AppleEvent*, AEKeyword, DescType desired, DescType* actual, void*,
+                            Size maximum, Size* actualSize);
     OSErr AEInstallEventHandler(AEEventClass, AEEventID, AEEventHandlerUPP, void*, Boolean);
     OSErr AERemoveEventHandler(AEEventClass, AEEventID, AEEventHandlerUPP, Boolean);
     OSErr AESuspendTheCurrentEvent(const AppleEvent*);

@@ -107,7 +107,7 @@ extern "C"
 @end
 
 __attribute__((objc_root_class))
-@interface NSObject <NSObject>
+@interface NSObject<NSObject>
 {
     Class isa;
 }
@@ -356,9 +356,7 @@ extern "C" NSFileAttributeKey const NSFileHFSTypeCode;
 @interface NSFileManager : NSObject
 + (NSFileManager*)defaultManager;
 - (NSDictionary*)attributesOfItemAtPath:(NSString*)path error:(NSError**)error;
-- (BOOL)setAttributes:(NSDictionary*)attributes
-         ofItemAtPath:(NSString*)path
-                error:(NSError**)error;
+- (BOOL)setAttributes:(NSDictionary*)attributes ofItemAtPath:(NSString*)path error:(NSError**)error;
 - (BOOL)moveItemAtPath:(NSString*)from toPath:(NSString*)to error:(NSError**)error;
 - (BOOL)fileExistsAtPath:(NSString*)path;
 - (NSDirectoryEnumerator*)enumeratorAtPath:(NSString*)path;
