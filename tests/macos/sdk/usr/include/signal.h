@@ -22,6 +22,7 @@ typedef unsigned int sigset_t;
 #define SIGCHLD 20
 #define SIGXCPU 24
 #define SIGXFSZ 25
+#define SIGPROF 27
 #define SIGUSR1 30
 #define SIGUSR2 31
 #define SIG_DFL ((void (*)(int))0)

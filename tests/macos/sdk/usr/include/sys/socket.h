@@ -4,5 +4,10 @@
 
 #define AF_UNIX 1
 #define SOCK_STREAM 1
+#define MSG_DONTWAIT 0x80
 
-extern "C" int socketpair(int, int, int, int*);
+extern "C"
+{
+    int socketpair(int, int, int, int*);
+    ssize_t recv(int, void*, size_t, int);
+}

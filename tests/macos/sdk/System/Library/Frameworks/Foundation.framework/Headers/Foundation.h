@@ -394,6 +394,7 @@ extern "C" NSRunLoopMode const NSRunLoopCommonModes;
                                   userInfo:(id)userInfo
                                    repeats:(BOOL)repeats;
 - (void)invalidate;
+- (void)setFireDate:(NSDate*)date;
 - (id)userInfo;
 @end
 @interface NSThread : NSObject

@@ -1,0 +1,3 @@
+#pragma once
+
+#define PATH_MAX 1024
