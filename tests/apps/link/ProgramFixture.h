@@ -11,6 +11,7 @@
 #include <nlohmann/json.hpp>
 
 #include <chrono>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,6 +25,9 @@ class ProgramTest : public testing::Test
 {
 protected:
     using Child = std::unique_ptr<Tarvane::CChildProcess>;
+
+    // The takes that wait are those of the test, not those that another program leaves.
+    ProgramTest() { ::setenv("XDG_STATE_HOME", (m_folder / "state").c_str(), 1); }
 
     struct Ended
     {

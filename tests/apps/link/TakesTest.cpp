@@ -62,8 +62,6 @@ private:
 class TakesTest : public RealServerTest
 {
 protected:
-    TakesTest() { ::setenv("XDG_STATE_HOME", (m_folder / "state").c_str(), 1); }
-
     // What a host leaves that is closed with its takes undelivered.
     void LeaveTakesAt(const std::vector<double>& positions) const
     {
