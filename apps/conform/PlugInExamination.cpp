@@ -112,8 +112,10 @@ int TakeOutput()
 
 Findings ExaminePlugIn(const PlugInOptions& options)
 {
+    // What the plug-in captures, and what it notes of it, is not this user's.
     const CWorkFolder folder;
     setenv("TMPDIR", folder.Path().c_str(), 1);
+    setenv("XDG_STATE_HOME", folder.Path().c_str(), 1);
     return ExamineInOrder(Chosen(options.rules),
                           [&](const PlugInRule& rule) { return ExamineApart(rule, options); });
 }

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <regex>
@@ -57,8 +58,19 @@ protected:
                                           Root(), "--component", szComponent});
             ASSERT_EQ(ended.nCode, 0) << ended.strError;
         }
+        fs::create_directory(Captures());
+        ::setenv("TMPDIR", Captures().c_str(), 1);
+        ::setenv("XDG_STATE_HOME", State().c_str(), 1);
     }
-    static void TearDownTestSuite() { folder.reset(); }
+    static void TearDownTestSuite()
+    {
+        ::unsetenv("TMPDIR");
+        folder.reset();
+    }
+
+    // Of what is no user's: where the example captures to, and what is noted of its takes.
+    static fs::path Captures() { return *folder / "captures"; }
+    static fs::path State() { return *folder / "state"; }
 
     static fs::path Root() { return *folder / "usr"; }
     static fs::path Program(const std::string& strName) { return Root() / "bin" / strName; }
@@ -222,10 +234,13 @@ TEST_F(Installed, PkgConfigSaysWhatAProgramNeeds)
 TEST_F(Installed, ThePlugInToBeginWithKeepsEveryRuleAndDelivers)
 {
     const fs::path plugIn = Built("plug-in") / "my-plug-in.so";
+    fs::remove_all(State());
     const Ended ended = RunToEnd({Program("tarvane-conform"), "plugin", plugIn});
     EXPECT_EQ(ended.nCode, 0) << ended.strError;
     EXPECT_THAT(ended.strOutput, AllOf(HasSubstr(" kept, 0 broken, 0 not examined\nSHOULD: "),
                                        EndsWith(" kept, 0 broken, 0 not examined\n")));
+    EXPECT_TRUE(fs::is_empty(Captures()));
+    EXPECT_FALSE(fs::exists(State()));
 
     const Server server(Program("tarvane-server"), *folder / "plug-in.session");
     const Ended hosted =
