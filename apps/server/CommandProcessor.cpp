@@ -65,6 +65,7 @@ CommandReply CCommandProcessor::Conclude(Execution execution)
         return {"", "nothing was changed, for the session could not be saved: " + strSaveError,
                 true};
     m_session = *std::move(execution.changed);
+    execution.reply.fChanged = true;
     return std::move(execution.reply);
 }
 

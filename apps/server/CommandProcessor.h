@@ -36,6 +36,7 @@ struct CommandReply
     std::string strError;  // empty for none
     bool fRefused = false; // a change was asked for and not made: there is no result, not even an
                            // empty one
+    bool fChanged = false; // the session is another one because of this command
 };
 
 // What is amiss with a server while it runs a command, on request.

@@ -126,7 +126,6 @@ Trouble CEventHandler::Begin(Event& event, const std::string& strScript)
         m_log.Faults(event.nNumber, NamesOf(event.faults));
         SufferBefore(event.faults);
     }
-    event.nUpdates = m_processor.Session().UpdateCount();
     return {event.faults.count(Fault::DocumentVanishes) != 0,
             event.faults.count(Fault::FrozenCounter) != 0, 0, FaultsOfFunctions(event.faults)};
 }
@@ -137,7 +136,7 @@ void CEventHandler::End(Event& event, const CommandReply& reply)
     if (faults.count(Fault::ExitAfterEffect) != 0)
         _exit(kExitByFault);
     m_log.Out(event.nNumber, reply);
-    if (m_processor.Session().UpdateCount() != event.nUpdates)
+    if (reply.fChanged)
         m_log.Change(event.nNumber, event.nProcess, ProgramOf(event.nProcess));
     // The sender may not want a reply; the command has been run all the same.
     if (event.reply.descriptorType != typeNull)

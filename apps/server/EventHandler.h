@@ -52,8 +52,7 @@ private:
         FaultSet faults;
         AppleEvent event; // suspended, as its reply is
         AppleEvent reply;
-        std::int64_t nUpdates = 0; // of the session when it began
-        bool fBegun = false;       // a command may begin again
+        bool fBegun = false; // a command may begin again
     };
 
     OSErr Handle(const AppleEvent* pEvent, const AppleEvent* pReply);

@@ -149,6 +149,20 @@ TEST_F(CommandQueue, AChangeOfASessionThatHasChangedMeanwhileIsMadeAnew)
     EXPECT_EQ(m_patient.Session().GetDocument(DocumentKind::Script).regions.size(), 2u);
 }
 
+TEST_F(CommandQueue, AQuestionHasNotChangedWhatAnotherClientChangesMeanwhile)
+{
+    QueueLimits limits;
+    limits.turn = std::chrono::milliseconds(0);
+    CCommandQueue queue(m_patient, limits);
+    Add(queue, 1, "for n = 1, 20000000 do end print('asked')");
+    while (m_begun.empty())
+        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.01, false);
+    Add(queue, 2, Adding(0));
+    RunUntil(2);
+    for (std::size_t n = 0; n < 2; n++)
+        EXPECT_EQ(m_replies[n].fChanged, m_ended[n] == 2) << m_ended[n];
+}
+
 TEST_F(CommandQueue, WhatWaitsInTheWorldIsEndedToo)
 {
     QueueLimits limits;
