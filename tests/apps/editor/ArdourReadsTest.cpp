@@ -17,7 +17,7 @@ using Tarvane::CChildProcess;
 namespace
 {
 
-constexpr std::chrono::seconds kLong{150};
+constexpr std::chrono::seconds kLong{90};
 
 constexpr const char* szExportPreset = R"(<?xml version="1.0" encoding="UTF-8"?>
 <ExportPreset id="75969a1c-3133-4694-864b-a1fa50e43349" name="exact">
@@ -46,15 +46,23 @@ protected:
 
     std::filesystem::path Session() const { return folder / "edit"; }
 
-    // Its exit code says nothing: it crashes at times when all is done.
+    // It crashes or stands still at times, in what is its own ("double free"), before it is done or
+    // after: what counts is that it gets there in one of three runs.
     std::string Read()
     {
-        CChildProcess ardour({"ardour7-lua", ARDOUR_READS});
-        ardour.CloseInput();
-        EXPECT_TRUE(ardour.WaitForEnd(kLong).has_value());
-        EXPECT_THAT(ardour.Output().substr(ardour.Output().size() / 2), HasSubstr("done\n"))
-            << ardour.ErrorOutput();
-        return ardour.Output();
+        constexpr int kRuns = 3;
+        std::string strSaid;
+        for (int nRun = 0; nRun < kRuns; ++nRun)
+        {
+            std::filesystem::remove(folder / "EXPORT.wav");
+            CChildProcess ardour({"ardour7-lua", ARDOUR_READS});
+            ardour.CloseInput();
+            if (ardour.WaitForLine("done", kLong))
+                return ardour.Output();
+            strSaid += ardour.ErrorOutput();
+        }
+        ADD_FAILURE() << "Ardour is never done: " << strSaid;
+        return "";
     }
 
     // The lines that Ardour is to print of a region.

@@ -62,6 +62,9 @@ if frames then
     export:set_folder(folder .. "/..")
     export:set_name("EXPORT")
     export:set_range(0, tonumber(frames))
+    -- The butler works off what loading has left; an export that begins meanwhile waits for it, and
+    -- it for the export.
+    ARDOUR.LuaAPI.usleep(2000000)
     say("exported", export:run_export())
 end
 print("done")
