@@ -20,7 +20,7 @@ namespace
 
 std::string FaultHelp()
 {
-    std::string strHelp = "For tests: let the plug-in do these things wrong, all together. It";
+    std::string strHelp = "Let the plug-in do these things wrong, all together. It";
     const char* szBefore = "\n";
     for (const SignalFaultKind& kind : SignalFaultKinds())
     {
@@ -104,17 +104,102 @@ void CheckRecording(const HostOptions& options)
     }
 }
 
+void DeclareCaptures(CLI::App& app, HostOptions& options)
+{
+    app.add_option(
+        "SOUND_FILE", options.files,
+        "Sound files to capture, one behind the other from sample 0. The same file at the "
+        "same position a second time is what the server calls a duplicate");
+    app.add_option("--position", options.positions,
+                   "Where the first sample of a file lies on the host's timeline; the first one is "
+                   "for the first file, and so on (repeatable)")
+        ->type_name("SAMPLES")
+        ->allow_extra_args(false);
+    app.add_option("--speed", options.strSpeed,
+                   "Times real time, or max for as fast as the disk allows (default 1)")
+        ->type_name("X|max");
+    app.add_option("--capture-folder", options.strCaptureFolder,
+                   "Where captured files go (default: captures, in the results folder if there is "
+                   "one)")
+        ->type_name("DIR");
+    app.add_option("--track", options.nTrack,
+                   "The track that is chosen at first, counted from 0 in the menu's order "
+                   "(default 0)")
+        ->type_name("N");
+    app.add_flag("--headless", options.fHeadless,
+                 "Capture every file without a hand on the toggle, and end. Without it the window "
+                 "stays open: each press of the toggle captures the next file");
+    app.add_option("--results", options.strResults,
+                   "Write captures.json and link-view.png, a picture of the window, into this "
+                   "folder. Files there that are not ours are never replaced")
+        ->type_name("DIR");
+    app.add_option("--record", options.strRecord,
+                   "Record every event, reply, property and notification in this new file, which "
+                   "tarvane-replay plays and draws")
+        ->type_name("FILE");
+    app.add_option("--bundle", options.strBundle,
+                   "The view to load (default: ../lib/TarvaneLink.bundle beside this program)")
+        ->type_name("PATH");
+}
+
+void DeclareDriving(CLI::App& app, HostOptions& options)
+{
+    constexpr const char* kDriving = "For programs that drive this one";
+    app.add_flag("--commands", options.fCommands,
+                 "Do what lines on the standard input say, and answer each with one line of JSON: "
+                 "capture FILE [SAMPLES], track N, open-menu, screenshot PATH, arm, disarm, state, "
+                 "quit, with --stalls stalls, and with --count-objects objects. A FILE with blanks "
+                 "stands between double quotes. The story goes to the standard error stream then")
+        ->group(kDriving);
+    app.add_option("--log", options.strLog,
+                   "Record every property that the view writes in this file; - is the standard "
+                   "output, or the standard error stream with --commands")
+        ->type_name("FILE")
+        ->group(kDriving);
+    app.add_flag(
+           "--stalls", options.fStalls,
+           "Tell at the end how long the view kept the main thread, in all and at the longest, "
+           "by what it did; in captures.json too, in milliseconds")
+        ->group(kDriving);
+    app.add_flag("--count-objects", options.fCountObjects,
+                 "Count the objects that are alive, for the command objects")
+        ->group(kDriving);
+    app.add_flag(
+           "--once", options.fOnce,
+           "Offer each capture once. Without it, what no server got is sent when one appears, "
+           "or by the next run with the same capture folder")
+        ->group(kDriving);
+    app.add_option("--ack-timeout", options.dAckTimeout,
+                   "How long to wait for the acknowledge of a capture before it counts as not "
+                   "delivered (default 200, as a delivery may take three minutes)")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.0, 1e6))
+        ->group(kDriving);
+}
+
+void DeclareMisbehaviour(CLI::App& app, HostOptions& options)
+{
+    app.add_option_function<std::string>(
+           "--misbehave",
+           [&options](const std::string& strNames) { ReadFaults(strNames, options.faults); },
+           FaultHelp())
+        ->type_name("NAME[,NAME...]")
+        ->group("Misbehaviour, for tests");
+}
+
 // What another maker's plug-in captures, and where to, is its own affair; all that speaks of that,
 // or of the host's own plug-in, does not go with it.
 void DeclarePlugIn(CLI::App& app, HostOptions& options)
 {
-    const std::set<std::string> together{"--help",  "--version",  "--completions", "--bundle",
-                                         "--track", "--headless", "--ack-timeout"};
+    const std::set<std::string> together{"--help",   "--help-all", "--version",  "--completions",
+                                         "--bundle", "--track",    "--headless", "--ack-timeout"};
     CLI::Option* const pPlugIn =
-        app.add_option("--plugin", options.strPlugIn,
-                       "Host the signal side in this shared library in place of the host's own: "
-                       "each time that it is armed, it is made to capture for a moment; with "
-                       "--headless once. See tarvane-conform(1) for what the library exports")
+        app.add_option(
+               "--plugin", options.strPlugIn,
+               "Host the signal side in this shared library in place of the host's own: "
+               "each time that it is armed, it is made to capture for a moment; with "
+               "--headless once. Beside it go --bundle, --track, --headless and --ack-timeout "
+               "alone. See tarvane-conform(1) for what the library exports")
             ->type_name("FILE");
     for (CLI::Option* pOption : app.get_options())
     {
@@ -129,69 +214,10 @@ void DeclarePlugIn(CLI::App& app, HostOptions& options)
 
 void DeclareOptions(CLI::App& app, HostOptions& options)
 {
-    app.add_option(
-        "SOUND_FILE", options.files,
-        "Sound files to capture, one behind the other from sample 0. The same file at the "
-        "same position a second time is what the server calls a duplicate");
-    app.add_option("--position", options.positions,
-                   "Where the first sample of a file lies on the host's timeline; the first one is "
-                   "for the first file, and so on (repeatable)")
-        ->type_name("SAMPLES")
-        ->allow_extra_args(false);
-    app.add_option("--bundle", options.strBundle,
-                   "The view to load (default: ../lib/TarvaneLink.bundle beside this program)")
-        ->type_name("PATH");
-    app.add_option("--track", options.nTrack,
-                   "The track that is chosen at first, counted from 0 in the menu's order "
-                   "(default 0)")
-        ->type_name("N");
-    app.add_option("--capture-folder", options.strCaptureFolder,
-                   "Where captured files go (default: captures, in the results folder if there is "
-                   "one)")
-        ->type_name("DIR");
-    app.add_option("--speed", options.strSpeed,
-                   "Times real time, or max for as fast as the disk allows (default 1)")
-        ->type_name("X|max");
-    app.add_flag("--headless", options.fHeadless,
-                 "Capture every file without a hand on the toggle, and end. Without it the window "
-                 "stays open: each press of the toggle captures the next file");
-    app.add_flag("--commands", options.fCommands,
-                 "Do what lines on the standard input say, and answer each with one line of JSON: "
-                 "capture FILE [SAMPLES], track N, open-menu, screenshot PATH, arm, disarm, state, "
-                 "quit, with --stalls stalls, and with --count-objects objects. A FILE with blanks "
-                 "stands between double quotes. The story goes to the standard error stream then");
-    app.add_option("--results", options.strResults,
-                   "Write captures.json and link-view.png, a picture of the window, into this "
-                   "folder. Files there that are not ours are never replaced")
-        ->type_name("DIR");
-    app.add_flag(
-        "--stalls", options.fStalls,
-        "Tell at the end how long the view kept the main thread, in all and at the longest, "
-        "by what it did; in captures.json too, in milliseconds");
-    app.add_flag("--count-objects", options.fCountObjects,
-                 "Count the objects that are alive, for the command objects");
-    app.add_flag(
-        "--once", options.fOnce,
-        "Offer each capture once. Without it, what no server got is sent when one appears, "
-        "or by the next run with the same capture folder");
-    app.add_option("--log", options.strLog,
-                   "Record every property that the view writes in this file; - is the standard "
-                   "output, or the standard error stream with --commands")
-        ->type_name("FILE");
-    app.add_option("--record", options.strRecord,
-                   "Record every event, reply, property and notification in this new file, which "
-                   "tarvane-replay plays and draws")
-        ->type_name("FILE");
-    app.add_option("--ack-timeout", options.dAckTimeout,
-                   "How long to wait for the acknowledge of a capture before it counts as not "
-                   "delivered (default 200, as a delivery may take three minutes)")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(0.0, 1e6));
-    app.add_option_function<std::string>(
-           "--misbehave",
-           [&options](const std::string& strNames) { ReadFaults(strNames, options.faults); },
-           FaultHelp())
-        ->type_name("NAME[,NAME...]");
+    AddHelpAll(app);
+    DeclareCaptures(app, options);
+    DeclareDriving(app, options);
+    DeclareMisbehaviour(app, options);
     DeclarePlugIn(app, options);
 }
 

@@ -1,6 +1,7 @@
 #include "apps/server/Options.h"
 
 #include "apps/server/Session.h"
+#include "apps/support/CommandLine.h"
 
 #include <CLI/CLI.hpp>
 
@@ -33,7 +34,7 @@ std::string CheckFileName(const std::string& strFile)
 std::string FaultHelp()
 {
     std::string strHelp =
-        "For tests: fail in these ways, all together, from the N-th event on, counted from 1, or "
+        "Fail in these ways, all together, from the N-th event on, counted from 1, or "
         "up to the M-th (repeatable). With --seed, at random. The server";
     const char* szBefore = "\n";
     for (const FaultKind& kind : FaultKinds())
@@ -56,9 +57,7 @@ FaultPlan FaultsOrParseError(const std::string& strFaults)
     }
 }
 
-} // namespace
-
-void DeclareOptions(CLI::App& app, Options& options)
+void DeclareSession(CLI::App& app, Options& options)
 {
     app.add_option("--session", options.strSessionFile,
                    "Keep the session in this file; continue it when it exists. Without it nothing "
@@ -87,8 +86,52 @@ void DeclareOptions(CLI::App& app, Options& options)
            },
            "Seconds by which a new session's timeline is ahead of the host's (default 0)")
         ->type_name("SECONDS");
+}
+
+void DeclareListing(CLI::App& app, Options& options)
+{
+    CLI::Option* pList = app.add_option("--list-session", options.strListedFile,
+                                        "Print what is in a session file, and end")
+                             ->type_name("FILE");
+    app.add_flag("--json", options.fJson, "Print the listing as JSON")->needs(pList);
+}
+
+void DeclareMisbehaviour(CLI::App& app, Options& options)
+{
+    constexpr const char* kMisbehaviour = "Misbehaviour, for tests";
     app.add_flag("--no-document", options.fNoDocument,
-                 "Behave as with no document open: scripts can select none");
+                 "Behave as with no document open: scripts can select none")
+        ->group(kMisbehaviour);
+    app.add_option_function<std::vector<std::string>>(
+           "--misbehave",
+           [&options](const std::vector<std::string>& faults)
+           {
+               for (const std::string& strFaults : faults)
+                   options.faults.push_back(FaultsOrParseError(strFaults));
+           },
+           FaultHelp())
+        ->type_name("NAME[,NAME...][@N[-M]]")
+        ->allow_extra_args(false)
+        ->group(kMisbehaviour);
+    app.add_option("--seed", options.seed,
+                   "Let about every fourth event meet one of the faults of --misbehave; the same "
+                   "seed draws the same ones again")
+        ->type_name("NUMBER")
+        ->group(kMisbehaviour);
+    app.add_option("--delay", options.dDelay,
+                   "How long slow-start and late-reply take (default 65, more than the minute for "
+                   "which clients wait)")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.0, 1e6))
+        ->group(kMisbehaviour);
+}
+
+} // namespace
+
+void DeclareOptions(CLI::App& app, Options& options)
+{
+    AddHelpAll(app);
+    DeclareSession(app, options);
     app.add_flag("--read-only", options.fReadOnly, "Refuse every change that a script asks for");
     app.add_flag("--no-delete", options.fNoDelete, "Refuse to delete regions and marker areas");
     app.add_option("--render-folder", options.strRenderFolder,
@@ -102,29 +145,8 @@ void DeclareOptions(CLI::App& app, Options& options)
     app.add_option("--log", options.strLogFile,
                    "Record every event in and out in this file; - is the standard output")
         ->type_name("FILE");
-    app.add_option_function<std::vector<std::string>>(
-           "--misbehave",
-           [&options](const std::vector<std::string>& faults)
-           {
-               for (const std::string& strFaults : faults)
-                   options.faults.push_back(FaultsOrParseError(strFaults));
-           },
-           FaultHelp())
-        ->type_name("NAME[,NAME...][@N[-M]]")
-        ->allow_extra_args(false);
-    app.add_option("--seed", options.seed,
-                   "Let about every fourth event meet one of the faults of --misbehave; the same "
-                   "seed draws the same ones again")
-        ->type_name("NUMBER");
-    app.add_option("--delay", options.dDelay,
-                   "How long slow-start and late-reply take (default 65, more than the minute for "
-                   "which clients wait)")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(0.0, 1e6));
-    CLI::Option* pList = app.add_option("--list-session", options.strListedFile,
-                                        "Print what is in a session file, and end")
-                             ->type_name("FILE");
-    app.add_flag("--json", options.fJson, "Print the listing as JSON")->needs(pList);
+    DeclareListing(app, options);
+    DeclareMisbehaviour(app, options);
 }
 
 } // namespace Tarvane::Server

@@ -11,6 +11,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <iostream>
+#include <memory>
 #include <unistd.h>
 
 namespace Tarvane
@@ -46,6 +47,30 @@ void HoldClosedStreams()
     }
 }
 
+class CShortHelp : public CLI::Formatter
+{
+    std::string make_help(const CLI::App* pApp, std::string strName,
+                          CLI::AppFormatMode mode) const override
+    {
+        if (mode == CLI::AppFormatMode::All)
+        {
+            return Formatter::make_help(pApp, strName, mode);
+        }
+        const std::string strGroup = pApp->get_help_ptr()->get_group();
+        const auto isFirst = [&strGroup](const CLI::Option* pOption)
+        { return pOption->get_group() == strGroup && pOption->nonpositional(); };
+        return make_description(pApp) + make_usage(pApp, strName) + make_positionals(pApp) +
+               make_group(strGroup, false, pApp->get_options(isFirst)) + "\n" + make_footer(pApp);
+    }
+
+    // One option that goes with few others says so; each of the others need not.
+    std::string make_option_opts(const CLI::Option* pOption) const override
+    {
+        const std::string strOptions = Formatter::make_option_opts(pOption);
+        return strOptions.substr(0, strOptions.find(" Excludes:"));
+    }
+};
+
 } // namespace
 
 void AddCommonOptions(CLI::App& app, const std::string& strFailed)
@@ -61,6 +86,12 @@ void AddCommonOptions(CLI::App& app, const std::string& strFailed)
                                          })
         ->group(""); // for those who install the program
     app.footer("Exit codes: 0 done, 1 " + strFailed + ", 2 wrong use or unusable input.");
+}
+
+void AddHelpAll(CLI::App& app)
+{
+    app.set_help_all_flag("--help-all", "Print every option, those for tests as well, and exit");
+    app.formatter(std::make_shared<CShortHelp>());
 }
 
 int RunProgram(CLI::App& app, int argc, char** argv, const std::function<int()>& body)

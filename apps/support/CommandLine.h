@@ -32,6 +32,11 @@ public:
 // completes the sentence of exit code 1, "some capture was not delivered" for instance.
 void AddCommonOptions(CLI::App& app, const std::string& strFailed);
 
+// For a program that declares options in groups of their own (CLI::Option::group): adds --help-all,
+// which shows them all, and leaves those groups out of --help, which is for what a user needs
+// first.
+void AddHelpAll(CLI::App& app);
+
 // Parses, runs the body and turns what leaves it into an exit code: help and version 0, a parse
 // error or CUsageError kExitUsage, any other exception kExitFailed. Every failure is one line on
 // the standard error stream that begins with the program's name. Nothing is thrown, and what nobody

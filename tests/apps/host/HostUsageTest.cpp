@@ -1,5 +1,6 @@
 #include "apps/support/SignalFaults.h"
 #include "tests/apps/host/HostFixture.h"
+#include "tests/apps/support/ManualPage.h"
 
 #include <gmock/gmock.h>
 
@@ -165,13 +166,33 @@ TEST_F(HostUsage, HelpAndVersionNeedNothing)
     EXPECT_EQ(help.nCode, 0);
     EXPECT_THAT(help.strOutput,
                 HasSubstr("0 done, 1 some capture was neither delivered nor a duplicate, 2 wrong"));
-    for (const Tarvane::SignalFaultKind& kind : Tarvane::SignalFaultKinds())
-    {
-        EXPECT_THAT(help.strOutput, HasSubstr(std::string(kind.szName) + ": "));
-    }
     const ProcessOutcome version = RunToEnd(Host({"--version"}));
     EXPECT_EQ(version.nCode, 0);
     EXPECT_THAT(version.strOutput, StartsWith("tarvane-host "));
+}
+
+// What goes beside --plugin is named with it, and nowhere else what does not.
+TEST_F(HostUsage, HelpShowsWhatAUserNeedsAndHelpAllTheRest)
+{
+    const std::set<std::string> first{"--help",       "--help-all",       "--version", "--position",
+                                      "--speed",      "--capture-folder", "--track",   "--headless",
+                                      "--results",    "--record",         "--bundle",  "--plugin",
+                                      "--ack-timeout"};
+    const std::string strHelp = RunToEnd(Host({"--help"})).strOutput;
+    EXPECT_EQ(OptionsIn(strHelp), first);
+    EXPECT_THAT(strHelp, HasSubstr("\n  SOUND_FILE TEXT ... "));
+    const ProcessOutcome all = RunToEnd(Host({"--help-all"}));
+    EXPECT_EQ(all.nCode, 0);
+    std::set<std::string> options = first;
+    options.insert({"--commands", "--log", "--stalls", "--count-objects", "--once", "--misbehave"});
+    EXPECT_EQ(OptionsIn(all.strOutput), options);
+    EXPECT_THAT(all.strOutput, HasSubstr("\nFor programs that drive this one:\n"));
+    EXPECT_THAT(all.strOutput, HasSubstr("\nMisbehaviour, for tests:\n"));
+    EXPECT_THAT(all.strOutput, testing::Not(HasSubstr("Excludes:")));
+    for (const Tarvane::SignalFaultKind& kind : Tarvane::SignalFaultKinds())
+    {
+        EXPECT_THAT(all.strOutput, HasSubstr(std::string(kind.szName) + ": "));
+    }
 }
 
 TEST_F(HostUsage, ACommandThatRaisesIsRefusedAndTheNextIsObeyed)

@@ -42,7 +42,7 @@ inline std::string ManualPage(const std::string& strFile)
 inline void ExpectManualDescribes(const CLI::App& app, const std::string& strFile)
 {
     const std::string strPage = ManualPage(strFile);
-    EXPECT_EQ(OptionsIn(strPage), OptionsIn(app.help()));
+    EXPECT_EQ(OptionsIn(strPage), OptionsIn(app.help("", CLI::AppFormatMode::All)));
     for (const CLI::Option* pOption : app.get_options())
     {
         if (pOption->get_group().empty()) // not for users, and not in the help either
