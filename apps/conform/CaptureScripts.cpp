@@ -71,7 +71,7 @@ void Add(const ServerBench& bench, const Capture& capture)
     added.nPosition = ServerPosition(bench, capture);
     const std::string strError = bench.peer.ErrorInDocument(AddingScript(bench.nTrack, added));
     if (!strError.empty())
-        throw CBroken("a region cannot be added: " + Quoted(strError));
+        throw CBroken("a region cannot be added: " + QuotedText(strError));
 }
 
 Place ExpectedPlace(const ServerBench& bench, const Capture& capture)

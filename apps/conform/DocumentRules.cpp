@@ -67,8 +67,8 @@ void ListsTracks(const ServerBench& bench)
         const std::string strName =
             bench.peer.Line("print(GetTrackName(GetTrackID(" + std::to_string(nTrack) + ")))");
         if (strName != tracks[nTrack])
-            throw CBroken("track " + std::to_string(nTrack) + " is " + Quoted(tracks[nTrack]) +
-                          " in the list, and " + Quoted(strName) + " when asked for");
+            throw CBroken("track " + std::to_string(nTrack) + " is " + QuotedText(tracks[nTrack]) +
+                          " in the list, and " + QuotedText(strName) + " when asked for");
     }
 }
 
@@ -102,7 +102,7 @@ void TakesExponents(const ServerBench& bench)
 {
     const std::string strError = bench.peer.ErrorInDocument("MoveDisplayToPosition(1.23457e+06)");
     if (!strError.empty())
-        throw CBroken("MoveDisplayToPosition(1.23457e+06) failed: " + Quoted(strError));
+        throw CBroken("MoveDisplayToPosition(1.23457e+06) failed: " + QuotedText(strError));
 }
 
 } // namespace

@@ -142,9 +142,7 @@ Findings ExamineServer(const ServerOptions& options)
 
 std::string VersionOfServer(const ServerOptions& options)
 {
-    const Reply reply = CServerPeer(TicksOf(options))
-                            .Send("if type(GetLinkVersion) == 'function' then\n"
-                                  "print(GetLinkVersion())\nend\n");
+    const Reply reply = CServerPeer(TicksOf(options)).Send(szVersionScript);
     const std::string strPrinted = reply.result ? reply.result->strText : "";
     return strPrinted.substr(0, strPrinted.find_first_of("\r\n"));
 }

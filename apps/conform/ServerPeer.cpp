@@ -3,7 +3,6 @@
 #include "apps/conform/ServerProcess.h"
 #include "apps/support/DecimalNumber.h"
 #include "apps/support/EventDescriptor.h"
-#include "apps/support/EventStatus.h"
 #include "utils/UnicodeText.h"
 
 #include <Carbon/Carbon.h>
@@ -17,7 +16,6 @@ namespace
 {
 
 constexpr std::size_t kLongestItem = 999;
-constexpr std::size_t kWholeScript = 1500; // but for those that are meant to be long
 constexpr char szNoDocument[] = "NO-DOCUMENT";
 
 std::optional<ReplyText> TextOf(const AppleEvent& reply, AEKeyword nKey)
@@ -31,6 +29,11 @@ std::optional<ReplyText> TextOf(const AppleEvent& reply, AEKeyword nKey)
     AEGetParamPtr(&reply, nKey, typeWildCard, nullptr, units.data(), nBytes, nullptr);
     text.strText = Utf8FromUtf16(units);
     return text;
+}
+
+std::optional<std::string> ReadIn(const std::optional<ReplyText>& text)
+{
+    return text ? std::optional(text->strText) : std::nullopt;
 }
 
 OSErr SendEvent(const std::string& strScript, SInt32 nTimeoutTicks, AppleEvent* pReply)
@@ -92,24 +95,8 @@ Reply CServerPeer::Send(const std::string& strScript) const
         reply.result = TextOf(descriptor, 'Rslt');
         reply.error = TextOf(descriptor, 'Errr');
     }
-    m_last = {strScript, reply, CarriersError()};
+    m_last = {strScript, reply.nStatus, ReadIn(reply.result), ReadIn(reply.error), CarriersError()};
     return reply;
-}
-
-std::vector<std::string> Told(const Exchange& exchange)
-{
-    const auto text = [](const std::optional<ReplyText>& one)
-    { return one ? Quoted(one->strText) : std::string("none"); };
-    std::vector<std::string> told{"Sent: " + Quoted(exchange.strScript, kWholeScript)};
-    const Reply& reply = exchange.reply;
-    if (reply.nStatus == noErr)
-        told.push_back("Came back: 'Rslt' " + text(reply.result) + ", 'Errr' " + text(reply.error));
-    else
-        told.push_back("Came back: status " + std::to_string(reply.nStatus) + ". " +
-                       LikelyCause(reply.nStatus));
-    if (!exchange.strCarriersError.empty())
-        told.push_back("The bus says: " + exchange.strCarriersError);
-    return told;
 }
 
 std::string CServerPeer::Printed(const std::string& strScript) const
@@ -124,7 +111,7 @@ std::string CServerPeer::PrintedWithoutError(const std::string& strScript) const
     const Reply reply = Send(strScript);
     MustHaveCome(reply);
     if (reply.error && !reply.error->strText.empty())
-        throw CBroken("the script failed: " + Quoted(reply.error->strText));
+        throw CBroken("the script failed: " + QuotedText(reply.error->strText));
     return Readable(reply.result, "'Rslt'");
 }
 
@@ -147,7 +134,7 @@ std::string CServerPeer::Line(const std::string& strBody) const
     const std::size_t nEnd = strPrinted.find_first_of("\r\n");
     if (nEnd == std::string::npos ||
         strPrinted.find_first_not_of("\r\n", nEnd) != std::string::npos)
-        throw CBroken("one line was printed, and " + Quoted(strPrinted) + " came");
+        throw CBroken("one line was printed, and " + QuotedText(strPrinted) + " came");
     strPrinted.resize(nEnd);
     if (strPrinted == szNoDocument)
         throw CNotExaminable("the server has no document open");
@@ -199,19 +186,11 @@ double Regions(const CServerPeer& peer, bool fAudioSuite, int nTrack)
     return Number(strPrinted.substr(0, strPrinted.find_first_of("\r\n")));
 }
 
-std::string Quoted(const std::string& strText, std::size_t nEnough)
-{
-    std::string strShown;
-    for (const char c : strText.substr(0, nEnough))
-        strShown += c == '\n' ? std::string("\\n") : c == '\r' ? "\\r" : std::string(1, c);
-    return "\"" + strShown + (strText.size() > nEnough ? "...\"" : "\"");
-}
-
 double Number(const std::string& strLine)
 {
     const std::optional<double> number = DecimalFrom<double>(strLine);
     if (!number)
-        throw CBroken("a number was to be printed, and " + Quoted(strLine) + " came");
+        throw CBroken("a number was to be printed, and " + QuotedText(strLine) + " came");
     return *number;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "apps/conform/Rule.h"
+#include "apps/support/ScriptExchange.h"
 
 #include <MacTypes.h>
 
@@ -27,17 +28,6 @@ struct Reply
     std::optional<ReplyText> error;
 };
 
-/// A script, and what came of it.
-struct Exchange
-{
-    std::string strScript;
-    Reply reply;
-    std::string strCarriersError; ///< in its own words; empty for none
-};
-
-/// What is to be told of it, a line each.
-std::vector<std::string> Told(const Exchange& exchange);
-
 /// Sends scripts as the link does and shows the replies as they are. One thread.
 class CServerPeer
 {
@@ -47,7 +37,7 @@ public:
 
     Reply Send(const std::string& strScript) const;
     /// The last exchange since it was forgotten; nothing when there was none.
-    const std::optional<Exchange>& Last() const { return m_last; }
+    const std::optional<ScriptExchange>& Last() const { return m_last; }
     void ForgetLast() const { m_last.reset(); }
 
     /// The next three throw CBroken when no reply comes, or one that the link cannot read.
@@ -72,7 +62,7 @@ private:
     std::string Selected(const std::string& strBody) const;
 
     SInt32 m_nTimeoutTicks;
-    mutable std::optional<Exchange> m_last;
+    mutable std::optional<ScriptExchange> m_last;
 };
 
 /// The items of a printed list: every line behind the count. Throws CBroken when the lines are not
@@ -82,9 +72,6 @@ std::vector<std::string> Items(const std::string& strPrinted);
 /// How many regions a track of either document has; none where the document cannot be selected.
 /// Throws CBroken as the above do.
 double Regions(const CServerPeer& peer, bool fAudioSuite, int nTrack);
-
-/// The text in quotes, shortened, with its line ends visible.
-std::string Quoted(const std::string& strText, std::size_t nEnough = 80);
 
 /// A number as atol and atof read it. Throws CBroken when the line is none.
 double Number(const std::string& strLine);

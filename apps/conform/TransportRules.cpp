@@ -14,7 +14,7 @@ void Expect(const std::string& strScript, const std::string& strPrinted,
             const std::string& strExpected)
 {
     if (strPrinted != strExpected)
-        throw CBroken(Quoted(strScript) + " was answered with " + Quoted(strPrinted));
+        throw CBroken(QuotedText(strScript) + " was answered with " + QuotedText(strPrinted));
 }
 
 void ExpectPrinted(const CServerPeer& peer, const std::string& strScript,
@@ -66,7 +66,8 @@ void TellsNoErrors(const ServerBench& bench)
 {
     const std::string strError = bench.peer.Error("print(1)\n");
     if (!strError.empty())
-        throw CBroken("a script that does not fail is answered with the error " + Quoted(strError));
+        throw CBroken("a script that does not fail is answered with the error " +
+                      QuotedText(strError));
 }
 
 void TakesSilence(const ServerBench& bench)

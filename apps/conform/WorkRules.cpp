@@ -31,7 +31,7 @@ void Exported(const ServerBench& bench, const char* szScript, double dLargestSta
 {
     const std::string strPath = Outcome(bench, szScript, 2, dLargestStatus)[1];
     if (!std::filesystem::exists(strPath))
-        throw CBroken("there is no file " + Quoted(strPath) + ", which the export named");
+        throw CBroken("there is no file " + QuotedText(strPath) + ", which the export named");
 }
 
 void Rendered(const ServerBench& bench, const char* szScript, double dLargestStatus)
@@ -56,7 +56,7 @@ void Renders(const ServerBench& bench)
 void MustHaveSucceeded(const CTarvaneScript& link)
 {
     if (!link.m_strLastError.empty())
-        throw CBroken("the command failed: " + Quoted(link.m_strLastError));
+        throw CBroken("the command failed: " + QuotedText(link.m_strLastError));
 }
 
 void MakesProcesses(const ServerBench& bench)

@@ -37,11 +37,13 @@ Finding Judge(const CExaminer& examiner, const std::string& strFolder, CProbeSou
     if (!present.Answered())
         return NoReplyFinding(szCheck, present);
     if (present.outcome == Outcome::ServerError)
-        return {szCheck, Verdict::Problem,
-                "the server cannot read a sound file in " + strFolder + ": " + present.strMessage,
-                "Let the server's user read that folder, or have captures written to another one; "
-                "on two machines it must have one path on both.",
-                Outcome::ServerError};
+        return Seen(
+            {szCheck, Verdict::Problem,
+             "the server cannot read a sound file in " + strFolder + ": " + present.strMessage,
+             "Let the server's user read that folder, or have captures written to another one; "
+             "on two machines it must have one path on both.",
+             Outcome::ServerError},
+            present);
 
     sound.Remove();
     const auto absent = examiner.AskDuplicate(sound.Path(), CProbeSound::kFrames);

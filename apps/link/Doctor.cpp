@@ -41,8 +41,8 @@ Findings Examine(const Options& options)
 {
     Findings findings{CheckBus(options)};
     const CExaminer examiner(options);
-    for (const auto& check : {CheckServer, CheckSilence, CheckErrors, CheckSpeed, CheckFunctions,
-                              CheckDocument, CheckCaptureFolder, CheckRates})
+    for (const auto& check : {CheckServer, CheckVersion, CheckSilence, CheckErrors, CheckSpeed,
+                              CheckFunctions, CheckDocument, CheckCaptureFolder, CheckRates})
     {
         if (!MayGoOn(findings.back()))
             break;

@@ -3,6 +3,8 @@
 
 #include <MacTypes.h>
 
+#include <string>
+
 namespace Tarvane::Link
 {
 
@@ -21,5 +23,9 @@ struct BusState
 // Looks at the bus without sending an event. Blocks for the timeout at most, in ticks of 1/60
 // second; -1 is the platform's default.
 BusState LookAtEventBus(SInt32 nTimeoutTicks);
+
+// The error that the last event of this thread was answered with, in the words of what carries
+// events; empty for none.
+std::string CarriersError();
 
 } // namespace Tarvane::Link

@@ -1,9 +1,9 @@
 #include "apps/link/Examiner.h"
 
+#include "apps/link/EventBus.h"
+
 #include "TarvaneLinkShared/CommandResult.h"
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
-#include "apps/support/EventStatus.h"
-#include "utils/FileIO/FileName.h"
 
 #include <Carbon/Carbon.h>
 
@@ -20,6 +20,11 @@ CExaminer::Reply CExaminer::Ask(const std::string& strScript) const
     reply.outcome = OutcomeOf(link);
     reply.strPrinted = result.Text() != nullptr ? result.Text() : "";
     reply.strMessage = link.m_strLastError;
+    reply.exchange = {strScript, reply.nStatus, {}, {}, CarriersError()};
+    if (result.Text() != nullptr)
+        reply.exchange.result = reply.strPrinted;
+    if (reply.outcome == Outcome::ServerError)
+        reply.exchange.error = reply.strMessage;
     return reply;
 }
 
@@ -37,21 +42,19 @@ CExaminer::Reply CExaminer::AskType(const std::string& strFunction) const
 
 CExaminer::Reply CExaminer::AskDuplicate(const std::string& strPath, int nFrames) const
 {
-    CTarvaneScript link;
-    CFileName file(strPath.c_str());
-    Reply reply;
-    reply.asked = {"CheckForDuplicateRegion()", std::chrono::steady_clock::now()};
-    const bool fDuplicate =
-        link.CheckDuplicateRegion(m_options.fAudioSuite, 0, &file, 0.0, 0.0, nFrames);
-    reply.strMessage = link.m_strLastError;
-    // The words about a duplicate are an answer, and no error.
-    reply.outcome = fDuplicate ? Outcome::Done : OutcomeOf(link);
-    return reply;
+    return AskDocument("CheckForDuplicateRegion(GetTrackID(0), \"" + strPath + "\",0,0," +
+                       std::to_string(nFrames) + ")");
+}
+
+Finding Seen(Finding finding, const CExaminer::Reply& reply)
+{
+    finding.told = Told(reply.exchange);
+    return finding;
 }
 
 Finding NoReplyFinding(const std::string& strCheck, const CExaminer::Reply& reply)
 {
-    Finding finding{strCheck, Verdict::Problem, "", "", reply.outcome};
+    Finding finding = Seen({strCheck, Verdict::Problem, "", "", reply.outcome}, reply);
     if (reply.nStatus == errAEEventNotPermitted)
     {
         finding.strText = "events to the server are forbidden: " + reply.strMessage;
@@ -73,10 +76,8 @@ Finding NoReplyFinding(const std::string& strCheck, const CExaminer::Reply& repl
         break;
     default:
         finding.strText = "the server did not give an answer that can be read: " + reply.strMessage;
-        finding.strAdvice = LikelyCause(reply.nStatus);
-        finding.strAdvice += finding.strAdvice.empty() ? "" : " ";
-        finding.strAdvice += "Run it again with --trace to see what came; a server answers class "
-                             "'TKNE', id 'LCmd', with 'Rslt' as 'utxt' in every reply.";
+        finding.strAdvice = "A server answers class 'TKNE', id 'LCmd', with 'Rslt' as 'utxt' in "
+                            "every reply.";
         break;
     }
     return finding;

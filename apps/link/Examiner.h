@@ -3,6 +3,7 @@
 
 #include "apps/link/Findings.h"
 #include "apps/link/Options.h"
+#include "apps/support/ScriptExchange.h"
 #include "apps/support/recording/CommandWatch.h"
 
 #include <string>
@@ -22,6 +23,7 @@ public:
         std::string strMessage;  // the first message line
         int nStatus = 0;         // of the event
         CommandUnderWay asked{}; // and since when
+        ScriptExchange exchange{};
 
         // Printed is exactly this line.
         bool Is(const std::string& strLine) const
@@ -50,6 +52,9 @@ public:
 private:
     const Options& m_options;
 };
+
+// The finding, with what was exchanged to come to it.
+Finding Seen(Finding finding, const CExaminer::Reply& reply);
 
 // The problem that ends an examination: the server has not answered.
 Finding NoReplyFinding(const std::string& strCheck, const CExaminer::Reply& reply);

@@ -11,6 +11,9 @@ namespace
 constexpr std::size_t kVerdictWidth = 9;
 constexpr std::size_t kCheckWidth = 16;
 
+constexpr char szTraceHint[] =
+    "TARVANE_AE_TRACE=1 in the environment, or --trace, shows every event and reply.\n";
+
 std::string Padded(std::string strText, std::size_t nWidth)
 {
     strText.resize(std::max(strText.size() + 1, nWidth), ' ');
@@ -50,16 +53,20 @@ const char* NameOf(Verdict verdict)
 
 std::string FindingsText(const Findings& findings)
 {
+    const std::string strBelow(kVerdictWidth + kCheckWidth, ' ');
     std::string strText;
+    bool fTold = false;
     for (const Finding& finding : findings)
     {
         strText += Padded(NameOf(finding.verdict), kVerdictWidth) +
                    Padded(finding.strCheck, kCheckWidth) + Indented(finding.strText) + "\n";
         if (!finding.strAdvice.empty())
-            strText += std::string(kVerdictWidth + kCheckWidth, ' ') + "-> " +
-                       Indented(finding.strAdvice) + "\n";
+            strText += strBelow + "-> " + Indented(finding.strAdvice) + "\n";
+        for (const std::string& strLine : finding.told)
+            strText += strBelow + Indented(strLine) + "\n";
+        fTold |= !finding.told.empty();
     }
-    return strText;
+    return fTold ? strText + szTraceHint : strText;
 }
 
 nlohmann::ordered_json FindingsJson(const Findings& findings)
@@ -69,7 +76,8 @@ nlohmann::ordered_json FindingsJson(const Findings& findings)
         array.push_back({{"check", finding.strCheck},
                          {"verdict", NameOf(finding.verdict)},
                          {"text", finding.strText},
-                         {"advice", finding.strAdvice}});
+                         {"advice", finding.strAdvice},
+                         {"told", finding.told}});
     return array;
 }
 

@@ -27,6 +27,7 @@ struct Finding
     std::string strAdvice{}; // what to do; empty when there is nothing
     // Of a problem: what the exit code is to say.
     Outcome outcome = Outcome::Done;
+    std::vector<std::string> told{}; // the exchange that showed it, a line each
 };
 
 using Findings = std::vector<Finding>;
@@ -34,7 +35,8 @@ using Findings = std::vector<Finding>;
 // "ok", "unknown", "warning", "problem".
 const char* NameOf(Verdict verdict);
 
-// A line each, with what to do below it.
+// A line each, with what to do and what was exchanged below it; at the end, where something was
+// exchanged that is told, how to see more.
 std::string FindingsText(const Findings& findings);
 nlohmann::ordered_json FindingsJson(const Findings& findings);
 

@@ -10,6 +10,7 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <utility>
 
 namespace Tarvane::Link
 {
@@ -41,13 +42,7 @@ std::string Printed(const CExaminer::Reply& reply)
     constexpr std::size_t kEnough = 60;
     if (reply.outcome == Outcome::ServerError)
         return "the error \"" + reply.strMessage + "\"";
-    std::size_t nShown = std::min(kEnough, reply.strPrinted.size());
-    // Not in the middle of a UTF-8 character.
-    while (nShown > 0 && (reply.strPrinted[nShown] & 0xC0) == 0x80)
-        nShown--;
-    std::string strText = reply.strPrinted.substr(0, nShown);
-    std::replace(strText.begin(), strText.end(), '\n', '|');
-    return "\"" + strText + (reply.strPrinted.size() > nShown ? "...\"" : "\"");
+    return QuotedText(reply.strPrinted, kEnough);
 }
 
 } // namespace
@@ -59,28 +54,48 @@ Finding CheckServer(const CExaminer& examiner)
         return NoReplyFinding("server", reply);
     if (reply.Is(szSample))
         return {"server", Verdict::Good, "a server answers, and text comes back as it went"};
-    return {"server", Verdict::Problem,
-            "asked to print \"" + std::string(szSample) + "\", the server answered " +
-                Printed(reply),
-            "A server runs the script as Lua and answers with a line for each print, ended by a "
-            "line feed, in UTF-16 of this machine's byte order.",
-            Outcome::ServerError};
+    return Seen(
+        {"server", Verdict::Problem,
+         "asked to print \"" + std::string(szSample) + "\", the server answered " + Printed(reply),
+         "A server runs the script as Lua and answers with a line for each print, ended by "
+         "a line feed, in UTF-16 of this machine's byte order.",
+         Outcome::ServerError},
+        reply);
+}
+
+Finding CheckVersion(const CExaminer& examiner)
+{
+    const auto reply = examiner.Ask(szVersionScript);
+    if (!reply.Answered())
+        return NoReplyFinding("version", reply);
+    if (reply.outcome == Outcome::ServerError)
+        return Seen({"version", Verdict::Warning, "the server does not tell its version",
+                     "GetLinkVersion answers with the version as a text; a server without one "
+                     "leaves the function out."},
+                    reply);
+    const std::string strLine = reply.strPrinted.substr(0, reply.strPrinted.find_first_of("\r\n"));
+    if (strLine.empty())
+        return {"version", Verdict::Good, "the server has no version to tell, and need not"};
+    return {"version", Verdict::Good, "the server's version is " + QuotedText(strLine)};
 }
 
 Finding CheckSilence(const CExaminer& examiner)
 {
     const auto reply = examiner.Ask("local nothing\n");
     if (reply.nStatus == errAEDescNotFound)
-        return {"silence", Verdict::Warning,
-                "a script that prints nothing is answered without 'Rslt', which reads as a failure",
-                "Put 'Rslt' into every reply, empty when nothing was printed."};
+        return Seen(
+            {"silence", Verdict::Warning,
+             "a script that prints nothing is answered without 'Rslt', which reads as a failure",
+             "Put 'Rslt' into every reply, empty when nothing was printed."},
+            reply);
     if (!reply.Answered())
         return NoReplyFinding("silence", reply);
     if (reply.outcome == Outcome::Done && reply.strPrinted.empty())
         return {"silence", Verdict::Good, "a script that prints nothing has an empty result"};
-    return {"silence", Verdict::Warning,
-            "a script that prints nothing is answered with " + Printed(reply),
-            "Put into 'Rslt' what the script printed, and nothing else."};
+    return Seen({"silence", Verdict::Warning,
+                 "a script that prints nothing is answered with " + Printed(reply),
+                 "Put into 'Rslt' what the script printed, and nothing else."},
+                reply);
 }
 
 Finding CheckErrors(const CExaminer& examiner)
@@ -90,10 +105,11 @@ Finding CheckErrors(const CExaminer& examiner)
         return NoReplyFinding("errors", reply);
     if (reply.outcome == Outcome::ServerError)
         return {"errors", Verdict::Good, "errors of scripts are reported"};
-    return {"errors", Verdict::Warning,
-            "a script that fails is answered without an error, so that a capture that went wrong "
-            "looks delivered",
-            "Put the text of a script's error into 'Errr', beside 'Rslt'."};
+    return Seen({"errors", Verdict::Warning,
+                 "a script that fails is answered without an error, so that a capture that went "
+                 "wrong looks delivered",
+                 "Put the text of a script's error into 'Errr', beside 'Rslt'."},
+                reply);
 }
 
 Finding CheckSpeed(const CExaminer& examiner)
@@ -126,6 +142,7 @@ Finding CheckFunctions(const CExaminer& examiner)
     int nMissing = 0;
     std::string strMissing;
     bool fCapturesFail = false;
+    CExaminer::Reply missing; // the last
     for (const ContractFunction& function : ContractFunctions())
     {
         const auto reply = examiner.AskType(function.szName);
@@ -133,6 +150,7 @@ Finding CheckFunctions(const CExaminer& examiner)
             return NoReplyFinding("functions", reply);
         if (reply.Is("function"))
             continue;
+        missing = reply;
         nMissing++;
         strMissing += "\n" + std::string(function.szName) + ": " + function.szNeededBy;
         fCapturesFail |= function.fForCaptures;
@@ -140,10 +158,11 @@ Finding CheckFunctions(const CExaminer& examiner)
     const std::string strAll = std::to_string(ContractFunctions().size());
     if (nMissing == 0)
         return {"functions", Verdict::Good, "the server has all " + strAll + " functions"};
-    return {"functions", fCapturesFail ? Verdict::Problem : Verdict::Warning,
-            "the server lacks " + std::to_string(nMissing) + " of " + strAll + " functions",
-            "Take a newer server, or do without what needs them:" + strMissing,
-            fCapturesFail ? Outcome::ServerError : Outcome::Done};
+    return Seen({"functions", fCapturesFail ? Verdict::Problem : Verdict::Warning,
+                 "the server lacks " + std::to_string(nMissing) + " of " + strAll + " functions",
+                 "Take a newer server, or do without what needs them:" + strMissing,
+                 fCapturesFail ? Outcome::ServerError : Outcome::Done},
+                missing);
 }
 
 Finding CheckDocument(const CExaminer& examiner)
@@ -151,21 +170,23 @@ Finding CheckDocument(const CExaminer& examiner)
     const auto reply = examiner.AskDocument("GetTrackCount()");
     if (!reply.Answered())
         return NoReplyFinding("document", reply);
+    const auto problem = [&reply](std::string strText, std::string strAdvice)
+    {
+        return Seen({"document", Verdict::Problem, std::move(strText), std::move(strAdvice),
+                     Outcome::ServerError},
+                    reply);
+    };
     if (reply.outcome == Outcome::ServerError)
-        return {"document", Verdict::Problem, "the tracks cannot be counted: " + reply.strMessage,
-                "Make the document-select and track functions of the server work.",
-                Outcome::ServerError};
+        return problem("the tracks cannot be counted: " + reply.strMessage,
+                       "Make the document-select and track functions of the server work.");
     if (reply.strPrinted.empty())
-        return {"document", Verdict::Problem, "the server has no document to work on",
-                "Open a session in the server.", Outcome::ServerError};
+        return problem("the server has no document to work on", "Open a session in the server.");
     if (reply.Is("0"))
-        return {"document", Verdict::Problem, "the document has no tracks",
-                "Make a track in the server.", Outcome::ServerError};
+        return problem("the document has no tracks", "Make a track in the server.");
     const long nTracks = LongFromText(reply.strPrinted.c_str());
     if (nTracks <= 0)
-        return {"document", Verdict::Problem,
-                "asked for the count of tracks, the server answered " + Printed(reply),
-                "GetTrackCount gives a whole number, 0 or more.", Outcome::ServerError};
+        return problem("asked for the count of tracks, the server answered " + Printed(reply),
+                       "GetTrackCount gives a whole number, 0 or more.");
     return {"document", Verdict::Good,
             "the document's count of tracks is " + std::to_string(nTracks)};
 }

@@ -9,6 +9,8 @@ namespace Tarvane::Link
 
 // Is it there, and does text come back as it went?
 Finding CheckServer(const CExaminer& examiner);
+// Which version does it say that it is?
+Finding CheckVersion(const CExaminer& examiner);
 // What does it answer when nothing is printed?
 Finding CheckSilence(const CExaminer& examiner);
 // Does it report the errors of scripts?

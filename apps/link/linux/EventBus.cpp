@@ -22,4 +22,9 @@ BusState LookAtEventBus(SInt32 nTimeoutTicks)
     }
 }
 
+std::string CarriersError()
+{
+    return TarvaneLastEventError();
+}
+
 } // namespace Tarvane::Link

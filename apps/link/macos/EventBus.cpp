@@ -8,4 +8,9 @@ BusState LookAtEventBus(SInt32)
     return {BusState::Works, "Apple events are part of the system", ""};
 }
 
+std::string CarriersError()
+{
+    return "";
+}
+
 } // namespace Tarvane::Link

@@ -32,6 +32,7 @@ protected:
     Ran Examine(std::vector<std::string> options = {})
     {
         Answer("print(\"V", std::string(szSample) + "\n");
+        Answer("GetLinkVersion()", "1.2.3\n");
         Answer("local nothing", "");
         AnswerError("error(", "[string \"script\"]:1: asked for by tarvane-link");
         Answer("print(1)", "1\n");
@@ -50,7 +51,7 @@ protected:
         m_events.m_whileSending = [this, byRules]
         {
             const std::string strScript = m_events.Scripts().back();
-            const std::string strBefore = "CheckForDuplicateRegion(idTrack, \"";
+            const std::string strBefore = "CheckForDuplicateRegion(GetTrackID(0), \"";
             const std::size_t nCall = strScript.find(strBefore);
             const std::size_t nEnd = strScript.find("\",0,0,100)");
             if (nCall == std::string::npos || nEnd == std::string::npos)
@@ -83,6 +84,11 @@ protected:
         EXPECT_THAT(finding["text"].get<std::string>(), HasSubstr(strPart));
         EXPECT_TRUE(strVerdict == "ok" || strVerdict == "unknown" || finding["advice"] != "")
             << finding;
+    }
+
+    static std::vector<std::string> Told(const Ran& ran, const std::string& strCheck)
+    {
+        return Find(ran, strCheck)["told"];
     }
 
     static std::vector<std::string> Checks(const Ran& ran)
@@ -152,10 +158,14 @@ TEST_F(DoctorTest, AGoodServerIsFound)
     const Ran ran = Examine({"--capture-folder", m_folder.Path().string(), "--rate", "48000"});
     EXPECT_EQ(ran.nExitCode, 0);
     EXPECT_EQ(ran.Json()["outcome"], "done");
-    EXPECT_THAT(Checks(ran), ElementsAre("bus", "server", "silence", "errors", "speed", "functions",
-                                         "document", "capture-folder", "rates", "takes"));
+    EXPECT_THAT(Checks(ran),
+                ElementsAre("bus", "server", "version", "silence", "errors", "speed", "functions",
+                            "document", "capture-folder", "rates", "takes"));
     for (const auto& finding : ran.Findings())
+    {
         EXPECT_EQ(finding["verdict"], "ok") << finding;
+        EXPECT_THAT(finding["told"], IsEmpty()) << finding;
+    }
 }
 
 TEST_F(DoctorTest, NothingIsChangedInTheServer)
@@ -163,8 +173,8 @@ TEST_F(DoctorTest, NothingIsChangedInTheServer)
     ReadFiles();
     Examine({"--capture-folder", m_folder.Path().string()});
     const std::set<std::string> harmless{
-        "SelectScriptDocument", "GetTrackCount", "GetTrackID", "CheckForDuplicateRegion",
-        "GetSampleRate",        "type",          "error"};
+        "SelectScriptDocument", "GetTrackCount",  "GetTrackID", "CheckForDuplicateRegion",
+        "GetSampleRate",        "GetLinkVersion", "type",       "error"};
     for (const std::string& strName : CalledIn(m_events.Scripts()))
         EXPECT_TRUE(harmless.count(strName)) << strName;
 }
@@ -174,12 +184,92 @@ TEST_F(DoctorTest, FindingsReadAsLines)
     AnswerStatus("", -600);
     const Ran ran = RunLink({"doctor"});
     EXPECT_EQ(ran.nExitCode, 3);
-    EXPECT_EQ(ran.strOutput,
-              "ok       bus             the bus works\n"
-              "problem  server          no server receives events on this bus\n"
-              "                         -> Start the server, in this session; tarvane-server is "
-              "one.\n"
-              "ok       takes           no take waits that no running host would send\n");
+    EXPECT_EQ(
+        ran.strOutput,
+        "ok       bus             the bus works\n"
+        "problem  server          no server receives events on this bus\n"
+        "                         -> Start the server, in this session; tarvane-server is "
+        "one.\n"
+        "                         Sent: \"print(\"V\xC3\xB6x \xE5\xA3\xB0 "
+        "\xF0\x9F\x8E\x99\")\\n\"\n"
+        "                         Came back: status -600. Nobody receives events under the "
+        "server's name: it is not running, is on another bus, or has asked for another name.\n"
+        "ok       takes           no take waits that no running host would send\n"
+        "TARVANE_AE_TRACE=1 in the environment, or --trace, shows every event and reply.\n");
+}
+
+TEST_F(DoctorTest, WhereNothingFailsNoExchangeIsTold)
+{
+    Examine();
+    const Ran ran = RunLink({"doctor"});
+    EXPECT_EQ(ran.nExitCode, 0);
+    EXPECT_THAT(ran.strOutput, Not(HasSubstr("Sent: ")));
+    EXPECT_THAT(ran.strOutput, Not(HasSubstr("TARVANE_AE_TRACE")));
+}
+
+TEST_F(DoctorTest, TheServersVersionIsTold)
+{
+    ExpectFinding(Examine(), "version", "ok", "the server's version is \"1.2.3\"");
+}
+
+TEST_F(DoctorTest, AVersionIsAskedForOnlyWhereTheServerHasTheFunction)
+{
+    Answer("if type(GetLinkVersion) == 'function' then\nprint(GetLinkVersion())\nend\n", "");
+    const Ran ran = Examine();
+    EXPECT_EQ(ran.nExitCode, 0);
+    ExpectFinding(ran, "version", "ok", "no version to tell");
+}
+
+TEST_F(DoctorTest, AVersionThatFailsIsAWarning)
+{
+    AnswerError("GetLinkVersion()", "not today");
+    const Ran ran = Examine();
+    EXPECT_EQ(ran.nExitCode, 0);
+    ExpectFinding(ran, "version", "warning", "does not tell its version");
+    EXPECT_THAT(Told(ran, "version"),
+                ElementsAre(testing::StartsWith("Sent: \"if type(GetLinkVersion)"),
+                            "Came back: 'Rslt' \"\", 'Errr' \"not today\""));
+}
+
+TEST_F(DoctorTest, AStatusIsToldWithItsLikelyCauseAndTheCarriersWords)
+{
+    strCarriersError = "org.example.Refused: not you";
+    for (const auto& [nStatus, strCause] :
+         {std::pair<OSErr, std::string>(-10000, "an exception that it did not catch"),
+          {-1708, "another object path, interface or method"},
+          {-1702, "another signature than the event's"}})
+    {
+        Rule("print(\"V", {nStatus, std::nullopt, std::nullopt});
+        const Ran ran = RunLink({"doctor", "--json"});
+        EXPECT_EQ(ran.nExitCode, 5);
+        EXPECT_THAT(Told(ran, "server"),
+                    ElementsAre("Sent: \"print(\"" + std::string(szSample) + "\")\\n\"",
+                                testing::AllOf(HasSubstr("status " + std::to_string(nStatus)),
+                                               HasSubstr(strCause)),
+                                "The bus says: org.example.Refused: not you"));
+        ForgetRules();
+    }
+}
+
+TEST_F(DoctorTest, WhatWasExchangedIsToldOfEachFindingThatFails)
+{
+    Answer("print(\"V", "V?x\n");
+    Answer("local nothing", "ok\n");
+    Answer("error(", "");
+    Answer("print(type(GetRegionID))", "nil\n");
+    Answer("GetTrackCount() > 0", "true\n");
+    Answer("print(GetTrackCount())", "0\n");
+    AnswerError("CheckForDuplicateRegion(", "no right");
+    const Ran ran = Examine({"--capture-folder", m_folder.Path().string()});
+    for (const auto& [strCheck, strSent, strBack] :
+         {std::tuple("server", "print(\"V", "'Rslt' \"V?x\\n\", 'Errr' none"),
+          {"silence", "local nothing", "'Rslt' \"ok\\n\""},
+          {"errors", "error(", "'Rslt' \"\", 'Errr' none"},
+          {"functions", "print(type(GetRegionID))", "'Rslt' \"nil\\n\""},
+          {"document", "print(GetTrackCount())", "'Rslt' \"0\\n\""},
+          {"capture-folder", "CheckForDuplicateRegion(GetTrackID(0), \"", "'Errr' \"no right\""}})
+        EXPECT_THAT(Told(ran, strCheck), ElementsAre(HasSubstr(strSent), HasSubstr(strBack)))
+            << strCheck;
 }
 
 TEST_F(DoctorTest, NoBusIsToldFromNoServer)
@@ -213,8 +303,8 @@ TEST_F(DoctorTest, AServerThatGoesAwayEndsTheExamination)
     const Ran ran = Examine();
     EXPECT_EQ(ran.nExitCode, 5);
     ExpectFinding(ran, "functions", "problem", "AEError ID:-609");
-    EXPECT_THAT(Checks(ran),
-                ElementsAre("bus", "server", "silence", "errors", "speed", "functions", "takes"));
+    EXPECT_THAT(Checks(ran), ElementsAre("bus", "server", "version", "silence", "errors", "speed",
+                                         "functions", "takes"));
 }
 
 TEST_F(DoctorTest, EventsThatTheSystemForbidsAreToldWithTheRemedy)
@@ -243,14 +333,14 @@ TEST_F(DoctorTest, ACountOfTracksThatIsNoNumberIsAProblem)
     Answer("GetTrackCount()", "many\n");
     const Ran ran = Examine();
     EXPECT_EQ(ran.nExitCode, 1);
-    ExpectFinding(ran, "document", "problem", "answered \"many|\"");
+    ExpectFinding(ran, "document", "problem", "answered \"many\\n\"");
 }
 
 TEST_F(DoctorTest, ANegativeCountOfTracksIsAProblem)
 {
     Answer("GetTrackCount() > 0", "true\n");
     Answer("GetTrackCount()", "-1\n");
-    ExpectFinding(Examine(), "document", "problem", "answered \"-1|\"");
+    ExpectFinding(Examine(), "document", "problem", "answered \"-1\\n\"");
 }
 
 TEST_F(DoctorTest, TextThatComesBackOtherwiseIsAProblem)
@@ -258,7 +348,7 @@ TEST_F(DoctorTest, TextThatComesBackOtherwiseIsAProblem)
     Answer("print(\"V", "V?x\n");
     const Ran ran = Examine();
     EXPECT_EQ(ran.nExitCode, 1);
-    ExpectFinding(ran, "server", "problem", "\"V?x|\"");
+    ExpectFinding(ran, "server", "problem", "\"V?x\\n\"");
 }
 
 TEST_F(DoctorTest, APrintWithoutALineEndIsAProblem)
@@ -279,7 +369,7 @@ TEST_F(DoctorTest, SilenceWithoutAResultIsAWarning)
 TEST_F(DoctorTest, SilenceThatIsFilledIsAWarning)
 {
     Answer("local nothing", "ok\n");
-    ExpectFinding(Examine(), "silence", "warning", "\"ok|\"");
+    ExpectFinding(Examine(), "silence", "warning", "\"ok\\n\"");
 }
 
 TEST_F(DoctorTest, ErrorsThatAreKeptAreAWarning)

@@ -16,12 +16,18 @@ namespace TarvaneTest
 {
 
 Tarvane::Link::BusState busState = kWorkingBus;
+std::string strCarriersError;
 
 } // namespace TarvaneTest
 
 Tarvane::Link::BusState Tarvane::Link::LookAtEventBus(SInt32)
 {
     return TarvaneTest::busState;
+}
+
+std::string Tarvane::Link::CarriersError()
+{
+    return TarvaneTest::strCarriersError;
 }
 
 // As on a system that shows its events to nobody.
@@ -50,6 +56,7 @@ Ran RunLink(const std::vector<std::string>& arguments)
 LinkTest::LinkTest()
 {
     busState = kWorkingBus;
+    strCarriersError.clear();
     m_events.m_whileSending = [this]
     {
         const std::string strScript = m_events.Scripts().back();

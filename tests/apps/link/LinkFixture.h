@@ -16,6 +16,8 @@ namespace TarvaneTest
 
 // What LookAtEventBus answers.
 extern Tarvane::Link::BusState busState;
+// What CarriersError answers.
+extern std::string strCarriersError;
 
 struct Ran
 {
@@ -43,6 +45,7 @@ protected:
     {
         m_rules.emplace_back(std::move(strPart), std::move(reply));
     }
+    void ForgetRules() { m_rules.clear(); }
     void Answer(std::string strPart, std::string_view printed);
     void AnswerError(std::string strPart, std::string_view error);
     void AnswerStatus(std::string strPart, OSErr status);

@@ -53,6 +53,18 @@ TEST_F(ProgramFailureTest, AbsentServer)
     }
 }
 
+TEST_F(ProgramFailureTest, DoctorTellsTheBussOwnWordsAndTheLikelyCause)
+{
+    const std::string strText = RunLink({"doctor"}).strOutput;
+    EXPECT_THAT(strText, HasSubstr(" Came back: status -600. Nobody receives events"));
+    EXPECT_THAT(strText, HasSubstr(" The bus says: org.freedesktop.DBus.Error.NameHasNoOwner: "));
+    EXPECT_THAT(strText, EndsWith("TARVANE_AE_TRACE=1 in the environment, or --trace, shows every "
+                                  "event and reply.\n"));
+    const Child server = StartScripted({"=>status:-10000"});
+    EXPECT_THAT(RunLink({"doctor"}).strOutput,
+                HasSubstr(" Came back: status -10000. The server's handler failed: "));
+}
+
 TEST_F(ProgramFailureTest, AbsentBus)
 {
     m_bus.Kill();
