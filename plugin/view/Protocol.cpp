@@ -46,9 +46,9 @@ std::vector<std::uint8_t> EncodeFrame(const CFrame& frame)
         static_cast<std::uint32_t>(frame.kind),    frame.nId,   frame.nElement,
         static_cast<std::uint32_t>(frame.nStatus), frame.nSize, frame.nSerial};
     static_assert(sizeof header == kFrameHeaderSize);
-    std::vector<std::uint8_t> packet(sizeof header);
+    std::vector<std::uint8_t> packet(sizeof header + frame.data.size());
     std::memcpy(packet.data(), header, sizeof header);
-    packet.insert(packet.end(), frame.data.begin(), frame.data.end());
+    std::copy(frame.data.begin(), frame.data.end(), packet.begin() + sizeof header);
     return packet;
 }
 
