@@ -1,11 +1,10 @@
 // Inputs that mean harm, through every door of the server, each with what is to come of it. The
 // server must answer each in time, tell no failed change as done, keep its session, and serve the
-// next client. What came is written down as a table, in the file that TARVANE_HOSTILE_TABLE names.
+// next client.
 #include "tests/apps/server/ServerFixture.h"
+#include "tests/hostile/HostileTable.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <fstream>
 
 namespace TarvaneTest
 {
@@ -269,32 +268,10 @@ std::vector<Input> AllScripts(const std::string& strTake)
     return inputs;
 }
 
-// One line of Markdown.
-std::string Shown(const std::string& strText)
-{
-    std::string strShown;
-    for (const char c : strText.substr(0, 60))
-        strShown += c == '|' || c == '`' || static_cast<unsigned char>(c) < 0x20 ? '.' : c;
-    return strShown + (strText.size() > 60 ? "..." : "");
-}
-
 class Hostile : public ServerFixture
 {
 protected:
-    Hostile()
-    {
-        if (const char* szFile = std::getenv("TARVANE_HOSTILE_TABLE"))
-            m_table.open(szFile, std::ios::app);
-    }
-
-    void Note(const std::string& strInput, const char* szExpected, const std::string& strSeen)
-    {
-        if (m_table.is_open())
-            m_table << "| `" << Shown(strInput) << "` | " << szExpected << " | " << Shown(strSeen)
-                    << " |\n";
-    }
-
-    std::ofstream m_table;
+    CHostileTable m_table;
 };
 
 TEST_F(Hostile, ScriptsAreAnsweredAndChangeNothing)
@@ -306,8 +283,9 @@ TEST_F(Hostile, ScriptsAreAnsweredAndChangeNothing)
     {
         const CScriptAnswer answer = SendScript(input.strScript);
         const Fate fate = FateOf(answer);
-        Note(input.strScript, NameOf(input.fate),
-             NameOf(fate) + std::string(": ") + answer.error.value_or(answer.result.value_or("")));
+        m_table.Note(input.strScript, NameOf(input.fate),
+                     NameOf(fate) + std::string(": ") +
+                         answer.error.value_or(answer.result.value_or("")));
         if (input.fate == Fate::Survived)
             EXPECT_NE(fate, Fate::NotRun) << Shown(input.strScript);
         else
@@ -335,8 +313,8 @@ TEST_F(Hostile, EventsThatAreNoScriptsAreRefused)
         for (const std::size_t nBytes : {0u, 1u, 7u, 4096u, 1u << 20})
         {
             const CScriptAnswer answer = SendBytes(nType, std::string(nBytes, '\xd8'));
-            Note(std::to_string(nBytes) + " bytes of type " + std::to_string(nType), "not run",
-                 std::to_string(answer.nStatus));
+            m_table.Note(std::to_string(nBytes) + " bytes of type " + std::to_string(nType),
+                         "not run", std::to_string(answer.nStatus));
             EXPECT_NE(answer.nStatus, noErr) << nType << ' ' << nBytes;
         }
     for (const std::size_t nBytes : {1u, 3u, 4095u, (1u << 20) + 1})

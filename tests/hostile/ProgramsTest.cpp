@@ -1,7 +1,7 @@
 // Every program where something is missing, full, foreign or closed: it ends in time, by no signal,
-// with an exit code and words of its own. What came is written down as a table, in the file that
-// TARVANE_HOSTILE_TABLE names.
+// with an exit code and words of its own.
 #include "tests/apps/server/ServerFixture.h"
+#include "tests/hostile/HostileTable.h"
 #include "tests/support/DecimalComma.h"
 #include "tests/utils/Bytes.h"
 #include "tests/utils/ParameterHelpers.h"
@@ -59,8 +59,6 @@ protected:
         std::ofstream(File("good.session"), std::ios::binary) << SaveSession(root);
         std::ofstream(File("link.jsonl"))
             << R"({"format":"tarvane-recording","version":1,"started":"x","program":"y"})" << '\n';
-        if (const char* szFile = std::getenv("TARVANE_HOSTILE_TABLE"))
-            m_table.open(szFile, std::ios::app);
     }
 
     std::string File(const std::string& strName) const { return m_folder / strName; }
@@ -144,10 +142,9 @@ protected:
         const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
         const std::string strWhat = program.strName + ", " + surroundings.strName;
         const std::string strWords = child.ErrorOutput();
-        if (m_table.is_open())
-            m_table << "| " << program.strName << " | " << surroundings.strName << " | "
-                    << testing::PrintToString(codes) << " | " << nCode.value_or(-1) << " after "
-                    << time.count() << " s |\n";
+        m_table.Note(strWhat, testing::PrintToString(codes),
+                     std::to_string(nCode.value_or(-1)) + " after " + std::to_string(time.count()) +
+                         " s");
         ASSERT_TRUE(nCode.has_value()) << strWhat << " hangs\n" << strWords;
         EXPECT_THAT(codes, testing::Contains(*nCode)) << strWhat << "\n" << strWords;
         // Whoever fails says so; a host tells its story instead.
@@ -159,7 +156,7 @@ protected:
     }
 
     std::string m_strLocales; // made by the build
-    std::ofstream m_table;
+    CHostileTable m_table;
 };
 
 TEST_F(HostilePrograms, EndInTimeWithACodeAndWords)
