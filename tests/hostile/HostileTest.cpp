@@ -5,6 +5,8 @@
 #include "tests/hostile/HostileTable.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 
 namespace TarvaneTest
 {
@@ -295,6 +297,81 @@ TEST_F(Hostile, ScriptsAreAnsweredAndChangeNothing)
     }
     EXPECT_EQ(SendScript("print(GetUpdateCount())").result, "0\n");
     EXPECT_TRUE(server->IsRunning());
+}
+
+// What stands where a sound file of 100 samples should: a header that lies in one place, or a file
+// that ends too soon.
+struct LyingSound
+{
+    std::string strWhat;
+    std::string strBytes;
+    bool fCut;
+};
+
+std::vector<LyingSound> LyingSounds(const std::filesystem::path& folder)
+{
+    std::vector<LyingSound> all;
+    for (const auto& [strKind, nFormat] :
+         {std::pair<std::string, int>("WAV", SF_FORMAT_WAV | SF_FORMAT_PCM_24),
+          {"RF64", SF_FORMAT_RF64 | SF_FORMAT_FLOAT},
+          {"AIFF", SF_FORMAT_AIFF | SF_FORMAT_PCM_16},
+          {"FLAC", SF_FORMAT_FLAC | SF_FORMAT_PCM_16}})
+    {
+        std::ifstream file(MakeSound(folder / "true", Noise(100), 1, 48000, nFormat),
+                           std::ios::binary);
+        const std::string strTrue(std::istreambuf_iterator<char>(file), {});
+        for (std::size_t nAt = 0; nAt < 64; nAt += 4)
+            for (const char cFilling : {'\0', '\xff'})
+                all.push_back({strKind + " with " + std::to_string(int(cFilling)) + " at " +
+                                   std::to_string(nAt),
+                               std::string(strTrue).replace(nAt, 4, 4, cFilling), false});
+        for (const std::size_t nSize :
+             {std::size_t{0}, std::size_t{1}, std::size_t{11}, std::size_t{40}, strTrue.size() / 2})
+            all.push_back(
+                {strKind + " cut at " + std::to_string(nSize), strTrue.substr(0, nSize), true});
+    }
+    return all;
+}
+
+bool HasAHundredSamples(const std::string& strFile)
+{
+    SF_INFO info{};
+    SNDFILE* const pFile = sf_open(strFile.c_str(), SFM_READ, &info);
+    if (pFile == nullptr)
+        return false;
+    std::vector<double> samples(static_cast<std::size_t>(info.channels) * 100);
+    const bool fRead = sf_readf_double(pFile, samples.data(), 100) == 100;
+    sf_close(pFile);
+    return fRead;
+}
+
+TEST_F(Hostile, SoundFilesThatLieAreNotAddedWithoutTheirSamples)
+{
+    Child server = Start({"--session", m_strSession, "--track", "Vox"});
+    int nAdded = 0;
+    int nFile = 0;
+    for (const LyingSound& sound : LyingSounds(m_folder.Path()))
+    {
+        const std::string strFile = Path("lie " + std::to_string(++nFile));
+        std::ofstream(strFile, std::ios::binary) << sound.strBytes;
+        const Fate fate = FateOf(SendScript(Adding("0", "\"" + strFile + "\"", "0,0,100")));
+        m_table.Note(sound.strWhat, sound.fCut ? "refused" : "refused, or added whole",
+                     NameOf(fate));
+        if (fate != Fate::Answered)
+        {
+            EXPECT_EQ(NameOf(fate), std::string("refused")) << sound.strWhat;
+            continue;
+        }
+        ++nAdded;
+        EXPECT_FALSE(sound.fCut) << sound.strWhat;
+        EXPECT_TRUE(HasAHundredSamples(strFile)) << sound.strWhat;
+    }
+    EXPECT_GE(nFile, 140);
+    EXPECT_EQ(SendScript(InDocument("print(GetRegionCount(GetTrackID(0)))")).result,
+              std::to_string(nAdded) + "\n");
+    server->Terminate();
+    EXPECT_EQ(server->WaitForEnd(kAnyTime), 0);
+    EXPECT_EQ(RunToEnd({"--list-session", m_strSession}).nExitCode, 0);
 }
 
 TEST_F(Hostile, NothingOfTheSandboxIsThere)
