@@ -13,10 +13,12 @@ namespace
 
 constexpr char szHead[] =
     "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+    "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
     "<title>Conformance to Tarvane Link</title>\n<style>\n"
     "body { font: 15px/1.4 sans-serif; max-width: 60em; margin: 2em auto; padding: 0 1em; }\n"
     "td, th { text-align: left; vertical-align: top; padding: .3em .8em .3em 0; }\n"
     "tr { border-bottom: 1px solid #ccc; }\ntable { border-collapse: collapse; }\n"
+    "p.summary { white-space: pre-line; }\n"
     "p.line { margin: .2em 0; color: #444; overflow-wrap: anywhere; }\n"
     ".kept { color: #060; } .broken { color: #b00; font-weight: bold; }\n"
     ".open { color: #850; }\n</style>\n</head>\n<body>\n";
@@ -34,7 +36,7 @@ std::string Escaped(const std::string& strText)
         else if (c == '>')
             strEscaped += "&gt;";
         else
-            strEscaped += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
+            strEscaped += static_cast<unsigned char>(c) < 0x20 && c != '\n' ? ' ' : c;
     }
     return strEscaped;
 }
@@ -59,6 +61,8 @@ std::string Row(const std::string& strParty, const Finding& finding)
         strRow += Line(strTold);
     for (const std::string& strTried : finding.tried)
         strRow += Line("Tried: " + strTried);
+    if (finding.outcome == Outcome::Broken)
+        strRow += Line(std::string("Why it matters: ") + finding.rule.szWhy + ".");
     return strRow + "</td></tr>\n";
 }
 
@@ -81,8 +85,8 @@ std::string ReportPage(const Subject& subject, const Findings& findings)
         Escaped(subject.strName) + ", " +
         (subject.strVersion.empty() ? "which does not say its version"
                                     : "version " + Escaped(subject.strVersion)) +
-        ". Examined on " + Today() + " by tarvane-conform " + ProgramVersion() + ".</p>\n<p>" +
-        Escaped(SummaryText(findings)) +
+        ". Examined on " + Today() + " by tarvane-conform " + ProgramVersion() +
+        ".</p>\n<p class=\"summary\">" + Escaped(SummaryText(findings)) +
         "</p>\n<table>\n<tr><th>Rule</th><th>Outcome</th><th></th></tr>\n";
     for (const Finding& finding : findings)
         strPage += Row(subject.strParty, finding);

@@ -282,6 +282,20 @@ TEST_F(ConformProgram, TellsInWordsWhatIsBrokenAndWhy)
     EXPECT_THAT(ended.strOutput, HasSubstr("\nMUST: "));
 }
 
+TEST_F(ConformProgram, ReportCountsOnALineEachAndTellsWhyABrokenRuleMatters)
+{
+    StartScripted({"GetTrackCount=>2\n", "GetRegionCount=>0\n", "print=>1\n"});
+    const std::string strFile = m_folder.Path() / "report.html";
+    RunConform({"server", "--report", strFile});
+    const std::string strPage = FileText(strFile.c_str());
+    EXPECT_THAT(strPage, HasSubstr("p.summary { white-space: pre-line; }"));
+    EXPECT_THAT(strPage,
+                testing::ContainsRegex("<p class=\"summary\">MUST: 0 kept, 1 broken, [0-9]+ "
+                                       "not examined\nSHOULD: 0 kept"));
+    EXPECT_THAT(strPage, HasSubstr("<p class=\"line\">Why it matters: a command without a "
+                                   "readable 'Rslt' has failed"));
+}
+
 TEST_F(ConformProgram, WhatStandsInTheWayOfAllOthersStandsLastAndAlone)
 {
     StartScripted({"GetTrackCount=>2\n", "GetRegionCount=>0\n", "print=>1\n"});
