@@ -1,10 +1,13 @@
 #include "platform/gnustep/AppleEvents/Timeout.h"
+#include "platform/gnustep/AppleEvents/Deadline.h"
 
 #include <AE/AppleEvents.h>
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
+#include <ctime>
 
 using namespace AppleEvents;
 
@@ -57,4 +60,18 @@ TEST(Timeout, OtherNegativeTicksHaveNoMeaning)
 TEST(Timeout, LongestTicksDoNotWrap)
 {
     EXPECT_GT(DeadlineForTicks(INT32_MAX)->Remaining(), 35'000'000'000'000u);
+}
+
+TEST(Timeout, GoesByTheClockThatNobodySets)
+{
+    const auto now = []
+    {
+        timespec time{};
+        clock_gettime(CLOCK_MONOTONIC, &time);
+        return std::uint64_t(time.tv_sec) * 1'000'000 + std::uint64_t(time.tv_nsec) / 1'000;
+    };
+    const std::uint64_t before = now();
+    const std::uint64_t instant = MonotonicMicroseconds();
+    EXPECT_LE(before, instant);
+    EXPECT_LE(instant, now());
 }
