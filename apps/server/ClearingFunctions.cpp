@@ -1,42 +1,33 @@
 // Walking and deleting what stands on a track of the selected document.
 #include "apps/server/ScriptFunctions.h"
 
-#include <algorithm>
-
 namespace Tarvane::Server
 {
 
 namespace
 {
 
-// A track's regions, or its marker areas.
-template <typename Entry> using Entries = std::vector<Entry> Document::*;
+// Of a track's regions, or of its marker areas.
+using CountOn = std::int64_t (CSessionDatabase::*)(std::int64_t nTrackId);
+using IdOn = std::int64_t (CSessionDatabase::*)(std::int64_t nTrackId, std::int64_t nPlace);
 
-template <typename Entry>
-ScriptValue Count(CScriptContext& context, const CScriptArguments& arguments,
-                  Entries<Entry> entries)
+ScriptValue Count(CScriptContext& context, const CScriptArguments& arguments, CountOn count)
 {
-    const std::int64_t nTrackId = context.FindTrack(arguments.Integer(1)).nId;
-    const std::vector<Entry>& all = context.SelectedDocument().*entries;
-    return std::int64_t(std::count_if(all.begin(), all.end(),
-                                      [nTrackId](const Entry& entry)
-                                      { return entry.nTrackId == nTrackId; }));
+    return (context.Session().*count)(context.FindTrack(arguments.Integer(1)).nId);
 }
 
-// The id of the entry that stands on the track at the place given, from 0.
-template <typename Entry>
-ScriptValue IdAt(CScriptContext& context, const CScriptArguments& arguments, Entries<Entry> entries)
+// The id of what stands on the track at the place given, from 0.
+ScriptValue IdAt(CScriptContext& context, const CScriptArguments& arguments, CountOn count,
+                 IdOn idOn)
 {
     const std::int64_t nTrackId = context.FindTrack(arguments.Integer(1)).nId;
-    const std::int64_t nWanted = arguments.Integer(2);
-    std::int64_t nPlace = 0;
-    for (const Entry& entry : context.SelectedDocument().*entries)
-    {
-        if (entry.nTrackId == nTrackId && nPlace++ == nWanted)
-            return entry.nId;
-    }
-    throw CScriptError("the track has nothing at place " + std::to_string(nWanted) + "; it has " +
-                       std::to_string(nPlace) + ", counted from 0");
+    const std::int64_t nPlace = arguments.Integer(2);
+    const std::int64_t nId = (context.Session().*idOn)(nTrackId, nPlace);
+    if (nId == kNullId)
+        throw CScriptError("the track has nothing at place " + std::to_string(nPlace) +
+                           "; it has " + std::to_string((context.Session().*count)(nTrackId)) +
+                           ", counted from 0");
+    return nId;
 }
 
 // A track has one marker track, which goes by the track's own id.
@@ -50,17 +41,17 @@ ScriptValue MarkerTrackId(CScriptContext& context, const CScriptArguments& argum
 ScriptValue DeleteRegion(CScriptContext& context, const CScriptArguments& arguments)
 {
     const std::int64_t nRegionId = context.FindRegion(arguments.Integer(1)).nId;
-    context.Session().DeleteRegion(context.Selected(), nRegionId);
+    context.Session().DeleteRegion(nRegionId);
     return {};
 }
 
 ScriptValue DeleteMarkerArea(CScriptContext& context, const CScriptArguments& arguments)
 {
     const std::int64_t nAreaId = arguments.Integer(1);
-    if (context.SelectedDocument().FindMarkerArea(nAreaId) == nullptr)
+    if (!context.Session().HasMarkerArea(context.Selected(), nAreaId))
         throw CScriptError("the document has no marker area with the id " +
                            std::to_string(nAreaId));
-    context.Session().DeleteMarkerArea(context.Selected(), nAreaId);
+    context.Session().DeleteMarkerArea(nAreaId);
     return {};
 }
 
@@ -70,18 +61,25 @@ std::vector<ScriptFunction> ClearingFunctions(CScriptContext& context)
 {
     return {
         {"GetRegionCount", [&context](const CScriptArguments& arguments)
-         { return Count(context, arguments, &Document::regions); }},
-        {"GetRegionID", [&context](const CScriptArguments& arguments)
-         { return IdAt(context, arguments, &Document::regions); }},
+         { return Count(context, arguments, &CSessionDatabase::RegionCount); }},
+        {"GetRegionID",
+         [&context](const CScriptArguments& arguments) {
+             return IdAt(context, arguments, &CSessionDatabase::RegionCount,
+                         &CSessionDatabase::RegionAt);
+         }},
         {"DeleteRegion",
          [&context](const CScriptArguments& arguments) { return DeleteRegion(context, arguments); },
          true, true},
         {"GetMarkerTrackID", [&context](const CScriptArguments& arguments)
          { return MarkerTrackId(context, arguments); }},
         {"CountMarkerAreas", [&context](const CScriptArguments& arguments)
-         { return Count(context, arguments, &Document::markerAreas); }},
-        {"GetMarkerAreaID", [&context](const CScriptArguments& arguments)
-         { return IdAt(context, arguments, &Document::markerAreas); }},
+         { return Count(context, arguments, &CSessionDatabase::MarkerAreaCount); }},
+        {"GetMarkerAreaID",
+         [&context](const CScriptArguments& arguments)
+         {
+             return IdAt(context, arguments, &CSessionDatabase::MarkerAreaCount,
+                         &CSessionDatabase::MarkerAreaAt);
+         }},
         {"DeleteMarkerArea",
          [&context](const CScriptArguments& arguments)
          { return DeleteMarkerArea(context, arguments); },

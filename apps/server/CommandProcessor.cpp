@@ -1,6 +1,5 @@
 #include "apps/server/CommandProcessor.h"
 
-#include <stdexcept>
 #include <utility>
 
 namespace Tarvane::Server
@@ -18,83 +17,128 @@ bool AsksForChange(std::string_view strScript, const ScriptResult& result)
 
 } // namespace
 
-CCommandProcessor::CCommandProcessor(CSession session, CSessionStore* pStore, CRenderFolder folder,
+CCommandProcessor::CCommandProcessor(CSessionDatabase& database, CRenderFolder folder,
                                      bool fHasDocuments, const SandboxLimits& limits,
                                      const Access& access)
-    : m_session(std::move(session)), m_pStore(pStore), m_folder(std::move(folder)),
-      m_fHasDocuments(fHasDocuments), m_limits(limits), m_access(access)
+    : m_database(database), m_folder(std::move(folder)), m_fHasDocuments(fHasDocuments),
+      m_limits(limits), m_access(access)
 {
 }
 
-void CCommandProcessor::Begin(Trouble& trouble)
+ScriptResult CCommandProcessor::RunInSession(std::string_view strScript, const Trouble& trouble)
 {
-    if (!trouble.fFrozenCounter)
-        m_nFrozenCount.reset();
-    else if (!m_nFrozenCount)
-        m_nFrozenCount = m_session.UpdateCount();
-    trouble.nFrozenCount = m_nFrozenCount.value_or(0);
-}
-
-Execution CCommandProcessor::Execute(std::string_view strScript, const Trouble& trouble) const
-{
-    CSession session = m_session;
-    CRenderFolder folder = m_folder;
-    CScriptContext context(session, folder, m_fHasDocuments && !trouble.fNoDocument);
+    CScriptContext context(m_database, m_folder, m_fHasDocuments && !trouble.fNoDocument);
     ScriptResult result = RunScript(strScript, Functions(context, trouble), m_limits);
     if (result.strError.empty() && result.strOutput.empty() && !result.fChangeCalled &&
         context.SelectionFailed() && AsksForChange(strScript, result))
         result.strError = kNoDocument;
+    return result;
+}
 
-    if (!result.strError.empty())
-        return {{"", std::move(result.strError), AsksForChange(strScript, result)}, std::nullopt};
-    Execution execution{{std::move(result.strOutput), ""}, std::nullopt};
-    if (session.UpdateCount() != m_session.UpdateCount())
-        execution.changed = std::move(session);
+Execution CCommandProcessor::Execute(std::string_view strScript, const Trouble& trouble)
+{
+    m_strFailure.clear();
+    m_fConflict = false;
+    ScriptResult result;
+    try
+    {
+        m_database.Begin();
+        result = RunInSession(strScript, trouble);
+    }
+    catch (const SQLite::Exception& error)
+    {
+        m_strFailure = m_database.Reason(error);
+    }
+    Execution execution;
+    execution.fConflict = m_fConflict;
+    execution.fStorageFailed = !m_strFailure.empty();
+    const bool fAsksForChange = AsksForChange(strScript, result);
+    if (execution.fStorageFailed)
+        result.strError =
+            (fAsksForChange ? kNotSaved : "the session could not be read: ") + m_strFailure;
+    if (result.strError.empty() && !m_fConflict && m_database.HasChanged())
+    {
+        execution.reply = {std::move(result.strOutput), "", false, true};
+        execution.nUpdateCount = m_database.UpdateCount();
+        return execution;
+    }
+    m_database.Rollback();
+    execution.nUpdateCount = m_database.UpdateCount();
+    if (result.strError.empty())
+        execution.reply.strResult = std::move(result.strOutput);
+    else
+        execution.reply = {"", std::move(result.strError), fAsksForChange};
     return execution;
 }
 
-CommandReply CCommandProcessor::Conclude(Execution execution)
+void CCommandProcessor::Conclude(Execution& execution)
+try
 {
-    if (!execution.changed)
-        return std::move(execution.reply);
     // Before the session is saved: a take that the editor has and the session has not can be sent
     // again; one that the editor has not would be lost to it.
-    if (const std::string strError = EditorError(*execution.changed); !strError.empty())
-        return {"", "nothing was changed, for the editor did not take it: " + strError, true};
-    if (const std::string strSaveError = SaveError(*execution.changed); !strSaveError.empty())
-        return {"", "nothing was changed, for the session could not be saved: " + strSaveError,
-                true};
-    m_session = *std::move(execution.changed);
-    execution.reply.fChanged = true;
+    if (const std::string strError = EditorError(); !strError.empty())
+    {
+        m_database.Rollback();
+        execution.reply = {"", "nothing was changed, for the editor did not take it: " + strError,
+                           true};
+        execution.nUpdateCount = m_database.UpdateCount();
+        return;
+    }
+    m_database.Commit();
+}
+catch (const SQLite::Exception& error)
+{
+    const std::string strReason = m_database.Reason(error);
+    m_database.Rollback();
+    execution.reply = {"", kNotSaved + strReason, true};
+    execution.nUpdateCount = m_database.UpdateCount();
+    execution.fStorageFailed = true;
+}
+
+CommandReply CCommandProcessor::Run(std::string_view strScript, const Trouble& trouble)
+{
+    Execution execution = Execute(strScript, trouble);
+    if (execution.reply.fChanged)
+        Conclude(execution);
     return std::move(execution.reply);
 }
 
-CommandReply CCommandProcessor::Run(std::string_view strScript, Trouble trouble)
+void CCommandProcessor::Watch(ScriptFunction& function)
 {
-    Begin(trouble);
-    return Conclude(Execute(strScript, trouble));
-}
-
-void CCommandProcessor::Change(const std::function<void(CSession&)>& change)
-{
-    CSession changed = m_session;
-    change(changed);
-    if (const std::string strSaveError = SaveError(changed); !strSaveError.empty())
-        throw std::runtime_error("the session could not be saved: " + strSaveError);
-    m_session = std::move(changed);
+    function.call = [this, call = std::move(function.call)](const CScriptArguments& arguments)
+    {
+        try
+        {
+            return call(arguments);
+        }
+        catch (const SQLite::Exception& error)
+        {
+            m_strFailure = m_database.Reason(error);
+            throw;
+        }
+        catch (const CSessionConflict&)
+        {
+            m_fConflict = true;
+            throw;
+        }
+    };
 }
 
 std::vector<ScriptFunction> CCommandProcessor::Functions(CScriptContext& context,
-                                                         const Trouble& trouble) const
+                                                         const Trouble& trouble)
 {
     std::vector<ScriptFunction> functions = MakeScriptFunctions(context);
     MisbehaveInFunctions(functions, context, trouble.faults);
     for (ScriptFunction& function : functions)
     {
-        if (trouble.fFrozenCounter && function.strName == "GetUpdateCount")
-            function.call = [nCount = trouble.nFrozenCount](const CScriptArguments&)
+        Watch(function);
+        if (trouble.frozenCount && function.strName == "GetUpdateCount")
+            function.call = [nCount = *trouble.frozenCount](const CScriptArguments&)
             { return nCount; };
-        if (m_access.fReadOnly && function.fChanges)
+        if (!m_strRefusal.empty() && function.fChanges)
+            function.call = [this](const CScriptArguments&) -> ScriptValue
+            { throw CScriptError(m_strRefusal); };
+        else if (m_access.fReadOnly && function.fChanges)
             function.call = [](const CScriptArguments&) -> ScriptValue
             { throw CScriptError("this server changes nothing: it was started with --read-only"); };
         else if (m_access.fNoDelete && function.fDeletes)
@@ -104,29 +148,18 @@ std::vector<ScriptFunction> CCommandProcessor::Functions(CScriptContext& context
     return functions;
 }
 
-std::string CCommandProcessor::EditorError(const CSession& session)
+std::string CCommandProcessor::EditorError()
 {
     if (m_pFeed == nullptr)
         return "";
     try
     {
-        m_pFeed->Pass(m_session, session);
+        m_pFeed->Pass(m_database);
         return "";
     }
-    catch (const std::exception& error)
+    catch (const SQLite::Exception&)
     {
-        return error.what();
-    }
-}
-
-std::string CCommandProcessor::SaveError(const CSession& session)
-{
-    if (m_pStore == nullptr)
-        return "";
-    try
-    {
-        m_pStore->Save(session);
-        return "";
+        throw;
     }
     catch (const std::exception& error)
     {

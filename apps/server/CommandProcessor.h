@@ -18,17 +18,18 @@
 #include "apps/server/LuaSandbox.h"
 #include "apps/server/RenderFolder.h"
 #include "apps/server/ScriptFunctions.h"
-#include "apps/server/Session.h"
-#include "apps/server/SessionStore.h"
+#include "apps/server/SessionDatabase.h"
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace Tarvane::Server
 {
+
+// What the error of a change that did not get to the disk begins with.
+inline const std::string kNotSaved = "nothing was changed, for the session could not be saved: ";
 
 struct CommandReply
 {
@@ -42,10 +43,9 @@ struct CommandReply
 // What is amiss with a server while it runs a command, on request.
 struct Trouble
 {
-    bool fNoDocument = false;      // as with no document open
-    bool fFrozenCounter = false;   // GetUpdateCount stands where it was when the trouble began
-    std::int64_t nFrozenCount = 0; // where it stands then; see CCommandProcessor::Begin
-    FunctionFaults faults{};       // of the functions that scripts call
+    bool fNoDocument = false;                // as with no document open
+    std::optional<std::int64_t> frozenCount; // what GetUpdateCount answers
+    FunctionFaults faults{};                 // of the functions that scripts call
 };
 
 // What scripts may do to the session.
@@ -55,60 +55,57 @@ struct Access
     bool fNoDelete = false; // delete nothing
 };
 
-// A command that has run, on a copy of the session.
+// A command that has run. What it changed is not there for others yet.
 struct Execution
 {
-    CommandReply reply;
-    std::optional<CSession>
-        changed; // the session as the command leaves it, if it changed any of it
+    CommandReply reply;            // fChanged: there is something to conclude
+    std::int64_t nUpdateCount = 0; // of the session as the command leaves it
+    bool fConflict = false;        // nothing was done: the command is to be run again
+    bool fStorageFailed = false;   // the connection may not be the best any more
 };
 
 // Any one thread.
 class CCommandProcessor
 {
 public:
-    // pStore may be null: then the session lives as long as this object. It must outlive the
-    // object. The folder is for exported and rendered audio.
-    CCommandProcessor(CSession session, CSessionStore* pStore, CRenderFolder folder,
-                      bool fHasDocuments, const SandboxLimits& limits = {},
-                      const Access& access = {});
+    // The database must outlive the object, and is the object's while it lives. The folder is for
+    // exported and rendered audio.
+    CCommandProcessor(CSessionDatabase& database, CRenderFolder folder, bool fHasDocuments,
+                      const SandboxLimits& limits = {}, const Access& access = {});
 
     // From now on what changes goes to an editor first; what that does not take is not changed. The
     // feed must outlive the object.
     void FeedInto(CEditorFeed& feed) { m_pFeed = &feed; }
 
-    // The three steps of a command. Begin fills in what the trouble needs to know; Execute may
-    // happen in another process that has a copy of this object; Conclude saves what has changed and
-    // says what is to be answered. What was executed on another state of the session than the
-    // present one (UpdateCount) must not be concluded.
-    void Begin(Trouble& trouble);
-    Execution Execute(std::string_view strScript, const Trouble& trouble) const;
-    CommandReply Conclude(Execution execution);
+    // The two steps of a command. Conclude saves what has changed, and tells in the execution what
+    // is to be answered; it follows wherever Execute says that something has.
+    Execution Execute(std::string_view strScript, const Trouble& trouble);
+    void Conclude(Execution& execution);
 
-    CommandReply Run(std::string_view strScript, Trouble trouble = {});
+    // Both. A command in conflict with another is not run again, and changes nothing.
+    CommandReply Run(std::string_view strScript, const Trouble& trouble = {});
 
-    // Changes the session behind the clients' backs. Throws, and changes nothing, when it cannot be
-    // saved.
-    void Change(const std::function<void(CSession&)>& change);
-
-    const CSession& Session() const { return m_session; }
-    const SandboxLimits& Limits() const { return m_limits; }
+    // From now on functions that change fail with this text; empty: they do not.
+    void RefuseChanges(const std::string& strWhy) { m_strRefusal = strWhy; }
 
 private:
-    std::vector<ScriptFunction> Functions(CScriptContext& context, const Trouble& trouble) const;
+    std::vector<ScriptFunction> Functions(CScriptContext& context, const Trouble& trouble);
+    ScriptResult RunInSession(std::string_view strScript, const Trouble& trouble);
+    // A function whose failures to read and to write are known of, whatever the script makes of
+    // them.
+    void Watch(ScriptFunction& function);
     // Empty when the editor has what is new, or there is none.
-    std::string EditorError(const CSession& session);
-    // Empty when the session is on disk.
-    std::string SaveError(const CSession& session);
+    std::string EditorError();
 
-    CSession m_session;
-    CSessionStore* m_pStore;
+    CSessionDatabase& m_database;
     CEditorFeed* m_pFeed = nullptr;
     CRenderFolder m_folder;
     bool m_fHasDocuments;
     SandboxLimits m_limits;
     Access m_access;
-    std::optional<std::int64_t> m_nFrozenCount;
+    std::string m_strRefusal;
+    std::string m_strFailure; // of the database in this command; empty for none
+    bool m_fConflict = false;
 };
 
 } // namespace Tarvane::Server

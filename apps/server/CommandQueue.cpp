@@ -3,7 +3,7 @@
 #include "apps/server/ScriptFunctions.h"
 
 #include <algorithm>
-#include <exception>
+#include <stdexcept>
 #include <utility>
 
 namespace Tarvane::Server
@@ -22,8 +22,10 @@ CommandReply Refusal(const Command& command, const std::string& strError)
 
 } // namespace
 
-CCommandQueue::CCommandQueue(CCommandProcessor& processor, const QueueLimits& limits)
-    : m_processor(processor), m_limits(limits), m_timer([this] { Step(); })
+CCommandQueue::CCommandQueue(const WorkerSettings& settings, const QueueLimits& limits)
+    : m_settings(settings), m_nUpdateCount(CSessionDatabase(settings.sessionFile).UpdateCount()),
+      m_limits(limits), m_pIdle(std::make_unique<CScriptWorker>(m_settings)),
+      m_timer([this] { Step(); })
 {
 }
 
@@ -94,12 +96,10 @@ void CCommandQueue::Start(Waiting waiting)
         m_served.pop_front();
     try
     {
-        Trouble trouble = waiting.command.begin();
-        m_processor.Begin(trouble);
+        const Trouble trouble = waiting.command.begin();
         std::unique_ptr<CScriptWorker> pWorker = TakeWorker();
         pWorker->Begin(waiting.command.strScript, trouble);
         m_running.push_back({std::move(waiting.command),
-                             trouble,
                              waiting.fAlone,
                              std::move(pWorker),
                              nullptr,
@@ -117,11 +117,9 @@ void CCommandQueue::Start(Waiting waiting)
 
 std::unique_ptr<CScriptWorker> CCommandQueue::TakeWorker()
 {
-    std::unique_ptr<CScriptWorker> pIdle = std::move(m_pIdle);
-    if (pIdle && pIdle->UpdateCount() == m_processor.Session().UpdateCount())
-        return pIdle;
-    pIdle.reset();
-    return std::make_unique<CScriptWorker>(m_processor);
+    if (m_pIdle)
+        return std::move(m_pIdle);
+    return std::make_unique<CScriptWorker>(m_settings);
 }
 
 CCommandQueue::Clock::duration CCommandQueue::Ran(const Running& run) const
@@ -131,23 +129,17 @@ CCommandQueue::Clock::duration CCommandQueue::Ran(const Running& run) const
 
 void CCommandQueue::LookAtTimes()
 {
-    for (auto run = m_running.begin(); run != m_running.end();)
+    for (Running& run : m_running)
     {
-        const auto next = std::next(run);
-        if (Ran(*run) > m_limits.longest)
+        if (Ran(run) > m_limits.longest && !run.fBlocked)
         {
             const auto nSeconds =
                 std::chrono::duration_cast<std::chrono::seconds>(m_limits.longest).count();
-            Running ended = std::move(*run);
-            m_running.erase(run);
-            ended.command.end(Refusal(ended.command, "the script takes more than " +
-                                                         std::to_string(nSeconds) + " seconds"));
+            // The watch tells that it has ended.
+            run.pWorker->Kill("the script takes more than " + std::to_string(nSeconds) +
+                              " seconds");
         }
-        else if (Ran(*run) > m_limits.turn)
-        {
-            run->fLong = true;
-        }
-        run = next;
+        run.fLong |= Ran(run) > m_limits.turn;
     }
 }
 
@@ -190,31 +182,126 @@ void CCommandQueue::SetTimer()
 
 void CCommandQueue::Take(Runs::iterator run)
 {
-    std::optional<Execution> execution = run->pWorker->Receive();
-    if (!execution)
+    std::optional<WorkerReport> report = run->pWorker->Receive();
+    if (!report)
         return;
-    Finish(run, *std::move(execution));
+    if (report->fBlocked)
+    {
+        run->fBlocked = true;
+        if (!m_fHeld)
+            Unblock(*run);
+        return;
+    }
+    Finish(run, *std::move(report));
     Step();
 }
 
-void CCommandQueue::Finish(Runs::iterator run, Execution execution)
+void CCommandQueue::Unblock(Running& run)
+{
+    const bool fGivesWay =
+        run.fLong && !run.fAlone &&
+        std::any_of(m_running.begin(), m_running.end(),
+                    [](const Running& other) { return !other.fLong || other.fAlone; });
+    if (!fGivesWay)
+        MakeRoomFor(run);
+    run.fBlocked = false;
+    run.pWorker->TryAgain(!fGivesWay);
+}
+
+// Which of the others is in the middle of a change is not known. They begin again when this one is
+// done.
+void CCommandQueue::MakeRoomFor(Running& run)
+{
+    run.fAlone = true;
+    for (Running& other : m_running)
+    {
+        if (&other == &run || other.fAgain)
+            continue;
+        other.fAgain = true;
+        other.pWorker->Kill("it was ended to make room");
+    }
+}
+
+void CCommandQueue::BeginAgain(Command command, bool fAlone)
+{
+    m_nWaitingBytes += command.strScript.size();
+    m_waiting.push_front({std::move(command), fAlone});
+}
+
+void CCommandQueue::Finish(Runs::iterator run, WorkerReport report)
 {
     Running ended = std::move(*run);
     // What is below may come back in here.
     m_running.erase(run);
     ended.pWatch.reset();
-    const bool fStale = ended.pWorker->UpdateCount() != m_processor.Session().UpdateCount();
-    if (execution.changed && fStale)
+    Execution& execution = report.execution;
+    CommandReply& reply = execution.reply;
+    m_settings.identity = report.identity;
+    // It may have been stopped when it had said all.
+    ended.pWorker->Continue();
+    // A new connection may do better. The log stays for it: a full disk has no room for another.
+    if (execution.fStorageFailed)
+        ended.pWorker->Kill("");
+    if (ended.pWorker->IsAlive())
+        m_pIdle = std::move(ended.pWorker);
+    ended.pWorker.reset();
+    if (execution.fConflict || (ended.fAgain && report.fEnded))
     {
-        m_nWaitingBytes += ended.command.strScript.size();
-        m_waiting.push_front({std::move(ended.command), true});
+        BeginAgain(std::move(ended.command), true);
         return;
     }
-    if (!execution.changed && ended.pWorker->IsAlive())
-        m_pIdle = std::move(ended.pWorker);
-    else if (!ended.pWorker->IsAlive())
-        execution.reply.fRefused = NamesChange(ended.command.strScript);
-    ended.command.end(m_processor.Conclude(std::move(execution)));
+    if (reply.fChanged)
+        m_nUpdateCount = execution.nUpdateCount;
+    if (report.fEnded)
+        reply.fRefused = NamesChange(ended.command.strScript);
+    ended.command.end(reply);
+}
+
+void CCommandQueue::HoldChanges()
+{
+    m_fHeld = true;
+}
+
+void CCommandQueue::LetChanges()
+{
+    m_fHeld = false;
+    for (Running& run : m_running)
+    {
+        if (run.fBlocked)
+            Unblock(run);
+    }
+}
+
+void CCommandQueue::StartOver(const std::function<WorkerSettings()>& change)
+{
+    for (Running& run : m_running)
+    {
+        run.pWorker->Kill("");
+        BeginAgain(std::move(run.command), run.fAlone);
+    }
+    m_running.clear();
+    if (m_pIdle)
+        m_pIdle->Kill("");
+    m_pIdle.reset();
+    m_settings = change();
+    m_nUpdateCount = CSessionDatabase(m_settings.sessionFile).UpdateCount();
+    Step();
+}
+
+void CCommandQueue::Change(const std::function<void(CSessionDatabase&)>& change)
+{
+    CSessionDatabase database(m_settings.sessionFile);
+    try
+    {
+        database.Begin();
+        change(database);
+        database.Commit();
+        m_nUpdateCount = database.UpdateCount();
+    }
+    catch (const SQLite::Exception& error)
+    {
+        throw std::runtime_error("the session could not be saved: " + database.Reason(error));
+    }
 }
 
 } // namespace Tarvane::Server

@@ -4,8 +4,9 @@
 // session as it is when it begins. One that takes longer than a turn makes room: the next begins
 // beside it, and of those that are over their turn one at a time goes on, the one that has run
 // least. So a short question waits for the turns of those before it, never for the whole of a long
-// script. What a command changes is kept only if nobody has changed the session since it began;
-// otherwise it runs again, and the second time alone.
+// script. What a command changes is kept only if nobody has changed the session since it began, and
+// is in the middle of changing it now; otherwise it runs again, and the second time alone. Of two
+// in the middle of a change the one that is over its turn gives way.
 #pragma once
 
 #include "apps/server/CommandProcessor.h"
@@ -45,14 +46,27 @@ struct QueueLimits
 class CCommandQueue
 {
 public:
-    // The processor must outlive the object.
-    explicit CCommandQueue(CCommandProcessor& processor, const QueueLimits& limits = {});
+    // Begins with a worker on the session that the settings name.
+    explicit CCommandQueue(const WorkerSettings& settings, const QueueLimits& limits = {});
     ~CCommandQueue();
     CCommandQueue(const CCommandQueue&) = delete;
     CCommandQueue& operator=(const CCommandQueue&) = delete;
 
     // The command is answered at once when too much is waiting.
     void Add(Command command);
+
+    // Of the session, as far as commands have been answered.
+    std::int64_t UpdateCount() const { return m_nUpdateCount; }
+
+    // While held, commands that change wait in the middle; questions are answered.
+    void HoldChanges();
+    void LetChanges();
+    // Ends all that runs, has change done to the session without any connection open, and begins
+    // what ran anew on the session that change returns settings for.
+    void StartOver(const std::function<WorkerSettings()>& change);
+    // Changes the session behind the clients' backs. Throws, and changes nothing, when it cannot be
+    // saved.
+    void Change(const std::function<void(CSessionDatabase&)>& change);
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -67,14 +81,15 @@ private:
     struct Running
     {
         Command command;
-        Trouble trouble;
         bool fAlone = false;
         std::unique_ptr<CScriptWorker> pWorker;
         std::unique_ptr<CReadWatch> pWatch;
         Clock::duration before{}; // that it has run until it was stopped last
         Clock::time_point since;
         bool fStopped = false;
-        bool fLong = false; // its turn is over
+        bool fLong = false;    // its turn is over
+        bool fBlocked = false; // waits for others to end their change
+        bool fAgain = false;   // was ended to make room
     };
     using Runs = std::list<Running>;
 
@@ -86,12 +101,17 @@ private:
     void LetOneLongRun();
     void SetTimer();
     void Take(Runs::iterator run);
-    void Finish(Runs::iterator run, Execution execution);
+    void Finish(Runs::iterator run, WorkerReport report);
+    void Unblock(Running& run);
+    void MakeRoomFor(Running& run);
+    void BeginAgain(Command command, bool fAlone);
     Clock::duration Ran(const Running& run) const;
     std::unique_ptr<CScriptWorker> TakeWorker();
 
-    CCommandProcessor& m_processor;
+    WorkerSettings m_settings;
+    std::int64_t m_nUpdateCount;
     const QueueLimits m_limits;
+    bool m_fHeld = false;
     std::deque<Waiting> m_waiting;
     std::size_t m_nWaitingBytes = 0;
     std::deque<std::int64_t> m_served; // clients, the one served longest ago first

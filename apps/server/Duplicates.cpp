@@ -141,18 +141,16 @@ PositionRange AddedPositions(std::int64_t nHostPosition, double dOffsetSamples)
     return {LeastTruncated(begin), GreatestTruncated(end)};
 }
 
-bool HasDuplicate(const Document& document, const Region& captured, double dLinkOffset)
+bool HasDuplicate(CSessionDatabase& session, const Region& captured)
 {
     const PositionRange places =
-        AddedPositions(captured.nPosition, dLinkOffset * captured.nSampleRate);
-    for (const Region& region : document.regions)
+        AddedPositions(captured.nPosition, session.LinkOffset() * captured.nSampleRate);
+    // Another stretch of another file is in the same place when it begins there.
+    for (const Region& region : session.RegionsThatBegin(
+             captured.nTrackId, places.nFirst + captured.nStart, places.nLast + captured.nStart))
     {
-        // Another stretch of another file is in the same place when it begins there.
-        const std::int64_t nPosition = region.TimelineStart() - captured.nStart;
-        if (region.nTrackId != captured.nTrackId || region.Length() != captured.Length() ||
-            region.nSampleRate != captured.nSampleRate || !places.Contains(nPosition))
-            continue;
-        if (SameAudio(captured, region))
+        if (region.Length() == captured.Length() && region.nSampleRate == captured.nSampleRate &&
+            SameAudio(captured, region))
             return true;
     }
     return false;

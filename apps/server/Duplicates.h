@@ -16,7 +16,7 @@
 // position, and so is the second -1 < x < 1.
 #pragma once
 
-#include "apps/server/Session.h"
+#include "apps/server/SessionDatabase.h"
 
 #include <cstdint>
 
@@ -38,9 +38,9 @@ struct PositionRange
 // Exactly the set above. dOffsetSamples is offset * rate, within 2^53; |nHostPosition| <= 2^53.
 PositionRange AddedPositions(std::int64_t nHostPosition, double dOffsetSamples);
 
-// Looks for the captured region: its nPosition is the host's, and it takes all channels. Regions
-// whose own file can no longer be read are not the same as anything. Throws CSoundFileError when
-// the captured file cannot be read.
-bool HasDuplicate(const Document& document, const Region& captured, double dLinkOffset);
+// Looks for the captured region on its track: its nPosition is the host's, and it takes all
+// channels. Regions whose own file can no longer be read are not the same as anything. Throws
+// CSoundFileError when the captured file cannot be read.
+bool HasDuplicate(CSessionDatabase& session, const Region& captured);
 
 } // namespace Tarvane::Server

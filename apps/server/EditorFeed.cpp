@@ -1,10 +1,10 @@
 #include "apps/server/EditorFeed.h"
 
 #include <filesystem>
-#include <functional>
 #include <iostream>
 #include <map>
 #include <utility>
+#include <vector>
 
 namespace Tarvane::Server
 {
@@ -27,21 +27,19 @@ Editor::Region ForEditor(const Region& region)
     return made;
 }
 
-// All tracks, with the regions that are wanted and that the table lets in.
-Editor::Model ForEditor(const Document& document, const Editor::Abilities& table,
-                        const std::function<bool(const Region&)>& wanted)
+// All tracks, with those of the regions that the table lets in.
+Editor::Model ForEditor(const std::vector<Track>& tracks, const std::vector<Region>& regions,
+                        const Editor::Abilities& table)
 {
     Editor::Model model;
     std::map<std::int64_t, std::size_t> places;
-    for (const Track& track : document.tracks)
+    for (const Track& track : tracks)
     {
         places[track.nId] = model.tracks.size();
         model.tracks.push_back({track.strName, {}});
     }
-    for (const Region& region : document.regions)
+    for (const Region& region : regions)
     {
-        if (!wanted(region))
-            continue;
         const Editor::Region made = ForEditor(region);
         if (const auto why = Editor::WhyUnable(table, made))
             std::cerr << "tarvane-server: the region " << made.strName << " does not go to "
@@ -53,37 +51,33 @@ Editor::Model ForEditor(const Document& document, const Editor::Abilities& table
     return model;
 }
 
-bool HasSameAudio(const Region& a, const Region& b)
-{
-    return a.strPath == b.strPath && a.nStart == b.nStart && a.nEnd == b.nEnd &&
-           a.nPosition == b.nPosition;
-}
-
 } // namespace
 
 CEditorFeed::CEditorFeed(std::unique_ptr<Editor::CEditor> pEditor) : m_pEditor(std::move(pEditor))
 {
 }
 
-void CEditorFeed::Begin(const CSession& session)
+void CEditorFeed::Begin(CSessionDatabase& session)
 {
-    if (m_pEditor->Table().fKnowsWhatItHas)
-        m_pEditor->Take(ForEditor(session.GetDocument(DocumentKind::Script), m_pEditor->Table(),
-                                  [](const Region&) { return true; }));
+    if (!m_pEditor->Table().fKnowsWhatItHas)
+        return;
+    const CSession content = session.Content();
+    const Document& document = content.GetDocument(DocumentKind::Script);
+    m_pEditor->Take(ForEditor(document.tracks, document.regions, m_pEditor->Table()));
 }
 
-void CEditorFeed::Pass(const CSession& before, const CSession& after)
+void CEditorFeed::Pass(CSessionDatabase& session)
 {
-    std::map<std::int64_t, const Region*> known;
-    for (const Region& region : before.GetDocument(DocumentKind::Script).regions)
-        known[region.nId] = &region;
+    std::vector<Region> regions;
+    for (const std::int64_t nRegionId : session.RegionsWithNewAudio())
+    {
+        if (auto region = session.FindRegion(DocumentKind::Script, nRegionId))
+            regions.push_back(*std::move(region));
+    }
+    if (regions.empty())
+        return;
     const Editor::Model model =
-        ForEditor(after.GetDocument(DocumentKind::Script), m_pEditor->Table(),
-                  [&known](const Region& region)
-                  {
-                      const auto found = known.find(region.nId);
-                      return found == known.end() || !HasSameAudio(*found->second, region);
-                  });
+        ForEditor(session.Tracks(DocumentKind::Script), regions, m_pEditor->Table());
     if (model.HasRegions())
         m_pEditor->Take(model);
 }

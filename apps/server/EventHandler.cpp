@@ -64,10 +64,9 @@ std::vector<std::string> NamesOf(const FaultSet& faults)
 
 } // namespace
 
-CEventHandler::CEventHandler(CCommandProcessor& processor, CEventLog& log,
-                             CMisbehaviour misbehaviour, FaultWaits waits)
-    : m_processor(processor), m_log(log), m_misbehaviour(std::move(misbehaviour)),
-      m_waits(std::move(waits))
+CEventHandler::CEventHandler(CCommandQueue& queue, CEventLog& log, CMisbehaviour misbehaviour,
+                             FaultWaits waits)
+    : m_queue(queue), m_log(log), m_misbehaviour(std::move(misbehaviour)), m_waits(std::move(waits))
 {
 }
 
@@ -126,8 +125,12 @@ Trouble CEventHandler::Begin(Event& event, const std::string& strScript)
         m_log.Faults(event.nNumber, NamesOf(event.faults));
         SufferBefore(event.faults);
     }
-    return {event.faults.count(Fault::DocumentVanishes) != 0,
-            event.faults.count(Fault::FrozenCounter) != 0, 0, FaultsOfFunctions(event.faults)};
+    if (event.faults.count(Fault::FrozenCounter) == 0)
+        m_frozenCount.reset();
+    else if (!m_frozenCount)
+        m_frozenCount = m_queue.UpdateCount();
+    return {event.faults.count(Fault::DocumentVanishes) != 0, m_frozenCount,
+            FaultsOfFunctions(event.faults)};
 }
 
 void CEventHandler::End(Event& event, const CommandReply& reply)
@@ -162,7 +165,7 @@ void CEventHandler::SufferBefore(const FaultSet& faults)
     if (faults.count(Fault::ExitBeforeEffect) != 0)
         _exit(kExitByFault);
     if (faults.count(Fault::TrackVanishes) != 0 || faults.count(Fault::TracksMove) != 0)
-        m_processor.Change([&](CSession& session) { Befall(session, faults); });
+        m_queue.Change([&](CSessionDatabase& session) { Befall(session, faults); });
     if (faults.count(Fault::EventFlood) != 0)
         m_flood.Begin(kSignature);
 }

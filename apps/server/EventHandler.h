@@ -16,6 +16,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 namespace Tarvane::Server
 {
@@ -32,7 +33,7 @@ struct FaultWaits
 class CEventHandler
 {
 public:
-    CEventHandler(CCommandProcessor& processor, CEventLog& log, CMisbehaviour misbehaviour,
+    CEventHandler(CCommandQueue& queue, CEventLog& log, CMisbehaviour misbehaviour,
                   FaultWaits waits);
     ~CEventHandler();
     CEventHandler(const CEventHandler&) = delete;
@@ -60,13 +61,13 @@ private:
     void SufferBefore(const FaultSet& faults);
     void End(Event& event, const CommandReply& reply);
 
-    CCommandProcessor& m_processor;
+    CCommandQueue& m_queue;
     CEventLog& m_log;
     CMisbehaviour m_misbehaviour;
     FaultWaits m_waits;
     CEventFlood m_flood;
-    CCommandQueue m_queue{m_processor};
     std::int64_t m_nEvents = 0;
+    std::optional<std::int64_t> m_frozenCount; // of updates, while it stands still
     bool m_fInstalled = false;
 };
 

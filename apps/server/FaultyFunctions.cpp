@@ -60,10 +60,10 @@ ScriptValue AddRegion(CScriptContext& context, const FunctionFaults& faults,
     if (!Has(faults, Fault::RegionReplaced))
         return added;
     const std::int64_t nTrackId = arguments.Integer(1);
-    const std::vector<Region> regions = context.SelectedDocument().regions;
-    for (const Region& region : regions)
-        if (region.nTrackId == nTrackId && region.nId != std::get<std::int64_t>(added))
-            context.Session().DeleteRegion(context.Selected(), region.nId);
+    CSessionDatabase& session = context.Session();
+    // The new one is the last.
+    while (session.RegionCount(nTrackId) > 1)
+        session.DeleteRegion(session.RegionAt(nTrackId, 0));
     return added;
 }
 
@@ -73,10 +73,12 @@ void TakeWholeFile(Region& region)
     region.nEnd = CSoundFile(region.strPath).Frames();
 }
 
-// The document and the captured region as the faults see them.
-bool HasFaultyDuplicate(Document document, Region captured, double dOffset,
-                        const FunctionFaults& faults)
+// Looks in the session as the faults see it, for what they make of the captured region.
+bool HasFaultyDuplicate(CScriptContext& context, Region captured, const FunctionFaults& faults)
 {
+    const CSession session = context.Session().Content();
+    Document document = session.GetDocument(context.Selected());
+    double dOffset = session.LinkOffset();
     if (Has(faults, Fault::OffsetAtOneRate))
         dOffset *= static_cast<double>(kOneRate) / captured.nSampleRate;
     if (Has(faults, Fault::DuplicateWholeFile))
@@ -91,7 +93,11 @@ bool HasFaultyDuplicate(Document document, Region captured, double dOffset,
     if (Has(faults, Fault::DuplicateByPath))
         std::erase_if(document.regions,
                       [&](const Region& region) { return region.strPath != captured.strPath; });
-    return HasDuplicate(document, captured, dOffset);
+    document.nSelectedRegionId = kNullId;
+    document.processes.clear();
+    CSessionDatabase seen(CSession::Restore({std::move(document), Document()}, dOffset,
+                                            session.UpdateCount(), session.NextId()));
+    return HasDuplicate(seen, captured);
 }
 
 ScriptValue CheckForDuplicate(CScriptContext& context, const FunctionFaults& faults,
@@ -107,9 +113,7 @@ ScriptValue CheckForDuplicate(CScriptContext& context, const FunctionFaults& fau
     captured.nStart = arguments.Integer(4);
     captured.nEnd = arguments.Integer(5);
     captured.nSampleRate = CSoundFile(strPath).SampleRate();
-    const bool fDuplicate = HasFaultyDuplicate(context.SelectedDocument(), captured,
-                                               context.Session().LinkOffset(), faults);
-    return std::int64_t(fDuplicate ? 1 : 0);
+    return std::int64_t(HasFaultyDuplicate(context, captured, faults) ? 1 : 0);
 }
 
 } // namespace

@@ -88,6 +88,26 @@ void DeclareSession(CLI::App& app, Options& options)
         ->type_name("SECONDS");
 }
 
+// What ends as soon as it is done.
+void DeclareExchange(CLI::App& app, Options& options)
+{
+    CLI::Option* pExport =
+        app.add_option("--export", options.strExportFile,
+                       "Write the session of --session to this new file, as a binary session, and "
+                       "end. A server may be at work on it")
+            ->type_name("FILE")
+            ->check(CheckFileName)
+            ->needs(app.get_option("--session"));
+    app.add_option(
+           "--import", options.strImportFile,
+           "Make the new session of --session from this one, a binary session for instance, "
+           "and end")
+        ->type_name("FILE")
+        ->check(CheckFileName)
+        ->needs(app.get_option("--session"))
+        ->excludes(pExport);
+}
+
 void DeclareListing(CLI::App& app, Options& options)
 {
     CLI::Option* pList = app.add_option("--list-session", options.strListedFile,
@@ -145,6 +165,7 @@ void DeclareOptions(CLI::App& app, Options& options)
     app.add_option("--log", options.strLogFile,
                    "Record every event in and out in this file; - is the standard output")
         ->type_name("FILE");
+    DeclareExchange(app, options);
     DeclareListing(app, options);
     DeclareMisbehaviour(app, options);
 }

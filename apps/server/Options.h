@@ -31,6 +31,9 @@ struct Options
     std::vector<FaultPlan> faults;
     std::optional<std::uint64_t> seed; // of faults at random
     double dDelay = 65;                // seconds that a slow start and a late reply take
+    // The session written to, or made from, one of these is all that is asked for.
+    std::string strExportFile;
+    std::string strImportFile;
     // A listing of this session is all that is asked for.
     std::string strListedFile;
     bool fJson = false;

@@ -32,24 +32,23 @@ ScriptValue Create(CScriptContext& context, const CScriptArguments& arguments)
                                   Field(input, "Start"), Field(input, "End")});
     for (const ScriptRecord& output : arguments.Records(4, kMostEntries))
         process.outputTrackIds.push_back(Field(output, "Track"));
-    if (const auto flaw = ProcessFlaw(process, context.SelectedDocument()))
+    if (const auto flaw = ProcessFlaw(process, context.Session(), context.Selected()))
         throw CScriptError(*flaw);
     return CreateProcess(context.Session(), context.Selected(), std::move(process));
 }
 
 ScriptValue FindLast(CScriptContext& context)
 {
-    const std::vector<Process>& processes = context.SelectedDocument().processes;
-    return processes.empty() ? kNullId : processes.back().nId;
+    return context.Session().LastProcessId(context.Selected());
 }
 
 ScriptValue Select(CScriptContext& context, const CScriptArguments& arguments)
 {
     const std::int64_t nProcessId = arguments.Integer(1);
-    const Process* pProcess = context.SelectedDocument().FindProcess(nProcessId);
-    if (pProcess == nullptr)
+    const auto region = context.Session().ProcessRegion(context.Selected(), nProcessId);
+    if (!region)
         throw CScriptError("the document has no process with the id " + std::to_string(nProcessId));
-    context.Session().SelectRegion(context.Selected(), pProcess->nRegionId);
+    context.Session().SelectRegion(context.Selected(), *region);
     return {};
 }
 

@@ -26,50 +26,35 @@ const ProcessKind* FindKind(const std::string& strName)
 }
 
 std::optional<std::string> InputFlaw(const ProcessInput& input, std::int64_t nIOType,
-                                     const Document& document)
+                                     CSessionDatabase& session, DocumentKind kind)
 {
     if (input.nIOType != nIOType)
         return "an input's IOType is " + std::to_string(input.nIOType) + " in the place of " +
                std::to_string(nIOType);
-    if (document.FindTrack(input.nTrackId) == nullptr)
+    if (!session.FindTrack(kind, input.nTrackId))
         return "the document has no track with the id " + std::to_string(input.nTrackId);
     return StretchFlaw(input.nStart, input.nEnd);
 }
 
-// The part of the region that lies within the stretch; empty when none does.
-std::optional<Region> Cut(const Region& region, const ProcessInput& input)
-{
-    const std::int64_t nFrom = std::max(region.TimelineStart(), input.nStart);
-    const std::int64_t nTo = std::min(region.TimelineStart() + region.Length(), input.nEnd);
-    if (nTo <= nFrom)
-        return std::nullopt;
-    Region part = region;
-    part.nStart = nFrom - region.nPosition;
-    part.nEnd = nTo - region.nPosition;
-    return part;
-}
-
 // What the process makes, on its output track; empty when its last input holds no audio.
-std::optional<Region> MakeOutput(const Process& process, const Document& document)
+std::optional<Region> MakeOutput(const Process& process, CSessionDatabase& session)
 {
     const ProcessInput& source = process.inputs.back();
-    for (const Region& region : document.regions)
-    {
-        std::optional<Region> part;
-        if (region.nTrackId == source.nTrackId)
-            part = Cut(region, source);
-        if (!part)
-            continue;
-        part->nTrackId = process.outputTrackIds.front();
-        part->nPosition += process.inputs.front().nStart - source.nStart;
-        return part;
-    }
-    return std::nullopt;
+    std::optional<Region> part = session.FirstRegionIn(source.nTrackId, source.nStart, source.nEnd);
+    if (!part)
+        return std::nullopt;
+    const std::int64_t nEnd = std::min(part->nEnd, source.nEnd - part->nPosition);
+    part->nStart = std::max(part->nStart, source.nStart - part->nPosition);
+    part->nEnd = nEnd;
+    part->nTrackId = process.outputTrackIds.front();
+    part->nPosition += process.inputs.front().nStart - source.nStart;
+    return part;
 }
 
 } // namespace
 
-std::optional<std::string> ProcessFlaw(const Process& process, const Document& document)
+std::optional<std::string> ProcessFlaw(const Process& process, CSessionDatabase& session,
+                                       DocumentKind kind)
 {
     const ProcessKind* pKind = FindKind(process.strKind);
     if (pKind == nullptr)
@@ -81,26 +66,26 @@ std::optional<std::string> ProcessFlaw(const Process& process, const Document& d
                " inputs, not " + std::to_string(process.inputs.size());
     for (std::size_t nInput = 0; nInput < process.inputs.size(); nInput++)
     {
-        if (auto flaw = InputFlaw(process.inputs[nInput], pKind->ioTypes[nInput], document))
+        if (auto flaw = InputFlaw(process.inputs[nInput], pKind->ioTypes[nInput], session, kind))
             return flaw;
     }
     if (process.outputTrackIds.size() != 1)
         return process.strKind + " has one output, not " +
                std::to_string(process.outputTrackIds.size());
-    if (document.FindTrack(process.outputTrackIds.front()) == nullptr)
+    if (!session.FindTrack(kind, process.outputTrackIds.front()))
         return "the document has no track with the id " +
                std::to_string(process.outputTrackIds.front());
-    const auto output = MakeOutput(process, document);
+    const auto output = MakeOutput(process, session);
     return output ? RegionPlaceFlaw(*output) : std::nullopt;
 }
 
-std::int64_t CreateProcess(CSession& session, DocumentKind kind, Process process)
+std::int64_t CreateProcess(CSessionDatabase& session, DocumentKind kind, Process process)
 {
     for (const ProcessInput& input : process.inputs)
-        session.AddMarkerArea(kind, {kNullId, input.nTrackId, input.nStart, input.nEnd});
-    if (auto output = MakeOutput(process, session.GetDocument(kind)))
-        process.nRegionId = session.AddRegion(kind, *std::move(output));
-    return session.AddProcess(kind, std::move(process));
+        session.AddMarkerArea({kNullId, input.nTrackId, input.nStart, input.nEnd});
+    if (auto output = MakeOutput(process, session))
+        process.nRegionId = session.AddRegion(*output);
+    return session.AddProcess(kind, process);
 }
 
 } // namespace Tarvane::Server

@@ -12,7 +12,7 @@
 // Each input's stretch becomes a marker area of its track.
 #pragma once
 
-#include "apps/server/Session.h"
+#include "apps/server/SessionDatabase.h"
 
 #include <optional>
 #include <string>
@@ -22,9 +22,10 @@ namespace Tarvane::Server
 
 // What is wrong with the process, in words; empty when it can be made. The document is the one that
 // it is for.
-std::optional<std::string> ProcessFlaw(const Process& process, const Document& document);
+std::optional<std::string> ProcessFlaw(const Process& process, CSessionDatabase& session,
+                                       DocumentKind kind);
 
 // Adds the process, which has no flaw, its marker areas and what it makes. Returns its id.
-std::int64_t CreateProcess(CSession& session, DocumentKind kind, Process process);
+std::int64_t CreateProcess(CSessionDatabase& session, DocumentKind kind, Process process);
 
 } // namespace Tarvane::Server

@@ -4,8 +4,6 @@
 #include "apps/server/SoundFiles.h"
 #include "utils/UnicodeText.h"
 
-#include <utility>
-
 namespace Tarvane::Server
 {
 
@@ -62,9 +60,7 @@ ScriptValue CheckForDuplicate(CScriptContext& context, const CScriptArguments& a
     CSoundFile file(captured.strPath);
     file.RequireFrames(captured.nEnd);
     captured.nSampleRate = file.SampleRate();
-    const bool fDuplicate =
-        HasDuplicate(context.SelectedDocument(), captured, context.Session().LinkOffset());
-    return std::int64_t(fDuplicate ? 1 : 0);
+    return std::int64_t(HasDuplicate(context.Session(), captured) ? 1 : 0);
 }
 
 ScriptValue AddRegion(CScriptContext& context, const CScriptArguments& arguments)
@@ -86,10 +82,9 @@ ScriptValue AddRegion(CScriptContext& context, const CScriptArguments& arguments
         region.channels = ChannelsArgument(arguments, 9, file);
     }
 
-    const DocumentKind kind = context.Selected();
-    const std::int64_t nRegionId = context.Session().AddRegion(kind, std::move(region));
+    const std::int64_t nRegionId = context.Session().AddRegion(region);
     if (fSelect)
-        context.Session().SelectRegion(kind, nRegionId);
+        context.Session().SelectRegion(context.Selected(), nRegionId);
     return nRegionId;
 }
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -57,11 +58,14 @@ bool IsWholeNumbers(int nWavForm)
     return nWavForm != SF_FORMAT_FLOAT && nWavForm != SF_FORMAT_DOUBLE;
 }
 
-// A new file of the folder, which no other program knows the name of; the caller owns the
-// descriptor.
+constexpr const char* kUnfinished = ".being-written-";
+
+// A new file of the folder, which no other program knows the name of but for its process; the
+// caller owns the descriptor.
 int NewFile(const std::filesystem::path& folder, std::filesystem::path& path)
 {
-    std::string strName = (folder / ".being-written-XXXXXX.wav").string();
+    std::string strName =
+        (folder / (kUnfinished + std::to_string(getpid()) + "-XXXXXX.wav")).string();
     const int nFile = mkstemps(strName.data(), 4);
     path = strName;
     if (nFile < 0)
@@ -147,6 +151,19 @@ void Sync(const std::filesystem::path& path)
         Fail("cannot sync", path, std::strerror(nError));
 }
 
+// The process that is writing, or was, the file of this name; 0 for a file of another kind.
+std::int64_t WriterOf(const std::string& strName)
+{
+    if (strName.rfind(kUnfinished, 0) != 0)
+        return 0;
+    return std::atoll(strName.c_str() + std::strlen(kUnfinished));
+}
+
+bool HasEnded(std::int64_t nProcess)
+{
+    return kill(static_cast<pid_t>(nProcess), 0) != 0 && errno == ESRCH;
+}
+
 // Gives the file the first free name of "stem.wav", "stem-2.wav", ... A link, unlike a renaming,
 // never replaces a file that somebody else has made meanwhile.
 std::filesystem::path GiveName(const std::filesystem::path& part, const std::string& strStem)
@@ -207,6 +224,17 @@ std::string CRenderFolder::Write(const Region& region)
     {
         unlink(part.c_str());
         throw;
+    }
+}
+
+void CRenderFolder::RemoveUnfinished(std::int64_t nProcess) const
+{
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(m_folder, error))
+    {
+        const std::int64_t nWriter = WriterOf(entry.path().filename().string());
+        if (nWriter > 0 && (nWriter == nProcess || nProcess == 0) && HasEnded(nWriter))
+            unlink(entry.path().c_str());
     }
 }
 

@@ -16,21 +16,20 @@ ScriptValue IsNull(const CScriptArguments& arguments)
 
 ScriptValue SampleRate(CScriptContext& context)
 {
-    const Document& document = context.SelectedDocument();
-    const Region* pRegion = document.FindRegion(document.nSelectedRegionId);
-    if (pRegion == nullptr && !document.regions.empty())
-        pRegion = &document.regions.front();
-    if (pRegion == nullptr)
+    CSessionDatabase& session = context.Session();
+    const DocumentKind kind = context.Selected();
+    std::optional<Region> region = session.FindRegion(kind, session.SelectedRegionId(kind));
+    if (!region)
+        region = session.FirstRegion(kind);
+    if (!region)
         throw CScriptError("the document has no audio yet, and so no sample rate");
-    return std::int64_t(pRegion->nSampleRate);
+    return std::int64_t(region->nSampleRate);
 }
 
 ScriptValue Render(CScriptContext& context, const CScriptArguments& arguments)
 {
-    const Region& region = context.FindRegion(arguments.Integer(1));
-    const std::int64_t nRegionId = region.nId;
-    const std::string strPath = context.Folder().Write(region);
-    context.Session().ReplaceAudio(context.Selected(), nRegionId, strPath);
+    const Region region = context.FindRegion(arguments.Integer(1));
+    context.Session().ReplaceAudio(region, context.Folder().Write(region));
     return {};
 }
 
@@ -45,7 +44,7 @@ std::vector<ScriptFunction> RenderFunctions(CScriptContext& context)
 {
     return {
         {"GetSelectedRegionID", [&context](const CScriptArguments&)
-         { return context.SelectedDocument().nSelectedRegionId; }},
+         { return context.Session().SelectedRegionId(context.Selected()); }},
         {"IsNullRegionID", IsNull},
         {"IsNullProcessID", IsNull},
         {"GetSampleRate", [&context](const CScriptArguments&) { return SampleRate(context); }},

@@ -23,25 +23,20 @@ DocumentKind CScriptContext::Selected() const
     return *m_selected;
 }
 
-const Document& CScriptContext::SelectedDocument() const
+Track CScriptContext::FindTrack(std::int64_t nTrackId) const
 {
-    return m_session.GetDocument(Selected());
-}
-
-const Track& CScriptContext::FindTrack(std::int64_t nTrackId) const
-{
-    const Track* pTrack = SelectedDocument().FindTrack(nTrackId);
-    if (pTrack == nullptr)
+    std::optional<Track> track = m_session.FindTrack(Selected(), nTrackId);
+    if (!track)
         throw CScriptError("the document has no track with the id " + std::to_string(nTrackId));
-    return *pTrack;
+    return *std::move(track);
 }
 
-const Region& CScriptContext::FindRegion(std::int64_t nRegionId) const
+Region CScriptContext::FindRegion(std::int64_t nRegionId) const
 {
-    const Region* pRegion = SelectedDocument().FindRegion(nRegionId);
-    if (pRegion == nullptr)
+    std::optional<Region> region = m_session.FindRegion(Selected(), nRegionId);
+    if (!region)
         throw CScriptError("the document has no region with the id " + std::to_string(nRegionId));
-    return *pRegion;
+    return *std::move(region);
 }
 
 std::vector<ScriptFunction> MakeScriptFunctions(CScriptContext& context)
@@ -79,7 +74,7 @@ bool Names(std::string_view strScript, std::string_view name)
 
 std::vector<std::string> ChangingNames()
 {
-    CSession session;
+    CSessionDatabase session{CSession()};
     CRenderFolder folder{{}};
     CScriptContext context(session, folder, true);
     std::vector<std::string> names;

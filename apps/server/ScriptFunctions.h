@@ -48,7 +48,7 @@
 
 #include "apps/server/LuaSandbox.h"
 #include "apps/server/RenderFolder.h"
-#include "apps/server/Session.h"
+#include "apps/server/SessionDatabase.h"
 
 #include <optional>
 #include <vector>
@@ -62,27 +62,26 @@ class CScriptContext
 public:
     // fHasDocuments: false makes both documents unselectable. Session and folder must outlive the
     // object.
-    CScriptContext(CSession& session, CRenderFolder& folder, bool fHasDocuments)
+    CScriptContext(CSessionDatabase& session, CRenderFolder& folder, bool fHasDocuments)
         : m_session(session), m_folder(folder), m_fHasDocuments(fHasDocuments)
     {
     }
 
-    CSession& Session() { return m_session; }
+    CSessionDatabase& Session() { return m_session; }
     // Where exported and rendered audio goes.
     CRenderFolder& Folder() { return m_folder; }
     // False when the document is not there.
     bool Select(DocumentKind kind);
     // A document was asked for that is not there.
     bool SelectionFailed() const { return m_fSelectionFailed; }
-    // Throw CScriptError when nothing is selected.
+    // Throws CScriptError when nothing is selected.
     DocumentKind Selected() const;
-    const Document& SelectedDocument() const;
     // Throw CScriptError when the selected document has no such thing.
-    const Track& FindTrack(std::int64_t nTrackId) const;
-    const Region& FindRegion(std::int64_t nRegionId) const;
+    Track FindTrack(std::int64_t nTrackId) const;
+    Region FindRegion(std::int64_t nRegionId) const;
 
 private:
-    CSession& m_session;
+    CSessionDatabase& m_session;
     CRenderFolder& m_folder;
     bool m_fHasDocuments;
     std::optional<DocumentKind> m_selected;

@@ -1,6 +1,6 @@
 #include "apps/server/ScriptWorker.h"
 
-#include "apps/server/SessionBlocks.h"
+#include "apps/server/RenderFolder.h"
 #include "apps/support/EndWithParent.h"
 #include "apps/support/Pipe.h"
 
@@ -14,6 +14,7 @@
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace Tarvane::Server
 {
@@ -34,13 +35,24 @@ struct Request
     std::size_t nScript;
 };
 
-struct Answer
+enum class Kind : char
 {
-    bool fRefused;
-    bool fChanged;
-    std::size_t nResult;
-    std::size_t nError;
-    std::size_t nSession;
+    Answer,
+    Saving, // an answer, which holds if the change that is being saved gets to the disk
+    Blocked // wants to know whether to try again; one byte comes back, 0 or 1
+};
+
+struct Header
+{
+    Kind kind = Kind::Answer;
+    bool fRefused = false;
+    bool fChanged = false;
+    bool fConflict = false;
+    bool fStorageFailed = false;
+    std::int64_t nUpdateCount = 0;
+    FileIdentity identity;
+    std::size_t nResult = 0;
+    std::size_t nError = 0;
 };
 
 bool WriteAll(int nFile, const void* pBytes, std::size_t nBytes)
@@ -90,39 +102,115 @@ void LimitProcessorTime(std::int64_t nMilliseconds)
     setitimer(ITIMER_PROF, &limit, nullptr);
 }
 
-bool SendAnswer(int nSocket, const Execution& execution)
+bool Send(int nSocket, Kind kind, const Execution& execution, const FileIdentity& identity)
 {
-    const std::string strSession =
-        execution.changed ? EncodeSession(*execution.changed) : std::string();
     const CommandReply& reply = execution.reply;
-    const Answer answer{reply.fRefused, execution.changed.has_value(), reply.strResult.size(),
-                        reply.strError.size(), strSession.size()};
-    return WriteAll(nSocket, &answer, sizeof answer) &&
+    const Header header{kind,
+                        reply.fRefused,
+                        reply.fChanged,
+                        execution.fConflict,
+                        execution.fStorageFailed,
+                        execution.nUpdateCount,
+                        identity,
+                        reply.strResult.size(),
+                        reply.strError.size()};
+    return WriteAll(nSocket, &header, sizeof header) &&
            WriteAll(nSocket, reply.strResult.data(), reply.strResult.size()) &&
-           WriteAll(nSocket, reply.strError.data(), reply.strError.size()) &&
-           WriteAll(nSocket, strSession.data(), strSession.size());
+           WriteAll(nSocket, reply.strError.data(), reply.strError.size());
 }
 
-void TakeSession(Execution& execution, const std::string& strSession)
+bool AskToTryAgain(int nSocket)
 {
-    try
-    {
-        execution.changed = DecodeSession(strSession);
-    }
-    catch (const CSessionFlaw& flaw)
-    {
-        execution.reply = {"",
-                           "nothing was changed, for the session could not be loaded again: " +
-                               std::string(flaw.what()),
-                           true};
-    }
+    Header blocked;
+    blocked.kind = Kind::Blocked;
+    char fTryAgain = 0;
+    return WriteAll(nSocket, &blocked, sizeof blocked) && ReadAll(nSocket, &fTryAgain, 1) &&
+           fTryAgain != 0;
 }
+
+// What the process does for its life: one command after the other.
+class CWork
+{
+public:
+    CWork(const WorkerSettings& settings, int nSocket, pid_t nServer)
+        : m_settings(settings), m_nSocket(nSocket),
+          m_session(settings.sessionFile, settings.identity, nServer)
+    {
+        if (!settings.strEditor.empty())
+            m_feed.emplace(Editor::MakeEditor(settings.strEditor));
+        Connect();
+    }
+
+    bool RunOne(const std::string& strScript, const Trouble& trouble)
+    {
+        Look();
+        if (!m_processor)
+        {
+            const bool fChange = NamesChange(strScript);
+            const CommandReply reply{"", (fChange ? kNotSaved : "") + m_session.Refusal(), fChange};
+            return Send(m_nSocket, Kind::Answer, {reply, 0, false, true}, m_session.Identity());
+        }
+        LimitProcessorTime(m_settings.limits.nMilliseconds + kGraceMilliseconds);
+        Execution execution = m_processor->Execute(strScript, trouble);
+        LimitProcessorTime(0);
+        return !execution.reply.fChanged ? Answer(execution) : Save(execution);
+    }
+
+private:
+    void Connect()
+    {
+        m_processor.reset();
+        if (m_session.Database() == nullptr)
+            return;
+        m_session.Database()->WhenLocked([nSocket = m_nSocket] { return AskToTryAgain(nSocket); });
+        m_processor.emplace(*m_session.Database(), CRenderFolder(m_settings.renderFolder),
+                            m_settings.fHasDocuments, m_settings.limits, m_settings.access);
+        if (m_feed)
+            m_processor->FeedInto(*m_feed);
+    }
+
+    // What is open may be another connection afterwards.
+    void Look()
+    {
+        const FileIdentity before = m_session.Identity();
+        m_session.Look();
+        if (!(m_session.Identity() == before))
+            Connect();
+        if (m_processor)
+            m_processor->RefuseChanges(m_session.Refusal());
+    }
+
+    bool Answer(const Execution& execution)
+    {
+        return Send(m_nSocket, Kind::Answer, execution, m_session.Identity());
+    }
+
+    bool Save(Execution& execution)
+    {
+        if (!m_session.IsOurs())
+        {
+            m_session.Database()->Rollback();
+            execution.fConflict = true;
+            execution.reply = {};
+            return Answer(execution);
+        }
+        if (!Send(m_nSocket, Kind::Saving, execution, m_session.Identity()))
+            return false;
+        execution.reply.strResult.clear();
+        m_processor->Conclude(execution);
+        return Answer(execution);
+    }
+
+    const WorkerSettings& m_settings;
+    int m_nSocket;
+    CServedSession m_session;
+    std::optional<CEditorFeed> m_feed;
+    std::optional<CCommandProcessor> m_processor; // none when there is no session
+};
 
 } // namespace
 
-CScriptWorker::CScriptWorker(const CCommandProcessor& processor)
-    : m_nUpdateCount(processor.Session().UpdateCount()),
-      m_nMilliseconds(processor.Limits().nMilliseconds)
+CScriptWorker::CScriptWorker(const WorkerSettings& settings) : m_settings(settings)
 {
     IgnoreBrokenPipes();
     std::array<int, 2> ends{};
@@ -130,13 +218,13 @@ CScriptWorker::CScriptWorker(const CCommandProcessor& processor)
         throw std::system_error(errno, std::generic_category(),
                                 "cannot reach a process for scripts");
     const pid_t nParent = getpid();
-    m_nProcess = fork();
+    m_nProcess = m_nLastProcess = fork();
     if (m_nProcess == 0)
     {
         std::signal(SIGTERM, SIG_DFL);
         std::signal(SIGINT, SIG_DFL);
         EndWithParent(nParent);
-        Serve(processor, ends[1]);
+        Serve(ends[1]);
     }
     const int nError = errno;
     close(ends[1]);
@@ -149,44 +237,60 @@ CScriptWorker::CScriptWorker(const CCommandProcessor& processor)
 
 CScriptWorker::~CScriptWorker()
 {
+    if (m_nProcess > 0 && m_fBusy)
+        Kill("");
+    // A watch may have the socket open as well.
+    shutdown(m_nSocket, SHUT_RDWR);
+    Reap();
     close(m_nSocket);
-    if (m_nProcess <= 0)
-        return;
-    kill(m_nProcess, SIGKILL);
-    while (waitpid(m_nProcess, nullptr, 0) < 0 && errno == EINTR)
-    {
-    }
 }
 
 // Nothing of the server's must outlive it in here: the bus would take it for alive, and its session
 // for in use. What is left is the standard streams and the socket.
-void CScriptWorker::Serve(const CCommandProcessor& processor, int nSocket)
+void CScriptWorker::Serve(int nSocket)
 {
     CloseAllBut(nSocket);
-    Request request;
-    while (ReadAll(nSocket, &request, sizeof request))
     {
-        std::string strScript(request.nScript, '\0');
-        if (!ReadAll(nSocket, strScript.data(), strScript.size()))
-            break;
-        LimitProcessorTime(m_nMilliseconds + kGraceMilliseconds);
-        const Execution execution = processor.Execute(strScript, request.trouble);
-        LimitProcessorTime(0);
-        if (!SendAnswer(nSocket, execution))
-            break;
+        CWork work(m_settings, nSocket, getppid());
+        Request request;
+        while (ReadAll(nSocket, &request, sizeof request))
+        {
+            std::string strScript(request.nScript, '\0');
+            if (!ReadAll(nSocket, strScript.data(), strScript.size()) ||
+                !work.RunOne(strScript, request.trouble))
+                break;
+        }
     }
     _exit(0);
 }
 
 void CScriptWorker::Begin(std::string_view strScript, const Trouble& trouble)
 {
+    m_fBusy = true;
     const Request request{trouble, strScript.size()};
     // A worker that has ended is told of by Receive.
     if (WriteAll(m_nSocket, &request, sizeof request))
         WriteAll(m_nSocket, strScript.data(), strScript.size());
 }
 
-std::optional<Execution> CScriptWorker::Receive()
+void CScriptWorker::TryAgain(bool fTryAgain)
+{
+    const char cAnswer = fTryAgain ? 1 : 0;
+    WriteAll(m_nSocket, &cAnswer, 1);
+}
+
+std::optional<WorkerReport> CScriptWorker::Receive()
+{
+    if (m_last)
+        return std::exchange(m_last, std::nullopt);
+    if (TakeBytes())
+        return TakeReport();
+    Reap();
+    return Last();
+}
+
+// False when nothing will come any more.
+bool CScriptWorker::TakeBytes()
 {
     std::array<char, kReadAtOnce> bytes;
     for (;;)
@@ -195,43 +299,99 @@ std::optional<Execution> CScriptWorker::Receive()
         if (nRead < 0 && errno == EINTR)
             continue;
         if (nRead < 0 && (errno == EAGAIN || errno == EWOULDBLOCK))
-            break;
+            return true;
         if (nRead <= 0)
-            return WhyItEnded();
+            return false;
         m_strReceived.append(bytes.data(), static_cast<std::size_t>(nRead));
     }
-    Answer answer;
-    if (m_strReceived.size() < sizeof answer)
-        return std::nullopt;
-    std::memcpy(&answer, m_strReceived.data(), sizeof answer);
-    const std::size_t nResult = sizeof answer, nError = nResult + answer.nResult,
-                      nSession = nError + answer.nError, nEnd = nSession + answer.nSession;
-    if (m_strReceived.size() < nEnd)
-        return std::nullopt;
-    Execution execution{{m_strReceived.substr(nResult, answer.nResult),
-                         m_strReceived.substr(nError, answer.nError), answer.fRefused},
-                        std::nullopt};
-    const std::string strSession = m_strReceived.substr(nSession, answer.nSession);
-    m_strReceived.clear();
-    if (answer.fChanged)
-        TakeSession(execution, strSession);
-    return execution;
 }
 
-Execution CScriptWorker::WhyItEnded()
+// Of a worker that has ended.
+WorkerReport CScriptWorker::Last()
 {
-    int nStatus = 0;
-    while (waitpid(m_nProcess, &nStatus, 0) < 0 && errno == EINTR)
+    std::optional<WorkerReport> report = TakeReport();
+    while (report && report->fBlocked)
+        report = TakeReport();
+    return report ? *std::move(report) : WhyItEnded();
+}
+
+// The first whole report of what has come in.
+std::optional<WorkerReport> CScriptWorker::TakeReport()
+{
+    Header header;
+    if (m_strReceived.size() < sizeof header)
+        return std::nullopt;
+    std::memcpy(&header, m_strReceived.data(), sizeof header);
+    const std::size_t nError = sizeof header + header.nResult, nEnd = nError + header.nError;
+    if (m_strReceived.size() < nEnd)
+        return std::nullopt;
+    WorkerReport report;
+    report.fBlocked = header.kind == Kind::Blocked;
+    report.execution = {{m_strReceived.substr(sizeof header, header.nResult),
+                         m_strReceived.substr(nError, header.nError), header.fRefused,
+                         header.fChanged},
+                        header.nUpdateCount,
+                        header.fConflict,
+                        header.fStorageFailed};
+    report.identity = m_settings.identity = header.identity;
+    m_strReceived.erase(0, nEnd);
+    if (header.kind == Kind::Saving)
+    {
+        m_saving = std::move(report.execution);
+        return TakeReport();
+    }
+    if (header.kind == Kind::Answer)
+    {
+        if (m_saving && header.fChanged)
+            report.execution.reply = std::move(m_saving->reply);
+        m_saving.reset();
+        m_fBusy = false;
+    }
+    return report;
+}
+
+WorkerReport CScriptWorker::WhyItEnded()
+{
+    RemoveUnfinishedAudio();
+    if (m_saving && HasSaved(*m_saving))
+        return {false, false, *std::move(m_saving), m_settings.identity};
+    WorkerReport report;
+    report.fEnded = true;
+    report.identity = m_settings.identity;
+    report.execution.reply.strError =
+        !m_strKilledFor.empty() ? m_strKilledFor
+        : WIFSIGNALED(m_nStatus) && WTERMSIG(m_nStatus) == SIGPROF
+            ? ProcessorTimeText(m_settings.limits.nMilliseconds)
+            : "the script has brought down the process that ran it" +
+                  (WIFSIGNALED(m_nStatus) ? ", by signal " + std::to_string(WTERMSIG(m_nStatus))
+                                          : std::string());
+    return report;
+}
+
+bool CScriptWorker::HasSaved(const Execution& execution) const
+try
+{
+    return CSessionDatabase(m_settings.sessionFile).UpdateCount() == execution.nUpdateCount;
+}
+catch (const std::exception&)
+{
+    // What cannot be read is not to be told as done.
+    return false;
+}
+
+void CScriptWorker::RemoveUnfinishedAudio() const
+{
+    CRenderFolder(m_settings.renderFolder).RemoveUnfinished(m_nLastProcess);
+}
+
+void CScriptWorker::Reap()
+{
+    if (m_nProcess <= 0)
+        return;
+    while (waitpid(m_nProcess, &m_nStatus, 0) < 0 && errno == EINTR)
     {
     }
     m_nProcess = -1;
-    const std::string strError =
-        WIFSIGNALED(nStatus) && WTERMSIG(nStatus) == SIGPROF
-            ? ProcessorTimeText(m_nMilliseconds)
-            : "the script has brought down the process that ran it" +
-                  (WIFSIGNALED(nStatus) ? ", by signal " + std::to_string(WTERMSIG(nStatus))
-                                        : std::string());
-    return {{"", strError, false}, std::nullopt};
 }
 
 void CScriptWorker::Stop()
@@ -244,6 +404,18 @@ void CScriptWorker::Continue()
 {
     if (m_nProcess > 0)
         kill(m_nProcess, SIGCONT);
+}
+
+void CScriptWorker::Kill(const std::string& strWhy)
+{
+    if (m_nProcess <= 0)
+        return;
+    m_strKilledFor = strWhy;
+    kill(m_nProcess, SIGKILL);
+    Reap();
+    // Before anybody else changes the session, which would hide whether this one has.
+    TakeBytes();
+    m_last = Last();
 }
 
 } // namespace Tarvane::Server

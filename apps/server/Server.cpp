@@ -1,11 +1,15 @@
 #include "apps/server/Server.h"
 
-#include "apps/server/CommandProcessor.h"
+#include "apps/server/CommandQueue.h"
 #include "apps/server/EditorFeed.h"
 #include "apps/server/EndSignals.h"
 #include "apps/server/EventHandler.h"
 #include "apps/server/EventLog.h"
+#include "apps/server/RenderFolder.h"
 #include "apps/server/ServerLoop.h"
+#include "apps/server/SessionCheck.h"
+#include "apps/server/SessionDatabase.h"
+#include "apps/server/SessionExchange.h"
 #include "apps/server/SessionListing.h"
 #include "apps/support/CommandLine.h"
 #include "apps/support/Pipe.h"
@@ -15,7 +19,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <iostream>
-#include <memory>
+#include <optional>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -26,73 +30,84 @@ namespace Tarvane::Server
 namespace
 {
 
-std::vector<std::string> TrackNames(const CSession& session)
+void RequireAgreement(const std::vector<Track>& tracks, double dLinkOffset, const Options& options,
+                      const std::filesystem::path& file)
 {
     std::vector<std::string> names;
-    for (const Track& track : session.GetDocument(DocumentKind::Script).tracks)
+    for (const Track& track : tracks)
         names.push_back(track.strName);
-    return names;
-}
-
-void RequireAgreement(const CSession& session, const Options& options, const std::string& strFile)
-{
     const char* szConflict = nullptr;
-    if (!options.trackNames.empty() && options.trackNames != TrackNames(session))
+    if (!options.trackNames.empty() && options.trackNames != names)
         szConflict = "--track";
-    if (options.linkOffset && *options.linkOffset != session.LinkOffset())
+    if (options.linkOffset && *options.linkOffset != dLinkOffset)
         szConflict = "--link-offset";
     if (szConflict != nullptr)
-        throw CUsageError("the session " + strFile + " exists and says otherwise than " +
+        throw CUsageError("the session " + file.string() + " exists and says otherwise than " +
                           szConflict + ", which is for new sessions; leave the option out to " +
                           "continue this session, or name another file");
 }
 
-// Empty as well for a flawed file, which is kept aside: whoever starts a server wants to work.
-std::optional<CSession> LoadOrKeepAside(CSessionStore& store)
+CSession NewSession(const Options& options)
 {
-    try
-    {
-        return store.Load();
-    }
-    catch (const CSessionFlaw& flaw)
-    {
-        std::cerr << "tarvane-server: " << flaw.what() << "; it is kept as "
-                  << store.KeepFlawed().string() << ", and a new session begins" << std::endl;
-        return std::nullopt;
-    }
-    catch (const CSessionTooNew& version)
-    {
-        throw CUsageError(version.what());
-    }
+    return CSession(options.trackNames, options.linkOffset.value_or(0.0));
 }
 
-std::optional<CSession> LoadForListing(CSessionStore& store)
+// Whoever starts a server wants to work.
+void BeginAnew(CSessionStore& store, const Options& options, const std::string& strFlaw)
 {
-    try
-    {
-        return store.Load();
-    }
-    catch (const CSessionFlaw& flaw)
-    {
-        throw CUsageError(flaw.what());
-    }
-    catch (const CSessionTooNew& version)
-    {
-        throw CUsageError(version.what());
-    }
+    std::cerr << "tarvane-server: " << strFlaw << "; it is kept as " << store.KeepFlawed().string()
+              << ", and a new session begins" << std::endl;
+    store.Save(NewSession(options));
+}
+
+void GoOn(const CSessionStore& store, const Options& options)
+{
+    if (access(store.File().c_str(), W_OK) != 0)
+        throw std::system_error(errno, std::generic_category(),
+                                "cannot write " + store.File().string());
+    CSessionDatabase database(store.File());
+    RequireAgreement(database.Tracks(DocumentKind::Script), database.LinkOffset(), options,
+                     store.File());
+}
+
+void TakeOver(CSessionStore& store, const Options& options)
+{
+    const CSession session = store.Load().value();
+    RequireAgreement(session.GetDocument(DocumentKind::Script).tracks, session.LinkOffset(),
+                     options, store.File());
+    const std::filesystem::path kept = store.KeepEarlier();
+    store.Save(session);
+    std::cerr << "tarvane-server: the session file " << store.File().string()
+              << " was of an earlier form; it is a database from now on, and the earlier one is "
+                 "kept as "
+              << kept.string() << std::endl;
+}
+
+// What the editor has not had yet.
+void BringUpToDate(const std::string& strEditor, const CSessionStore& store)
+{
+    CSessionDatabase session(store.File());
+    CEditorFeed(Editor::MakeEditor(strEditor)).Begin(session);
 }
 
 int PrintListing(const Options& options)
 {
     CSessionStore store(options.strListedFile);
-    const std::optional<CSession> session = LoadForListing(store);
-    if (!session)
-        throw CUsageError("there is no session file " + options.strListedFile);
-    std::cout << (options.fJson ? ListSessionAsJson(*session) : ListSession(*session));
+    const CSession session = LoadOrComplain(store);
+    std::cout << (options.fJson ? ListSessionAsJson(session) : ListSession(session));
     std::cout.flush();
     if (!std::cout)
         throw std::runtime_error("the listing could not be written");
     return kExitDone;
+}
+
+std::filesystem::path NewPrivateFolder(const std::string& strWhat)
+{
+    std::string strNew =
+        (std::filesystem::temp_directory_path() / "tarvane-server-XXXXXX").string();
+    if (mkdtemp(strNew.data()) == nullptr)
+        throw std::system_error(errno, std::generic_category(), "cannot make " + strWhat);
+    return strNew;
 }
 
 // A folder into which nobody else can put anything.
@@ -105,41 +120,67 @@ std::filesystem::path PrivateFolder()
         if (szFolder != nullptr && szFolder[0] == '/')
             return std::filesystem::path(szFolder) / szBelow;
     }
-    std::string strNew =
-        (std::filesystem::temp_directory_path() / "tarvane-server-XXXXXX").string();
-    if (mkdtemp(strNew.data()) == nullptr)
-        throw std::system_error(errno, std::generic_category(),
-                                "cannot make a folder for audio; name one with --render-folder");
-    return strNew;
+    return NewPrivateFolder("a folder for audio; name one with --render-folder");
+}
+
+// Where a session lives that nobody keeps, for as long as the object.
+class CPassingFolder
+{
+public:
+    CPassingFolder() : m_path(NewPrivateFolder("a folder for the session; name one with --session"))
+    {
+    }
+    ~CPassingFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    CPassingFolder(const CPassingFolder&) = delete;
+    CPassingFolder& operator=(const CPassingFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return m_path; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+std::string FlawText(const CSessionStore& store, const std::string& strFlaw)
+{
+    return "the session file " + store.File().string() + " is flawed: " + strFlaw;
 }
 
 } // namespace
 
-CSession OpenSession(CSessionStore* pStore, const Options& options)
+void OpenSession(CSessionStore& store, const Options& options)
 {
-    CSession fresh(options.trackNames, options.linkOffset.value_or(0.0));
-    if (pStore == nullptr)
-        return fresh;
-    pStore->Lock();
-    if (std::optional<CSession> existing = LoadOrKeepAside(*pStore))
+    store.Lock();
+    try
     {
-        RequireAgreement(*existing, options, pStore->File().string());
-        if (pStore->HasEarlierForm())
-            pStore->Save(*existing);
-        return *std::move(existing);
+        // A file that cannot be written is better found now than at the first take.
+        if (!store.Exists())
+            store.Save(NewSession(options));
+        else if (store.IsDatabase())
+            GoOn(store, options);
+        else
+            TakeOver(store, options);
     }
-    // A file that cannot be written is better found now than at the first take.
-    pStore->Save(fresh);
-    return fresh;
+    catch (const CSessionFlaw& flaw)
+    {
+        BeginAnew(store, options, flaw.what());
+    }
+    catch (const CSessionTooNew& version)
+    {
+        throw CUsageError(version.what());
+    }
 }
 
-std::filesystem::path RenderFolderFor(const CSessionStore* pStore, const Options& options)
+std::filesystem::path RenderFolderFor(const CSessionStore& store, const Options& options)
 {
     if (!options.strRenderFolder.empty())
         return std::filesystem::absolute(options.strRenderFolder);
-    if (pStore == nullptr)
+    if (options.strSessionFile.empty())
         return PrivateFolder() / "audio";
-    std::filesystem::path folder = pStore->File();
+    std::filesystem::path folder = store.File();
     return folder += ".audio";
 }
 
@@ -147,33 +188,60 @@ int RunServer(const Options& options)
 {
     if (!options.strListedFile.empty())
         return PrintListing(options);
+    if (!options.strExportFile.empty())
+        return ExportSession(options);
+    if (!options.strImportFile.empty())
+        return ImportSession(options);
 
     IgnoreBrokenPipes();
     CEndSignals signals;
     CServerLoop loop;
-    std::unique_ptr<CSessionStore> pStore;
-    if (!options.strSessionFile.empty())
-        pStore = std::make_unique<CSessionStore>(options.strSessionFile);
-    else
+    std::optional<CPassingFolder> passing;
+    if (options.strSessionFile.empty())
+    {
         std::cerr << "tarvane-server: no --session: what clients send is not kept" << std::endl;
+        passing.emplace();
+    }
+    CSessionStore store(passing ? passing->Path() / "session"
+                                : std::filesystem::path(options.strSessionFile));
 
     CEventLog log(options.strLogFile);
-    CCommandProcessor processor(OpenSession(pStore.get(), options), pStore.get(),
-                                CRenderFolder(RenderFolderFor(pStore.get(), options)),
-                                !options.fNoDocument, {}, {options.fReadOnly, options.fNoDelete});
-    std::unique_ptr<CEditorFeed> pFeed;
+    OpenSession(store, options);
     if (!options.strEditor.empty())
+        BringUpToDate(options.strEditor, store);
+    const CRenderFolder renderFolder(RenderFolderFor(store, options));
+    renderFolder.RemoveUnfinished();
+    const auto settings = [&]
     {
-        pFeed = std::make_unique<CEditorFeed>(Editor::MakeEditor(options.strEditor));
-        pFeed->Begin(processor.Session());
-        processor.FeedInto(*pFeed);
-    }
+        return WorkerSettings{store.File(),
+                              IdentityOf(store.File()),
+                              renderFolder.Path(),
+                              !options.fNoDocument,
+                              {},
+                              {options.fReadOnly, options.fNoDelete},
+                              options.strEditor};
+    };
+    std::optional<CSessionCheck> check;
+    CCommandQueue queue(settings());
+    check.emplace(store.File(),
+                  [&](const std::optional<std::string>& flaw)
+                  {
+                      if (flaw)
+                          queue.StartOver(
+                              [&]
+                              {
+                                  BeginAnew(store, options, FlawText(store, *flaw));
+                                  return settings();
+                              });
+                      queue.LetChanges();
+                  });
+    queue.HoldChanges();
     const std::chrono::milliseconds delay(std::llround(options.dDelay * 1000));
     CMisbehaviour misbehaviour(options.faults, options.seed);
     if (misbehaviour.StartsSlowly())
         signals.WaitFor(delay);
     CEventHandler handler(
-        processor, log, std::move(misbehaviour),
+        queue, log, std::move(misbehaviour),
         {[&signals] { signals.Wait(); }, [&signals, delay] { signals.WaitFor(delay); }});
     handler.Install();
     std::cout << "ready" << std::endl;

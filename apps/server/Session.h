@@ -1,5 +1,7 @@
 // What the server keeps: two documents with their tracks and regions, the offset between the
-// timelines, and a count of changes. A value; copies are whole and independent.
+// timelines, and a count of changes. A value; copies are whole and independent. It is what whole
+// sessions are read, written and checked as; a server at work has its session in a database
+// (SessionDatabase.h).
 #pragma once
 
 #include <array>
@@ -124,31 +126,6 @@ public:
     std::int64_t UpdateCount() const { return m_nUpdateCount; }
     std::int64_t NextId() const { return m_nNextId; }
 
-    // The changes. Each counts one update, but for one that changes nothing.
-
-    // Returns the new track's id.
-    std::int64_t AddTrack(DocumentKind kind, const std::string& strName);
-    // The track is one of the document; a name is valid.
-    void RenameTrack(DocumentKind kind, std::int64_t nTrackId, const std::string& strName);
-    // To a place in the list, from 0, at most its last; the tracks from there on move up.
-    void MoveTrack(DocumentKind kind, std::int64_t nTrackId, std::size_t nPlace);
-    // Regions and marker areas of the track go with it, and so do the processes that it takes part
-    // in.
-    void DeleteTrack(DocumentKind kind, std::int64_t nTrackId);
-    // Gives the region the next id and returns it. Its track is one of the document.
-    std::int64_t AddRegion(DocumentKind kind, Region region);
-    void SelectRegion(DocumentKind kind, std::int64_t nRegionId);
-    // Lets the region play all of another file, without moving it on the timeline or changing its
-    // length.
-    void ReplaceAudio(DocumentKind kind, std::int64_t nRegionId, const std::string& strPath);
-    // Whatever named the region names none from then on.
-    void DeleteRegion(DocumentKind kind, std::int64_t nRegionId);
-    // Give the new thing the next id and return it. Its tracks are the document's.
-    std::int64_t AddMarkerArea(DocumentKind kind, MarkerArea area);
-    std::int64_t AddProcess(DocumentKind kind, Process process);
-    void DeleteMarkerArea(DocumentKind kind, std::int64_t nAreaId);
-    void MoveDisplay(DocumentKind kind, double dPosition);
-
     // Puts a stored session together again; the caller checks it with Flaw.
     static CSession Restore(std::array<Document, 2> documents, double dLinkOffset,
                             std::int64_t nUpdateCount, std::int64_t nNextId);
@@ -156,8 +133,6 @@ public:
     std::optional<std::string> Flaw() const;
 
 private:
-    Document& Edit(DocumentKind kind);
-
     std::array<Document, 2> m_documents;
     double m_dLinkOffset = 0.0;
     std::int64_t m_nUpdateCount = 0;

@@ -8,28 +8,28 @@ namespace
 
 constexpr const char* kRenamed = " (renamed)";
 
-void LoseLastTrack(CSession& session, DocumentKind kind)
+void LoseLastTrack(CSessionDatabase& session, DocumentKind kind)
 {
-    const std::vector<Track>& tracks = session.GetDocument(kind).tracks;
+    const std::vector<Track> tracks = session.Tracks(kind);
     if (!tracks.empty())
         session.DeleteTrack(kind, tracks.back().nId);
 }
 
-void MoveTracks(CSession& session, DocumentKind kind)
+void MoveTracks(CSessionDatabase& session, DocumentKind kind)
 {
-    const std::vector<Track> tracks = session.GetDocument(kind).tracks;
+    const std::vector<Track> tracks = session.Tracks(kind);
     for (const Track& track : tracks)
     {
         session.MoveTrack(kind, track.nId, 0);
         const std::string strName = track.strName + kRenamed;
         if (!NameFlaw(strName))
-            session.RenameTrack(kind, track.nId, strName);
+            session.RenameTrack(track.nId, strName);
     }
 }
 
 } // namespace
 
-void Befall(CSession& session, const FaultSet& faults)
+void Befall(CSessionDatabase& session, const FaultSet& faults)
 {
     for (const DocumentKind kind : kDocumentKinds)
     {

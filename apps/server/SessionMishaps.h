@@ -2,12 +2,12 @@
 #pragma once
 
 #include "apps/server/Misbehaviour.h"
-#include "apps/server/Session.h"
+#include "apps/server/SessionDatabase.h"
 
 namespace Tarvane::Server
 {
 
 // Of the faults it knows those that befall tracks, in both documents; the others change nothing.
-void Befall(CSession& session, const FaultSet& faults);
+void Befall(CSessionDatabase& session, const FaultSet& faults);
 
 } // namespace Tarvane::Server

@@ -1,13 +1,13 @@
 #include "apps/server/SessionStore.h"
 
 #include "apps/server/SessionBlocks.h"
+#include "apps/server/SessionDatabase.h"
 #include "apps/server/SessionText.h"
 #include "apps/support/AtomicFile.h"
 
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -17,15 +17,21 @@ namespace Tarvane::Server
 namespace
 {
 
-// Far above any session of use; a file that is no session at all is not read into memory.
-constexpr std::size_t kLargestFile = std::size_t(256) << 20;
-
-CSessionStore::FileStamp StampOf(const std::filesystem::path& file)
+std::filesystem::path LogOf(const std::filesystem::path& file)
 {
-    struct stat status = {};
-    if (stat(file.c_str(), &status) != 0)
-        return {};
-    return {static_cast<std::uintmax_t>(status.st_dev), status.st_ino, status.st_size};
+    return file.string() + "-wal";
+}
+
+void RemoveDatabase(const std::filesystem::path& file)
+{
+    for (const char* szOf : {"", "-wal", "-shm", "-journal"})
+        std::filesystem::remove(file.string() + szOf);
+}
+
+CSession LoadEarlier(const std::filesystem::path& file)
+{
+    const std::string strContent = ReadFile(file, kLargestSessionFile);
+    return IsSessionText(strContent) ? DecodeSessionText(strContent) : DecodeSession(strContent);
 }
 
 } // namespace
@@ -53,18 +59,13 @@ void CSessionStore::Lock()
                                  " is in use by another server; end that one first");
 }
 
-std::optional<CSession> CSessionStore::Load()
+// What read says of the file, with its name.
+template <typename Read> auto CSessionStore::Named(Read&& read) const
 {
-    // A dangling link was resolved to its target, so a missing file is a new session in any case.
-    if (!std::filesystem::exists(m_file))
-        return std::nullopt;
-    m_strContent = ReadFile(m_file, kLargestFile);
-    m_stamp = StampOf(m_file);
-    m_fEarlierForm = IsSessionText(m_strContent);
     const std::string strWhich = "the session file " + m_file.string();
     try
     {
-        return m_fEarlierForm ? DecodeSessionText(m_strContent) : DecodeSession(m_strContent);
+        return read();
     }
     catch (const CSessionFlaw& flaw)
     {
@@ -74,67 +75,86 @@ std::optional<CSession> CSessionStore::Load()
     {
         throw CSessionTooNew(strWhich + " is of a later program: " + version.what());
     }
+    catch (const SQLite::Exception& error)
+    {
+        throw std::runtime_error(strWhich + " cannot be used: " + error.what());
+    }
+}
+
+std::optional<CSession> CSessionStore::Load()
+{
+    if (!Exists())
+        return std::nullopt;
+    return Named(
+        [this]
+        {
+            try
+            {
+                return CSessionDatabase::Load(m_file);
+            }
+            catch (const CNoDatabase&)
+            {
+                return LoadEarlier(m_file);
+            }
+        });
+}
+
+bool CSessionStore::Exists() const
+{
+    // A dangling link was resolved to its target, so a missing file is a new session in any case.
+    return std::filesystem::exists(m_file);
+}
+
+bool CSessionStore::IsDatabase() const
+{
+    return Named(
+        [this]
+        {
+            try
+            {
+                CSessionDatabase database(m_file);
+                return true;
+            }
+            catch (const CNoDatabase&)
+            {
+                return false;
+            }
+        });
 }
 
 std::filesystem::path CSessionStore::KeepFlawed() const
 {
-    return KeepUnderSecondName(m_file, ".flawed");
+    const std::filesystem::path kept = KeepUnderSecondName(m_file, ".flawed");
+    // What its log holds belongs to it.
+    std::error_code ignored;
+    std::filesystem::create_hard_link(LogOf(m_file), LogOf(kept), ignored);
+    return kept;
+}
+
+std::filesystem::path CSessionStore::KeepEarlier() const
+{
+    return KeepUnderSecondName(m_file, ".earlier");
 }
 
 void CSessionStore::Save(const CSession& session)
 {
     if (const auto flaw = session.Flaw())
         throw CSessionFlaw("it could not be loaded again: " + *flaw);
-    std::string strContent = EncodeSession(session);
-    if (strContent.size() > kLargestFile)
-        throw CSessionFlaw("it would be larger than " + std::to_string(kLargestFile >> 20) +
-                           " MiB, and could not be loaded again");
-    RequireOwnFile();
+    const std::filesystem::path neighbour = NeighbourOf(m_file);
+    RemoveDatabase(neighbour);
     try
     {
-        ReplaceFile(m_file, strContent);
+        CSessionDatabase::Make(neighbour, session);
     }
-    catch (const std::system_error&)
+    catch (const SQLite::Exception& error)
     {
-        PutBack();
-        m_stamp = StampOf(m_file);
-        throw;
+        RemoveDatabase(neighbour);
+        throw std::runtime_error("cannot write " + neighbour.string() + ": " + error.what());
     }
-    m_strContent = std::move(strContent);
-    m_stamp = StampOf(m_file);
-    m_fEarlierForm = false;
-}
-
-// Somebody else's session under the name must not be lost; nor must what is only here.
-void CSessionStore::RequireOwnFile()
-{
-    const FileStamp now = StampOf(m_file);
-    if (m_strRefusal.empty() && now.nInode != 0 && m_stamp.nInode != 0 && !(now == m_stamp))
-    {
-        const std::filesystem::path kept = m_file.string() + ".kept-" + std::to_string(getpid());
-        ReplaceFile(kept, m_strContent);
-        m_strRefusal = "the session file " + m_file.string() +
-                       " was changed by another program and is left as it is; the session as this "
-                       "server last saved it is in " +
-                       kept.string() + ". End the server and decide between the two";
-    }
-    if (!m_strRefusal.empty())
-        throw std::runtime_error(m_strRefusal);
-}
-
-// The file has been replaced already when it is its folder that could not be synced. The session
-// in it must not come back at the next start: its change has been refused by then.
-void CSessionStore::PutBack()
-{
-    try
-    {
-        if (!m_strContent.empty() && ReadFile(m_file, kLargestFile) != m_strContent)
-            ReplaceFile(m_file, m_strContent);
-    }
-    catch (const std::system_error&)
-    {
-        // The caller is told of the first failure, which has the same cause.
-    }
+    // A log that is left over would be taken for the new one's.
+    std::filesystem::remove(LogOf(m_file));
+    std::filesystem::remove(m_file.string() + "-shm");
+    MoveNeighbourIntoPlace(m_file);
 }
 
 } // namespace Tarvane::Server

@@ -9,17 +9,18 @@ namespace
 
 ScriptValue TrackCount(CScriptContext& context)
 {
-    return static_cast<std::int64_t>(context.SelectedDocument().tracks.size());
+    return context.Session().TrackCount(context.Selected());
 }
 
 ScriptValue TrackId(CScriptContext& context, const CScriptArguments& arguments)
 {
-    const std::vector<Track>& tracks = context.SelectedDocument().tracks;
+    const DocumentKind kind = context.Selected();
     const std::int64_t nTrack = arguments.Integer(1);
-    if (nTrack < 0 || nTrack >= static_cast<std::int64_t>(tracks.size()))
+    const std::optional<Track> track = context.Session().TrackAt(kind, nTrack);
+    if (!track)
         throw CScriptError("there is no track " + std::to_string(nTrack) + "; the document has " +
-                           std::to_string(tracks.size()) + ", counted from 0");
-    return tracks[static_cast<std::size_t>(nTrack)].nId;
+                           std::to_string(context.Session().TrackCount(kind)) + ", counted from 0");
+    return track->nId;
 }
 
 } // namespace

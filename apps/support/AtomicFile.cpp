@@ -58,10 +58,9 @@ void SyncFolder(const std::filesystem::path& folder)
         Fail("cannot sync ", folder);
 }
 
-void WriteSynced(const std::filesystem::path& path, std::string_view bytes, mode_t nMode)
+// Gives the written file its permissions, and sees it to the disk.
+void Settle(const CDescriptor& descriptor, mode_t nMode, const std::filesystem::path& path)
 {
-    const CDescriptor descriptor(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, nMode);
-    WriteAll(descriptor.Get(), bytes, path);
     if (fchmod(descriptor.Get(), nMode) != 0)
         Fail("cannot set the permissions of ", path);
     if (TarvaneSyncFile(descriptor.Get()) != 0)
@@ -93,13 +92,17 @@ std::filesystem::path FolderOf(const std::filesystem::path& file)
 
 } // namespace
 
-void ReplaceFile(const std::filesystem::path& file, std::string_view bytes)
+std::filesystem::path NeighbourOf(const std::filesystem::path& file)
 {
-    std::filesystem::path neighbour = file;
-    neighbour += ".saving";
+    return file.string() + ".saving";
+}
+
+void MoveNeighbourIntoPlace(const std::filesystem::path& file)
+{
+    const std::filesystem::path neighbour = NeighbourOf(file);
     try
     {
-        WriteSynced(neighbour, bytes, ModeFor(file));
+        Settle(CDescriptor(neighbour, O_WRONLY | O_NOFOLLOW), ModeFor(file), neighbour);
         if (rename(neighbour.c_str(), file.c_str()) != 0)
             Fail("cannot replace ", file);
     }
@@ -109,6 +112,23 @@ void ReplaceFile(const std::filesystem::path& file, std::string_view bytes)
         throw;
     }
     SyncFolder(FolderOf(file));
+}
+
+void ReplaceFile(const std::filesystem::path& file, std::string_view bytes)
+{
+    const std::filesystem::path neighbour = NeighbourOf(file);
+    try
+    {
+        const mode_t nMode = ModeFor(file);
+        const CDescriptor descriptor(neighbour, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, nMode);
+        WriteAll(descriptor.Get(), bytes, neighbour);
+    }
+    catch (const std::system_error&)
+    {
+        unlink(neighbour.c_str());
+        throw;
+    }
+    MoveNeighbourIntoPlace(file);
 }
 
 std::filesystem::path KeepUnderSecondName(const std::filesystem::path& file,

@@ -16,6 +16,11 @@ namespace Tarvane
 // Throws std::system_error: what() says which step failed on which file.
 void ReplaceFile(const std::filesystem::path& file, std::string_view bytes);
 
+// For a new content that somebody else writes: the neighbour to write it to, and then, as above, to
+// move in the file's place. The neighbour takes over the file's permissions.
+std::filesystem::path NeighbourOf(const std::filesystem::path& file);
+void MoveNeighbourIntoPlace(const std::filesystem::path& file);
+
 // Gives the file a second name that nothing else has: "<name><suffix>", or the first free one of
 // "<name><suffix>-2", "<name><suffix>-3" and so on; one that an interrupted call has given it is
 // taken again. Under that name the content stands whatever becomes of the first one. Returns the

@@ -51,7 +51,10 @@ protected:
         region.nEnd = nEnd;
         region.nPosition = nPosition;
         region.nSampleRate = 48000;
-        session.AddRegion(kind, region);
+        std::array documents{session.GetDocument(DocumentKind::Script),
+                             session.GetDocument(DocumentKind::AudioSuite)};
+        documents[static_cast<std::size_t>(kind)].regions.push_back(region);
+        session = CSession::Restore(std::move(documents), kOffset, 0, session.NextId());
     }
     void AddBoth()
     {

@@ -46,15 +46,19 @@ protected:
         return Error("SelectScriptDocument() " + strScript);
     }
 
-    const Tarvane::Server::Document& ScriptDocument() const
+    Tarvane::Server::Document GetDocument(Tarvane::Server::DocumentKind kind)
     {
-        return m_processor.Session().GetDocument(Tarvane::Server::DocumentKind::Script);
+        return m_database.Content().GetDocument(kind);
+    }
+    Tarvane::Server::Document ScriptDocument()
+    {
+        return GetDocument(Tarvane::Server::DocumentKind::Script);
     }
 
     CTemporaryFolder m_folder;
     const std::string m_strTake = MakeSound(m_folder / "take.wav", Noise(100));
-    Tarvane::Server::CCommandProcessor m_processor{
-        Tarvane::Server::CSession({"Vox", "Guitar"}, 0.1), nullptr, RenderFolder(), true};
+    Tarvane::Server::CSessionDatabase m_database{Tarvane::Server::CSession({"Vox", "Guitar"}, 0.1)};
+    Tarvane::Server::CCommandProcessor m_processor{m_database, RenderFolder(), true};
 };
 
 } // namespace TarvaneTest

@@ -1,20 +1,26 @@
 #include "apps/server/CommandProcessor.h"
 
+#include "apps/server/SessionStore.h"
 #include "tests/apps/server/CommandFixture.h"
-#include "tests/apps/support/FailingCalls.h"
+#include "tests/apps/support/FullDisk.h"
 
 namespace Tarvane::Server
 {
 namespace
 {
 
-using TarvaneTest::CFailingCall;
+using TarvaneTest::CFullDisk;
+using testing::AnyOf;
 using testing::HasSubstr;
 
 class CommandProcessor : public TarvaneTest::CommandFixture
 {
 protected:
-    CommandProcessor() : m_store(m_folder / "session") {}
+    std::filesystem::path Made() const
+    {
+        CSessionStore(m_folder / "session").Save(CSession({"Vox"}, 0));
+        return m_folder / "session";
+    }
 
     std::string Add(std::int64_t nPosition) const
     {
@@ -28,16 +34,18 @@ protected:
     }
 
     // Regions of the script document: in the file, and in the server.
-    std::size_t StoredRegions() { return Regions(*CSessionStore(m_folder / "session").Load()); }
-    std::size_t LiveRegions() const { return Regions(m_stored.Session()); }
+    std::size_t StoredRegions() { return Regions(*CSessionStore(m_file).Load()); }
+    std::size_t LiveRegions() { return Regions(m_session.Content()); }
 
     static std::size_t Regions(const CSession& session)
     {
         return session.GetDocument(DocumentKind::Script).regions.size();
     }
 
-    CSessionStore m_store;
-    CCommandProcessor m_stored{CSession({"Vox"}, 0), &m_store, RenderFolder(), true};
+    // Made before what is below is opened.
+    const std::filesystem::path m_file = Made();
+    CSessionDatabase m_session{m_file};
+    CCommandProcessor m_stored{m_session, RenderFolder(), true};
 };
 
 TEST_F(CommandProcessor, AReplyHoldsWhatWasPrinted)
@@ -53,51 +61,68 @@ TEST_F(CommandProcessor, AChangeIsOnDiskWhenTheReplyIsThere)
     EXPECT_EQ(StoredRegions(), 1u);
 }
 
-TEST_F(CommandProcessor, AScriptWithManyChangesSavesOnce)
+TEST_F(CommandProcessor, AScriptWithManyChangesIsThereWholeOrNotAtAll)
 {
-    Run("MoveDisplayToPosition(1)");
-    // Of the two calls of each save the third belongs to a second one.
-    const CFailingCall failing("fsync", 3, EIO);
-    EXPECT_EQ(Run(Add(0) + Add(1000) + "MoveDisplayToPosition(5)").strError, "");
-    EXPECT_FALSE(failing.HasFailed());
+    m_stored.Execute("SelectScriptDocument() " + Add(0) + Add(1000) + "MoveDisplayToPosition(5)",
+                     {});
+    EXPECT_EQ(StoredRegions(), 0u);
+    m_session.Commit();
     EXPECT_EQ(StoredRegions(), 2u);
 }
 
 TEST_F(CommandProcessor, AScriptWithoutChangesSavesNothing)
 {
-    const CFailingCall failing("fsync", 1, EIO);
+    const CFullDisk full;
     EXPECT_EQ(Run("print(GetTrackCount())").strResult, "1\n");
-    EXPECT_FALSE(failing.HasFailed());
 }
 
 TEST_F(CommandProcessor, AFailedSaveUndoesTheChangeAndSaysSo)
 {
     Run(Add(0));
-    const std::int64_t nUpdates = m_stored.Session().UpdateCount();
-    for (const char* szCall : {"write", "fsync", "rename"})
+    const std::int64_t nUpdates = m_session.UpdateCount();
+    for (const std::string& strScript :
+         {"print(1) " + Add(1000), "print(1) pcall(function() " + Add(1000) + " end)"})
     {
-        const CFailingCall failing(szCall, 1, ENOSPC);
-        const CommandReply reply = Run("print(1) " + Add(1000));
+        const CFullDisk full;
+        const CommandReply reply = Run(strScript);
         EXPECT_THAT(reply.strError,
-                    HasSubstr("nothing was changed, for the session could not be saved: cannot "));
-        EXPECT_THAT(reply.strError, HasSubstr("No space left on device"));
+                    HasSubstr("nothing was changed, for the session could not be saved: "));
+        EXPECT_THAT(reply.strError, AnyOf(HasSubstr("disk I/O error"), HasSubstr("disk is full")));
         EXPECT_EQ(reply.strResult, "");
         EXPECT_TRUE(reply.fRefused);
+        EXPECT_FALSE(reply.fChanged);
         EXPECT_EQ(LiveRegions(), 1u);
         EXPECT_EQ(StoredRegions(), 1u);
-        EXPECT_EQ(m_stored.Session().UpdateCount(), nUpdates);
+        EXPECT_EQ(m_session.UpdateCount(), nUpdates);
     }
     EXPECT_EQ(Run(Add(1000)).strError, "");
     EXPECT_EQ(StoredRegions(), 2u);
 }
 
-TEST_F(CommandProcessor, ASaveThatFailsLateIsUndoneInTheFileToo)
+TEST_F(CommandProcessor, WhatTheScriptCatchesOfTheDiskIsAFailureAllTheSame)
 {
-    Run(Add(0));
-    const CFailingCall failing("fsync", 2, EIO);
-    EXPECT_THAT(Run(Add(1000)).strError, HasSubstr("nothing was changed"));
-    EXPECT_EQ(LiveRegions(), 1u);
-    EXPECT_EQ(StoredRegions(), 1u);
+    m_session.Begin();
+    m_session.Rollback();
+    SQLite::Database(m_file.string(), SQLite::OPEN_READWRITE).exec("DROP TABLE documents");
+    const CommandReply reply = Run("pcall(SelectProcess, 1) pcall(MoveDisplayToPosition, 7)");
+    EXPECT_THAT(reply.strError, HasSubstr("could not be saved: no such table: documents"));
+    EXPECT_TRUE(reply.fRefused);
+    const CommandReply question = Run("print(pcall(GetSelectedRegionID))");
+    EXPECT_THAT(question.strError, HasSubstr("the session could not be read: no such table"));
+    EXPECT_FALSE(question.fRefused);
+}
+
+TEST_F(CommandProcessor, AChangeAgainstAnotherCommandsIsAConflict)
+{
+    CSessionDatabase other(m_file);
+    other.Begin();
+    other.MoveDisplay(DocumentKind::Script, 5);
+    m_session.WhenLocked([] { return false; });
+    const Execution execution = m_stored.Execute(
+        "SelectScriptDocument() pcall(function() " + Add(0) + " end) print(1)", {});
+    EXPECT_TRUE(execution.fConflict);
+    EXPECT_FALSE(execution.reply.fChanged);
+    EXPECT_EQ(StoredRegions(), 0u);
 }
 
 TEST_F(CommandProcessor, WhatWasDoneBeforeAnErrorIsUndoneAndRefused)
@@ -148,7 +173,7 @@ TEST_F(CommandProcessor, AQuestionThatFailsIsAnsweredAndNotRefused)
 
 TEST_F(CommandProcessor, AChangeThatFindsNoDocumentIsRefused)
 {
-    const Trouble vanished{true, false};
+    const Trouble vanished{true, {}};
     const CommandReply reply =
         m_stored.Run("if SelectScriptDocument() then\n" + Add(0) + "end\n", vanished);
     EXPECT_EQ(reply.strError, "nothing was changed, for no document is open");
@@ -169,64 +194,41 @@ TEST_F(CommandProcessor, TheOutputOfAScriptThatFailsIsWithheld)
 
 TEST_F(CommandProcessor, AScriptThatFailsSavesNothing)
 {
-    const CFailingCall failing("write", 1, ENOSPC);
+    const CFullDisk full;
     EXPECT_EQ(Run(Add(0) + "error('and this', 0)").strError, "and this");
-    EXPECT_FALSE(failing.HasFailed());
+    EXPECT_EQ(LiveRegions(), 0u);
 }
 
 TEST_F(CommandProcessor, NoDocumentCanBeSelectedWhileItHasVanished)
 {
-    EXPECT_EQ(m_stored.Run("print(SelectScriptDocument())", {true, false}).strResult, "false\n");
+    EXPECT_EQ(m_stored.Run("print(SelectScriptDocument())", {true, {}}).strResult, "false\n");
     EXPECT_EQ(m_stored.Run("print(SelectScriptDocument())").strResult, "true\n");
 }
 
-TEST_F(CommandProcessor, AFrozenCounterStandsWhereItStood)
+TEST_F(CommandProcessor, AFrozenCounterStandsStill)
 {
     Run(Add(0));
-    const std::string strCount = m_stored.Run("print(GetUpdateCount())").strResult;
-    const Trouble frozen{false, true};
-    EXPECT_EQ(m_stored.Run("print(GetUpdateCount())", frozen).strResult, strCount);
+    const Trouble frozen{false, 41};
+    EXPECT_EQ(m_stored.Run("print(GetUpdateCount())", frozen).strResult, "41\n");
     m_stored.Run("SelectScriptDocument() " + Add(500), frozen);
-    EXPECT_EQ(m_stored.Run("print(GetUpdateCount())", frozen).strResult, strCount);
     EXPECT_EQ(StoredRegions(), 2u) << "what happens meanwhile is kept all the same";
-    EXPECT_NE(m_stored.Run("print(GetUpdateCount())").strResult, strCount);
-}
-
-TEST_F(CommandProcessor, AChangeBehindTheClientsBacksIsOnDisk)
-{
-    m_stored.Change([](CSession& session) { session.DeleteTrack(DocumentKind::Script, 1); });
-    EXPECT_TRUE(CSessionStore(m_folder / "session")
-                    .Load()
-                    ->GetDocument(DocumentKind::Script)
-                    .tracks.empty());
-}
-
-TEST_F(CommandProcessor, AChangeBehindTheClientsBacksThatCannotBeSavedIsUndone)
-{
-    Run(Add(0));
-    const CFailingCall failing("fsync", 1, EIO);
-    EXPECT_THROW(
-        m_stored.Change([](CSession& session) { session.DeleteTrack(DocumentKind::Script, 1); }),
-        std::runtime_error);
-    EXPECT_EQ(LiveRegions(), 1u);
+    EXPECT_EQ(m_stored.Run("print(GetUpdateCount())").strResult, "4\n");
 }
 
 TEST_F(CommandProcessor, AReadOnlyServerAnswersAndChangesNothing)
 {
-    CCommandProcessor processor(CSession({"Vox"}, 0), nullptr, RenderFolder(), true, {},
-                                {true, false});
+    CCommandProcessor processor(m_session, RenderFolder(), true, {}, {true, false});
     const CommandReply reply = processor.Run("SelectScriptDocument() " + Add(0));
     EXPECT_EQ(reply.strError,
               "AddAudioRegion: this server changes nothing: it was started with --read-only");
     EXPECT_TRUE(reply.fRefused);
     EXPECT_EQ(processor.Run("SelectScriptDocument() print(GetTrackCount())").strResult, "1\n");
-    EXPECT_EQ(processor.Session().UpdateCount(), 0);
+    EXPECT_EQ(m_session.UpdateCount(), 0);
 }
 
 TEST_F(CommandProcessor, AServerThatDeletesNothingAddsAllTheSame)
 {
-    CCommandProcessor processor(CSession({"Vox"}, 0), nullptr, RenderFolder(), true, {},
-                                {false, true});
+    CCommandProcessor processor(m_session, RenderFolder(), true, {}, {false, true});
     EXPECT_EQ(processor.Run("SelectScriptDocument() " + Add(0)).strError, "");
     for (const std::string strDelete :
          {"DeleteRegion(GetRegionID(GetTrackID(0), 0))", "DeleteMarkerArea(1)"})
@@ -235,22 +237,16 @@ TEST_F(CommandProcessor, AServerThatDeletesNothingAddsAllTheSame)
         EXPECT_THAT(reply.strError, HasSubstr("this server deletes nothing"));
         EXPECT_TRUE(reply.fRefused);
     }
-    EXPECT_EQ(Regions(processor.Session()), 1u);
+    EXPECT_EQ(LiveRegions(), 1u);
 }
 
 TEST_F(CommandProcessor, LimitsAreTheGivenOnes)
 {
     SandboxLimits limits;
     limits.nInstructions = 1000;
-    CCommandProcessor processor(CSession(), nullptr, RenderFolder(), true, limits);
+    CCommandProcessor processor(m_session, RenderFolder(), true, limits);
     EXPECT_EQ(processor.Run("for n = 1, 5000 do end").strError,
               "the script runs longer than 1000 instructions");
-}
-
-TEST_F(CommandProcessor, WithoutAStoreTheSessionLivesInMemory)
-{
-    SelectedResult(Add(0));
-    EXPECT_EQ(ScriptDocument().regions.size(), 1u);
 }
 
 } // namespace

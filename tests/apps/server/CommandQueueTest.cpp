@@ -1,5 +1,6 @@
 #include "apps/server/CommandQueue.h"
 
+#include "apps/server/SessionStore.h"
 #include "tests/apps/server/CommandFixture.h"
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -61,7 +62,20 @@ protected:
     std::vector<std::int64_t> m_begun;
     std::vector<std::int64_t> m_ended;
     std::vector<CommandReply> m_replies;
-    CCommandProcessor m_patient{CSession({"Vox"}, 0), nullptr, RenderFolder(), true, Limits()};
+    // Settings for a session that is made anew.
+    WorkerSettings Made(const SandboxLimits& limits) const
+    {
+        CSessionStore(m_file).Save(CSession({"Vox"}, 0));
+        return {m_file, IdentityOf(m_file), m_folder / "made", true, limits, {}};
+    }
+
+    Document Stored() const
+    {
+        return CSessionStore(m_file).Load()->GetDocument(DocumentKind::Script);
+    }
+
+    const std::filesystem::path m_file = m_folder / "session";
+    const WorkerSettings m_patient = Made(Limits());
 };
 
 TEST_F(CommandQueue, AnswersWhatWasPrintedAndKeepsWhatChanged)
@@ -72,7 +86,7 @@ TEST_F(CommandQueue, AnswersWhatWasPrintedAndKeepsWhatChanged)
     RunUntil(2);
     EXPECT_EQ(m_replies[0].strError, "");
     EXPECT_EQ(m_replies[1].strResult, "1\n");
-    EXPECT_EQ(m_patient.Session().GetDocument(DocumentKind::Script).regions.size(), 1u);
+    EXPECT_EQ(Stored().regions.size(), 1u);
 }
 
 TEST_F(CommandQueue, AShortQuestionIsBehindNoLongScript)
@@ -143,10 +157,11 @@ TEST_F(CommandQueue, AChangeOfASessionThatHasChangedMeanwhileIsMadeAnew)
         CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.01, false);
     Add(queue, 2, Adding(1000));
     RunUntil(2);
-    // Whoever came second began again.
-    EXPECT_THAT(m_begun, ElementsAre(1, 2, m_ended[1]));
+    // Whoever came second began again, and the other may have been ended in the middle.
+    EXPECT_GE(m_begun.size(), 3u);
+    EXPECT_LE(m_begun.size(), 4u);
     EXPECT_NE(m_ended[0], m_ended[1]);
-    EXPECT_EQ(m_patient.Session().GetDocument(DocumentKind::Script).regions.size(), 2u);
+    EXPECT_EQ(Stored().regions.size(), 2u);
 }
 
 TEST_F(CommandQueue, AQuestionHasNotChangedWhatAnotherClientChangesMeanwhile)
@@ -169,8 +184,7 @@ TEST_F(CommandQueue, WhatWaitsInTheWorldIsEndedToo)
     limits.longest = std::chrono::milliseconds(1000);
     SandboxLimits patient = Limits();
     patient.nMilliseconds = 1'000'000;
-    CCommandProcessor processor(CSession({"Vox"}, 0), nullptr, RenderFolder(), true, patient);
-    CCommandQueue queue(processor, limits);
+    CCommandQueue queue(Made(patient), limits);
     Add(queue, 1, std::string(kEndless) + " DeleteRegion()");
     RunUntil(1);
     EXPECT_EQ(m_replies[0].strError, "the script takes more than 1 seconds");

@@ -18,7 +18,7 @@ TEST_F(DocumentFunctions, BothDocumentsCanBeSelected)
 
 TEST_F(DocumentFunctions, WithoutADocumentNoneIsSelected)
 {
-    CCommandProcessor processor(CSession({"Vox"}, 0), nullptr, RenderFolder(), false);
+    CCommandProcessor processor(m_database, RenderFolder(), false);
     EXPECT_EQ(processor.Run("print(SelectScriptDocument())").strResult, "false\n");
     EXPECT_EQ(processor.Run("print(SelectAudioSuiteDocument())").strResult, "false\n");
     EXPECT_EQ(processor.Run("SelectScriptDocument() GetTrackCount()").strError,
@@ -51,7 +51,8 @@ TEST_F(DocumentFunctions, TheUpdateCountNeedsNoDocument)
 TEST_F(DocumentFunctions, TheOffsetPrintsInFull)
 {
     EXPECT_EQ(std::atof(SelectedResult("print(GetLinkSMPTEOffset())").c_str()), 0.1);
-    CCommandProcessor processor(CSession({}, 1001.0 / 30000.0), nullptr, RenderFolder(), true);
+    CSessionDatabase database(CSession({}, 1001.0 / 30000.0));
+    CCommandProcessor processor(database, RenderFolder(), true);
     const CommandReply reply =
         processor.Run("if SelectScriptDocument() then\nprint(GetLinkSMPTEOffset())\nend\n");
     EXPECT_EQ(std::atof(reply.strResult.c_str()), 1001.0 / 30000.0);
@@ -73,7 +74,7 @@ TEST_F(DocumentFunctions, EachDocumentHasItsDisplay)
 {
     Result("SelectAudioSuiteDocument() MoveDisplayToPosition(9)");
     EXPECT_EQ(ScriptDocument().dDisplayPosition, 0.0);
-    EXPECT_EQ(m_processor.Session().GetDocument(DocumentKind::AudioSuite).dDisplayPosition, 9.0);
+    EXPECT_EQ(GetDocument(DocumentKind::AudioSuite).dDisplayPosition, 9.0);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "apps/server/Duplicates.h"
 
 #include "apps/server/SoundFiles.h"
+#include "tests/apps/server/MadeSession.h"
 #include "tests/apps/server/SoundMaker.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
@@ -17,6 +18,7 @@ namespace Tarvane::Server
 namespace
 {
 
+using TarvaneTest::CMadeSession;
 using TarvaneTest::MakeSound;
 using TarvaneTest::Noise;
 
@@ -128,10 +130,9 @@ protected:
 
     bool Has(double dLinkOffset = 0.0)
     {
-        Document document;
-        document.tracks = {{1, "Vox"}, {2, "Guitar"}};
-        document.regions = {m_region};
-        return HasDuplicate(document, m_captured, dLinkOffset);
+        CMadeSession session({"Vox", "Guitar"}, dLinkOffset);
+        session.AddRegion(m_region);
+        return HasDuplicate(session, m_captured);
     }
 
     TarvaneTest::CTemporaryFolder m_folder;
@@ -152,7 +153,8 @@ TEST_F(Duplicates, TheSameFileIsOne)
 
 TEST_F(Duplicates, AnEmptyDocumentHasNone)
 {
-    EXPECT_FALSE(HasDuplicate(Document(), m_captured, 0.0));
+    CMadeSession session({"Vox"}, 0.0);
+    EXPECT_FALSE(HasDuplicate(session, m_captured));
 }
 
 TEST_F(Duplicates, EverySampleOfTheRegionCounts)

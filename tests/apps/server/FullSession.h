@@ -2,6 +2,7 @@
 #pragma once
 
 #include "apps/server/Session.h"
+#include "tests/apps/server/MadeSession.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +15,7 @@ inline Tarvane::Server::CSession FullSession()
 {
     using namespace Tarvane::Server;
     constexpr DocumentKind kScript = DocumentKind::Script;
-    CSession session({"Vox \u00e9", "Guitar"}, 1001.0 / 30000.0);
+    CMadeSession session({"Vox \u00e9", "Guitar"}, 1001.0 / 30000.0);
     Region region;
     region.nTrackId = 2;
     region.strPath = "/audio/take \"1\"\\.wav";
@@ -24,11 +25,11 @@ inline Tarvane::Server::CSession FullSession()
     region.nSampleRate = 96000;
     region.channels = {0, 2};
     region.fMuted = true;
-    session.SelectRegion(kScript, session.AddRegion(kScript, region));
+    session.SelectRegion(kScript, session.AddRegion(region));
     session.MoveDisplay(DocumentKind::AudioSuite, 1244.5);
-    session.AddMarkerArea(kScript, {kNullId, 1, -20, 30});
+    session.AddMarkerArea({kNullId, 1, -20, 30});
     session.AddProcess(kScript, {kNullId, "GDX", "PT", {{1, 1, 5, 25}, {2, 2, 0, 7}}, {1}, 5});
-    return session;
+    return session.Content();
 }
 
 inline void ExpectFullSession(const Tarvane::Server::CSession& session)

@@ -1,16 +1,20 @@
 #include "apps/server/Server.h"
 
+#include "apps/server/SessionBlocks.h"
+#include "apps/server/SessionDatabase.h"
 #include "apps/support/AtomicFile.h"
 #include "apps/support/CommandLine.h"
 #include "tests/apps/server/FullSession.h"
+#include "tests/apps/support/FailingCalls.h"
+#include "tests/apps/support/FullDisk.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
 #include <cstdlib>
 #include <fstream>
-#include <memory>
 #include <optional>
+#include <unistd.h>
 
 namespace Tarvane::Server
 {
@@ -25,7 +29,8 @@ protected:
     CSession Open()
     {
         CSessionStore store(m_file);
-        return OpenSession(&store, m_options);
+        OpenSession(store, m_options);
+        return store.Load().value();
     }
 
     std::string UsageError()
@@ -43,6 +48,7 @@ protected:
 
     TarvaneTest::CTemporaryFolder m_folder;
     const std::filesystem::path m_file = m_folder / "session";
+    const CSessionStore m_none{m_folder / "none"};
     Options m_options;
 };
 
@@ -59,9 +65,11 @@ TEST_F(OpenSessionOf, ANewFileHoldsTheNewSession)
 TEST_F(OpenSessionOf, AnExistingSessionGoesOn)
 {
     m_options.trackNames = {"Vox"};
-    CSession session = Open();
+    Open();
+    CSessionDatabase session(m_file);
+    session.Begin();
     session.MoveDisplay(DocumentKind::Script, 99);
-    CSessionStore(m_file).Save(session);
+    session.Commit();
     EXPECT_EQ(Open().GetDocument(DocumentKind::Script).dDisplayPosition, 99);
     m_options = {};
     EXPECT_EQ(Open().GetDocument(DocumentKind::Script).dDisplayPosition, 99);
@@ -103,13 +111,62 @@ TEST_F(OpenSessionOf, AFileOfALaterProgramIsRefusedAndStays)
     EXPECT_FALSE(std::filesystem::exists(m_folder / "session.flawed"));
 }
 
-TEST_F(OpenSessionOf, AFileOfTheEarlierFormIsConvertedAtOnce)
+TEST_F(OpenSessionOf, AFileOfAnEarlierFormIsConvertedAtOnceAndKept)
 {
-    std::ofstream(m_file) << TarvaneTest::szFullText;
-    TarvaneTest::ExpectFullSession(Open());
-    CSessionStore store(m_file);
-    TarvaneTest::ExpectFullSession(store.Load().value());
-    EXPECT_FALSE(store.HasEarlierForm());
+    for (const std::string& strEarlier :
+         {std::string(TarvaneTest::szFullText), EncodeSession(TarvaneTest::FullSession())})
+    {
+        std::filesystem::remove(m_file);
+        std::ofstream(m_file) << strEarlier;
+        testing::internal::CaptureStderr();
+        TarvaneTest::ExpectFullSession(Open());
+        const std::string strTold = testing::internal::GetCapturedStderr();
+        EXPECT_THAT(strTold, HasSubstr("was of an earlier form; it is a database from now on"));
+        EXPECT_TRUE(CSessionStore(m_file).IsDatabase());
+        const std::string strKept = strTold.substr(strTold.rfind(' ') + 1);
+        EXPECT_EQ(ReadFile(strKept.substr(0, strKept.size() - 1), 10000), strEarlier);
+    }
+    EXPECT_TRUE(std::filesystem::exists(m_folder / "session.earlier"));
+    EXPECT_TRUE(std::filesystem::exists(m_folder / "session.earlier-2"));
+}
+
+TEST_F(OpenSessionOf, AConversionThatFailsLeavesTheEarlierForm)
+{
+    for (const auto& [szCall, nCall] : {std::pair("fsync", 2), {"rename", 1}})
+    {
+        std::ofstream(m_file) << TarvaneTest::szFullText;
+        const TarvaneTest::CFailingCall failing(szCall, nCall, ENOSPC);
+        EXPECT_THROW(Open(), std::runtime_error);
+        EXPECT_TRUE(failing.HasFailed());
+        EXPECT_EQ(ReadFile(m_file, 10000), TarvaneTest::szFullText) << szCall;
+    }
+    const TarvaneTest::CFullDisk full(5000);
+    EXPECT_THROW(Open(), std::runtime_error);
+    EXPECT_EQ(ReadFile(m_file, 10000), TarvaneTest::szFullText);
+    EXPECT_THAT(m_folder.Files(),
+                testing::ElementsAre(".session.lock", "session", "session.earlier"));
+}
+
+TEST_F(OpenSessionOf, ADatabaseThatIsFlawedAtItsHeadIsKeptAside)
+{
+    Open();
+    SQLite::Database(m_file.string(), SQLite::OPEN_READWRITE).exec("DROP TABLE session");
+    const std::string strFlawed = ReadFile(m_file, 1 << 20);
+    testing::internal::CaptureStderr();
+    Open();
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("is flawed: no such table"));
+    EXPECT_EQ(ReadFile(m_folder / "session.flawed", 1 << 20), strFlawed);
+}
+
+TEST_F(OpenSessionOf, ADatabaseThatCannotBeWrittenIsFoundAtOnce)
+{
+    Open();
+    std::filesystem::permissions(m_file, std::filesystem::perms::owner_read);
+    // Who may do everything can write it.
+    if (geteuid() == 0)
+        EXPECT_NO_THROW(Open());
+    else
+        EXPECT_THROW(Open(), std::system_error);
 }
 
 TEST_F(OpenSessionOf, AFileOfTheEarlierFormThatIsRefusedIsNotConverted)
@@ -118,6 +175,7 @@ TEST_F(OpenSessionOf, AFileOfTheEarlierFormThatIsRefusedIsNotConverted)
     m_options.trackNames = {"Other"};
     EXPECT_THAT(UsageError(), HasSubstr("exists and says otherwise than --track"));
     EXPECT_EQ(ReadFile(m_file, 10000), TarvaneTest::szFullText);
+    EXPECT_FALSE(std::filesystem::exists(m_folder / "session.earlier"));
 }
 
 TEST_F(OpenSessionOf, AFileInUseIsRefused)
@@ -130,9 +188,10 @@ TEST_F(OpenSessionOf, AFileInUseIsRefused)
 TEST_F(OpenSessionOf, MadeAudioGoesBesideTheSession)
 {
     const CSessionStore store(m_file);
-    EXPECT_EQ(RenderFolderFor(&store, m_options), m_folder / "session.audio");
+    m_options.strSessionFile = m_file;
+    EXPECT_EQ(RenderFolderFor(store, m_options), m_folder / "session.audio");
     m_options.strRenderFolder = "made";
-    EXPECT_EQ(RenderFolderFor(&store, m_options), std::filesystem::current_path() / "made");
+    EXPECT_EQ(RenderFolderFor(store, m_options), std::filesystem::current_path() / "made");
 }
 
 // The environment as it was, once the object goes.
@@ -156,22 +215,15 @@ TEST_F(OpenSessionOf, WithoutASessionMadeAudioGoesWhereNobodyElseCanPutAnything)
 {
     const CWithVariable home("HOME", "/home/somebody");
     const CWithVariable state("XDG_STATE_HOME", "/state");
-    EXPECT_EQ(RenderFolderFor(nullptr, m_options), "/state/tarvane-server/audio");
+    EXPECT_EQ(RenderFolderFor(m_none, m_options), "/state/tarvane-server/audio");
     const CWithVariable noState("XDG_STATE_HOME", nullptr);
-    EXPECT_EQ(RenderFolderFor(nullptr, m_options),
+    EXPECT_EQ(RenderFolderFor(m_none, m_options),
               "/home/somebody/.local/state/tarvane-server/audio");
     const CWithVariable noHome("HOME", nullptr);
-    const std::filesystem::path made = RenderFolderFor(nullptr, m_options).parent_path();
+    const std::filesystem::path made = RenderFolderFor(m_none, m_options).parent_path();
     EXPECT_EQ(std::filesystem::status(made).permissions(), std::filesystem::perms::owner_all);
-    EXPECT_NE(RenderFolderFor(nullptr, m_options).parent_path(), made) << "nobody can foresee it";
+    EXPECT_NE(RenderFolderFor(m_none, m_options).parent_path(), made) << "nobody can foresee it";
     std::filesystem::remove(made);
-}
-
-TEST_F(OpenSessionOf, WithoutAFileThereIsANewSession)
-{
-    m_options.trackNames = {"Vox"};
-    EXPECT_EQ(OpenSession(nullptr, m_options).GetDocument(DocumentKind::Script).tracks.size(), 1u);
-    EXPECT_TRUE(m_folder.Files().empty());
 }
 
 } // namespace

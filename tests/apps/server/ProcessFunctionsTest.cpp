@@ -29,7 +29,7 @@ TEST_F(ProcessFunctions, GdxMovesTheDubToTheGuide)
     AddDub();
     EXPECT_EQ(SelectedResult(Gdx("Start=500, End=600", "Start=1010, End=1060")), "9\n");
     ASSERT_EQ(ScriptDocument().regions.size(), 2u);
-    const Region& made = ScriptDocument().regions[1];
+    const Region made = ScriptDocument().regions[1];
     EXPECT_EQ(made.nTrackId, 1);
     EXPECT_EQ(made.TimelineStart(), 500);
     EXPECT_EQ(made.nStart, 10);
@@ -41,7 +41,7 @@ TEST_F(ProcessFunctions, OnlyTheStretchIsTaken)
 {
     AddDub();
     SelectedResult(Gdx("Start=0, End=100", "Start=1000, End=1030"));
-    const Region& made = ScriptDocument().regions.at(1);
+    const Region made = ScriptDocument().regions.at(1);
     EXPECT_EQ(made.nStart, 10);
     EXPECT_EQ(made.nEnd, 30);
     EXPECT_EQ(made.TimelineStart(), 10);
@@ -52,7 +52,7 @@ TEST_F(ProcessFunctions, SpreaderLeavesItsInputInPlace)
     AddDub();
     SelectedResult("CreateProcess('Spreader', 'PT', {{IOType=1, Track=2, Start=1020, End=9000}}, "
                    "{{Track=1}})");
-    const Region& made = ScriptDocument().regions.at(1);
+    const Region made = ScriptDocument().regions.at(1);
     EXPECT_EQ(made.nTrackId, 1);
     EXPECT_EQ(made.nStart, 20);
     EXPECT_EQ(made.nEnd, 60);
@@ -86,7 +86,7 @@ TEST_F(ProcessFunctions, TheLastOneIsFoundAndSelectsWhatItMade)
     SelectedResult(Gdx("Start=0, End=50", "Start=1010, End=1060"));
     SelectedResult(Gdx("Start=70, End=80", "Start=1010, End=1060"));
     SelectedResult("SelectProcess(FindLastProcessCreated())");
-    const Document& document = ScriptDocument();
+    const Document document = ScriptDocument();
     EXPECT_EQ(document.FindRegion(document.nSelectedRegionId)->TimelineStart(), 70);
     EXPECT_EQ(SelectedError("SelectProcess(1)"),
               "SelectProcess: the document has no process with the id 1");
@@ -124,7 +124,7 @@ TEST_F(ProcessFunctions, WhatCannotBeMadeIsRefused)
     for (const auto& refusal : refusals)
         EXPECT_THAT(SelectedError("CreateProcess(" + refusal.strArguments + ")"),
                     HasSubstr(std::string("CreateProcess: ") + refusal.szError));
-    EXPECT_EQ(m_processor.Session().UpdateCount(), 0);
+    EXPECT_EQ(m_database.UpdateCount(), 0);
 }
 
 } // namespace

@@ -28,7 +28,7 @@ TEST_F(RegionFunctions, AddKeepsWhatItIsGiven)
 {
     EXPECT_EQ(SelectedResult("print(" + Add("-500,10,60") + ")"), "5\n");
     ASSERT_EQ(ScriptDocument().regions.size(), 1u);
-    const Region& region = ScriptDocument().regions[0];
+    const Region region = ScriptDocument().regions[0];
     EXPECT_EQ(region.nId, 5);
     EXPECT_EQ(region.nTrackId, 1);
     EXPECT_EQ(region.strPath, m_strTake);
@@ -45,7 +45,7 @@ TEST_F(RegionFunctions, AddGoesToTheSelectedDocument)
 {
     Result("SelectAudioSuiteDocument() " + Add("0,0,100"));
     EXPECT_TRUE(ScriptDocument().regions.empty());
-    EXPECT_EQ(m_processor.Session().GetDocument(DocumentKind::AudioSuite).regions.size(), 1u);
+    EXPECT_EQ(GetDocument(DocumentKind::AudioSuite).regions.size(), 1u);
 }
 
 TEST_F(RegionFunctions, FlagsSelectAndMute)
@@ -97,7 +97,7 @@ TEST_F(RegionFunctions, AddRefusesWithWords)
               "AddAudioRegion: argument 2 contains a NUL byte");
     EXPECT_EQ(SelectedError("AddAudioRegion(1, '/none.wav', 1, false, 0, 0, 1)"),
               "AddAudioRegion: argument 3 should be a boolean, and is a number");
-    EXPECT_EQ(m_processor.Session().UpdateCount(), 0);
+    EXPECT_EQ(m_database.UpdateCount(), 0);
 }
 
 TEST_F(RegionFunctions, CheckAnswersOneOrNought)
@@ -131,7 +131,7 @@ TEST_F(RegionFunctions, CheckRefusesWhatCannotBeAdded)
 TEST_F(RegionFunctions, CheckChangesNothing)
 {
     SelectedResult(Check("0,0,100"));
-    EXPECT_EQ(m_processor.Session().UpdateCount(), 0);
+    EXPECT_EQ(m_database.UpdateCount(), 0);
 }
 
 // What the view sends for a capture at any place: the check says no, and once added, yes.
@@ -141,7 +141,8 @@ TEST_F(RegionFunctions, ACaptureIsFoundAgainAtEveryPlace)
     {
         for (double dPosition : {0.0, -0.5, -1.5, 0.999, 1234.9, -1234.9, 100000.25, -4800.0})
         {
-            CCommandProcessor processor(CSession({"Vox"}, dOffset), nullptr, RenderFolder(), true);
+            CSessionDatabase database(CSession({"Vox"}, dOffset));
+            CCommandProcessor processor(database, RenderFolder(), true);
             const auto run = [&](const std::string& strScript)
             { return processor.Run("SelectScriptDocument() " + strScript); };
             const auto text = [](double d)

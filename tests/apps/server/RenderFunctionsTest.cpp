@@ -62,10 +62,10 @@ TEST_F(RenderFunctions, TheRateIsThatOfTheSelectedRegionElseOfTheFirst)
 TEST_F(RenderFunctions, AnExportChangesNothingAndNamesItsFile)
 {
     Add();
-    const std::int64_t nUpdates = m_processor.Session().UpdateCount();
+    const std::int64_t nUpdates = m_database.UpdateCount();
     EXPECT_EQ(SelectedResult("print(ExportRegion(5))"), Path("made/take-region-5.wav") + "\n");
     EXPECT_EQ(TarvaneTest::ReadSamples(Path("made/take-region-5.wav")).size(), 50u);
-    EXPECT_EQ(m_processor.Session().UpdateCount(), nUpdates);
+    EXPECT_EQ(m_database.UpdateCount(), nUpdates);
     EXPECT_EQ(ScriptDocument().regions[0].strPath, m_strTake);
 }
 
@@ -73,7 +73,7 @@ TEST_F(RenderFunctions, ARenderedRegionPlaysItsNewFileWhereItWas)
 {
     Add();
     SelectedResult("RegionRender(5)");
-    const Region& region = ScriptDocument().regions[0];
+    const Region region = ScriptDocument().regions[0];
     EXPECT_EQ(region.strPath, Path("made/take-region-5.wav"));
     EXPECT_EQ(region.nStart, 0);
     EXPECT_EQ(region.nEnd, 50);

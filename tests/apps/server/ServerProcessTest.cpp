@@ -288,9 +288,9 @@ TEST_F(ServerProcess, HelpAndVersionAreAnswered)
 TEST_F(ServerProcess, HelpShowsWhatAUserNeedsAndHelpAllTheRest)
 {
     const std::set<std::string> first{
-        "--help",        "--help-all",  "--version",     "--session",       "--track",
-        "--link-offset", "--read-only", "--no-delete",   "--render-folder", "--editor",
-        "--log",         "--json",      "--list-session"};
+        "--help",        "--help-all",  "--version",      "--session",       "--track",
+        "--link-offset", "--read-only", "--no-delete",    "--render-folder", "--editor",
+        "--log",         "--json",      "--list-session", "--export",        "--import"};
     EXPECT_EQ(OptionsIn(RunToEnd({"--help"}).strOutput), first);
     const Ended all = RunToEnd({"--help-all"});
     EXPECT_EQ(all.nExitCode, 0);

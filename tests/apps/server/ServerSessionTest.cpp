@@ -5,6 +5,7 @@
 #include "tests/apps/server/FullSession.h"
 #include "tests/apps/server/ServerFixture.h"
 
+#include <SQLiteCpp/SQLiteCpp.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -40,6 +41,19 @@ protected:
     static Ended RunUnprivileged(const std::vector<std::string>& options)
     {
         return RunToEnd(options, UnprivilegedPrefix());
+    }
+
+    // No file of the server and of its processes grows beyond so many bytes.
+    static void LimitFiles(pid_t nServer, rlim_t nBytes)
+    {
+        std::vector<pid_t> processes{nServer};
+        const std::string strServer = std::to_string(nServer);
+        std::ifstream children("/proc/" + strServer + "/task/" + strServer + "/children");
+        for (pid_t nChild = 0; children >> nChild;)
+            processes.push_back(nChild);
+        const rlimit limit{nBytes, RLIM_INFINITY};
+        for (const pid_t nProcess : processes)
+            prlimit(nProcess, RLIMIT_FSIZE, &limit, nullptr);
     }
 
     std::vector<std::int64_t> StoredPositions() const
@@ -149,13 +163,14 @@ TEST_F(ServerSession, AFileOfTheEarlierFormIsConvertedWhenTheServerIsReady)
         const Child server = Start({"--session", m_strSession});
         CSessionStore store(m_strSession);
         ExpectFullSession(store.Load().value());
-        EXPECT_FALSE(store.HasEarlierForm());
+        EXPECT_TRUE(store.IsDatabase());
         EXPECT_EQ(SendScript("SelectScriptDocument() print(GetTrackName(GetTrackID(1)), "
                              "GetUpdateCount())")
                       .result,
                   "Guitar\t5\n");
     }
-    EXPECT_EQ(m_folder.Files(), (std::vector<std::string>{".session.lock", "session", "take.wav"}));
+    EXPECT_EQ(m_folder.Files(), (std::vector<std::string>{".session.lock", "session",
+                                                          "session.earlier", "take.wav"}));
 }
 
 TEST_F(ServerSession, AConversionOnAFullDiskLeavesTheEarlierForm)
@@ -185,7 +200,7 @@ TEST_F(ServerSession, AServerKilledInAConversionLeavesOneOfTheTwoForms)
         server->WaitForEnd(kAnyTime);
         CSessionStore store(m_strSession);
         ExpectFullSession(store.Load().value());
-        nConverted += !store.HasEarlierForm();
+        nConverted += store.IsDatabase();
     }
     RecordProperty("converted", nConverted);
 }
@@ -193,6 +208,7 @@ TEST_F(ServerSession, AServerKilledInAConversionLeavesOneOfTheTwoForms)
 TEST_F(ServerSession, AReadOnlyFolderIsFoundAtTheStartAndCanStillBeListed)
 {
     CSessionStore(m_strSession).Save(FullSession());
+    const std::string strBefore = ReadFile(m_strSession, 1 << 20);
     std::filesystem::permissions(m_folder.Path(), kReadAndEnter);
     const Ended server = RunUnprivileged({"--session", m_strSession});
     const Ended listing = RunUnprivileged({"--list-session", m_strSession});
@@ -201,20 +217,18 @@ TEST_F(ServerSession, AReadOnlyFolderIsFoundAtTheStartAndCanStillBeListed)
     EXPECT_THAT(server.strError, HasSubstr("Permission denied"));
     EXPECT_EQ(listing.nExitCode, 0);
     EXPECT_THAT(listing.strOutput, HasSubstr("Guitar"));
-    EXPECT_EQ(ReadFile(m_strSession, 10000), EncodeSession(FullSession()));
+    EXPECT_EQ(ReadFile(m_strSession, 1 << 20), strBefore);
 }
 
-TEST_F(ServerSession, AFolderThatBecomesReadOnlyUndoesTheChange)
+TEST_F(ServerSession, AFolderThatBecomesReadOnlyDoesNotConcernTheOpenSession)
 {
     const Child server = Start({"--session", m_strSession, "--track", "Vox"}, UnprivilegedPrefix());
     std::filesystem::permissions(m_folder.Path(), kReadAndEnter);
     const CScriptAnswer answer = SendScript(Add(0));
+    const std::vector<std::int64_t> stored = StoredPositions();
     std::filesystem::permissions(m_folder.Path(), std::filesystem::perms::owner_all);
-    EXPECT_THAT(answer.error.value_or(""), HasSubstr("nothing was changed"));
-    EXPECT_THAT(answer.error.value_or(""), HasSubstr("Permission denied"));
-    EXPECT_TRUE(StoredPositions().empty());
-    EXPECT_EQ(SendScript(Add(0)).error, std::nullopt);
-    EXPECT_EQ(StoredPositions(), std::vector<std::int64_t>{0});
+    EXPECT_EQ(answer.error, std::nullopt);
+    EXPECT_EQ(stored, std::vector<std::int64_t>{0});
 }
 
 TEST_F(ServerSession, AFileThatCannotBeWrittenIsFoundAtTheStart)
@@ -224,37 +238,94 @@ TEST_F(ServerSession, AFileThatCannotBeWrittenIsFoundAtTheStart)
     EXPECT_THAT(server.strError, HasSubstr("No such file or directory"));
 }
 
-TEST_F(ServerSession, AFailedSaveUndoesTheChangeAndTellsTheClient)
+TEST_F(ServerSession, AFullDiskUndoesTheChangeAndTellsTheClient)
 {
     const Child server = Start({"--session", m_strSession, "--track", "Vox"});
     EXPECT_EQ(SendScript(Add(0)).error, std::nullopt);
-
-    // The neighbour cannot be made.
-    std::filesystem::create_directory(m_strSession + ".saving");
-    const CScriptAnswer answer = SendScript(Add(1000));
-    EXPECT_EQ(answer.nStatus, noErr);
-    EXPECT_EQ(answer.result, std::nullopt);
-    EXPECT_THAT(answer.error.value_or(""), HasSubstr("nothing was changed, for the session could "
-                                                     "not be saved: cannot open"));
-    EXPECT_EQ(StoredPositions(), std::vector<std::int64_t>{0});
-    EXPECT_EQ(SendScript("print(GetUpdateCount())").result, "2\n");
-
-    std::filesystem::remove(m_strSession + ".saving");
+    LimitFiles(server->Pid(), 100);
+    for (int nTry = 0; nTry < 2; nTry++)
+    {
+        const CScriptAnswer answer = SendScript(Add(1000));
+        EXPECT_EQ(answer.nStatus, noErr);
+        EXPECT_EQ(answer.result, std::nullopt);
+        EXPECT_THAT(answer.error.value_or(""), HasSubstr("nothing was changed, for the session "
+                                                         "could not be saved: "));
+        EXPECT_EQ(StoredPositions(), std::vector<std::int64_t>{0});
+        EXPECT_EQ(SendScript("print(GetUpdateCount())").result, "2\n");
+    }
+    LimitFiles(server->Pid(), RLIM_INFINITY);
     EXPECT_EQ(SendScript(Add(1000)).error, std::nullopt);
     EXPECT_EQ(StoredPositions(), (std::vector<std::int64_t>{0, 1000}));
 }
 
-TEST_F(ServerSession, AFullDiskDoesNotEndTheServer)
+TEST_F(ServerSession, AFlawDeepInTheFileIsFoundAndKeptAside)
+{
+    {
+        const Child server = Start({"--session", m_strSession, "--track", "Vox"});
+        EXPECT_EQ(SendScript(Add(0)).error, std::nullopt);
+        ASSERT_EQ(kill(server->Pid(), SIGTERM), 0);
+        EXPECT_EQ(server->WaitForEnd(kAnyTime), 0);
+    }
+    SQLite::Database(m_strSession, SQLite::OPEN_READWRITE)
+        .exec("PRAGMA ignore_check_constraints = ON; UPDATE regions SET stop = -1");
+    const Child server = Start({"--session", m_strSession, "--track", "Vox"});
+    // No change is made before all has been looked at.
+    EXPECT_EQ(SendScript(Add(2000)).error, std::nullopt);
+    EXPECT_THAT(server->ErrorOutput(),
+                HasSubstr("is flawed: CHECK constraint failed in regions; it is kept as " +
+                          m_strSession + ".flawed, and a new session begins\n"));
+    EXPECT_EQ(StoredPositions(), std::vector<std::int64_t>{2000});
+    EXPECT_TRUE(std::filesystem::exists(m_strSession + ".flawed"));
+}
+
+TEST_F(ServerSession, WhatWasReplacedBehindTheServerIsLeftAsItIs)
 {
     const Child server = Start({"--session", m_strSession, "--track", "Vox"});
-    rlimit before{};
-    const rlimit full{100, RLIM_INFINITY};
-    ASSERT_EQ(prlimit(server->Pid(), RLIMIT_FSIZE, &full, &before), 0);
-    EXPECT_THAT(SendScript(Add(0)).error.value_or(""), HasSubstr("cannot write"));
-    EXPECT_TRUE(StoredPositions().empty());
-    ASSERT_EQ(prlimit(server->Pid(), RLIMIT_FSIZE, &before, nullptr), 0);
     EXPECT_EQ(SendScript(Add(0)).error, std::nullopt);
-    EXPECT_EQ(StoredPositions(), std::vector<std::int64_t>{0});
+    std::filesystem::remove(m_strSession);
+    std::ofstream(m_strSession) << "of somebody else";
+    const CScriptAnswer answer = SendScript(Add(1000));
+    EXPECT_EQ(answer.result, std::nullopt);
+    EXPECT_THAT(answer.error.value_or(""), HasSubstr("was changed by another program"));
+    ASSERT_EQ(kill(server->Pid(), SIGTERM), 0);
+    EXPECT_EQ(server->WaitForEnd(kAnyTime), 0);
+    EXPECT_EQ(ReadFile(m_strSession, 1000), "of somebody else");
+    const std::string strKept = m_strSession + ".kept-" + std::to_string(server->Pid());
+    EXPECT_EQ(CSessionStore(strKept).Load()->UpdateCount(), 2);
+}
+
+TEST_F(ServerSession, IsExportedAsABinarySessionAndImportedAgain)
+{
+    CSessionStore(m_strSession).Save(FullSession());
+    const std::string strBinary = Path("exported");
+    EXPECT_EQ(RunToEnd({"--session", m_strSession, "--export", strBinary}).nExitCode, 0);
+    EXPECT_EQ(ReadFile(strBinary, 10000), EncodeSession(FullSession()));
+    EXPECT_EQ(RunToEnd({"--session", Path("again"), "--import", strBinary}).nExitCode, 0);
+    CSessionStore again(Path("again"));
+    EXPECT_TRUE(again.IsDatabase());
+    ExpectFullSession(again.Load().value());
+}
+
+TEST_F(ServerSession, ExportAndImportReplaceNothing)
+{
+    CSessionStore(m_strSession).Save(FullSession());
+    std::ofstream(Path("other")) << "mine";
+    for (const std::vector<std::string>& options :
+         {std::vector<std::string>{"--session", m_strSession, "--export", Path("other")},
+          {"--session", m_strSession, "--import", Path("other")},
+          {"--session", Path("new"), "--import", Path("other")},
+          {"--session", Path("new"), "--import", Path("none")},
+          {"--session", Path("none"), "--export", Path("new")},
+          {"--export", Path("new")},
+          {"--import", m_strSession}})
+    {
+        const Ended ended = RunToEnd(options);
+        EXPECT_EQ(ended.nExitCode, 2) << ended.strError;
+        EXPECT_NE(ended.strError, "");
+    }
+    EXPECT_EQ(ReadFile(Path("other"), 100), "mine");
+    ExpectFullSession(CSessionStore(m_strSession).Load().value());
+    EXPECT_FALSE(std::filesystem::exists(Path("new")));
 }
 
 TEST_F(ServerSession, NothingThatWasAnsweredForIsLostWhenTheServerIsKilled)

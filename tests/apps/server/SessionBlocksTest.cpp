@@ -297,15 +297,15 @@ TEST(SessionBlocks, WhatIsWellFormedAndUnsoundIsRefused)
 
 TEST(SessionBlocks, AZeroByteDoesNotEndAText)
 {
-    CSession session({"Vox"}, 0);
+    TarvaneTest::CMadeSession session({"Vox"}, 0);
     Region region;
     region.nTrackId = 1;
     region.strPath = std::string("/a\0b", 4);
     region.nEnd = 1;
     region.nSampleRate = 48000;
-    session.AddRegion(DocumentKind::Script, region);
+    session.AddRegion(region);
     CParameterBlock root;
-    LoadSession(root, EncodeSession(session));
+    LoadSession(root, EncodeSession(session.Content()));
     std::string strPath;
     Nested(Nested(root, "script"), "Region").FindParameter("File", &strPath, nullptr);
     EXPECT_EQ(strPath, region.strPath);

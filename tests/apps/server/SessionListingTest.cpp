@@ -1,5 +1,7 @@
 #include "apps/server/SessionListing.h"
 
+#include "tests/apps/server/MadeSession.h"
+
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -10,7 +12,7 @@ namespace
 
 CSession ListedSession()
 {
-    CSession session({"Vox", "Guitar"}, 2.5);
+    TarvaneTest::CMadeSession session({"Vox", "Guitar"}, 2.5);
     Region region;
     region.nTrackId = 2;
     region.strPath = "/audio/take.wav";
@@ -18,12 +20,12 @@ CSession ListedSession()
     region.nEnd = 48000 * 3661;
     region.nPosition = -48;
     region.nSampleRate = 48000;
-    session.SelectRegion(DocumentKind::Script, session.AddRegion(DocumentKind::Script, region));
+    session.SelectRegion(DocumentKind::Script, session.AddRegion(region));
     region.channels = {0, 2};
     region.fMuted = true;
-    session.AddRegion(DocumentKind::Script, region);
+    session.AddRegion(region);
     session.MoveDisplay(DocumentKind::Script, 1234567);
-    return session;
+    return session.Content();
 }
 
 TEST(SessionListing, TellsEveryRegionWhereItLies)
@@ -70,33 +72,41 @@ TEST(SessionListing, JsonTellsTheSame)
 
 TEST(SessionListing, MarkerAreasAndProcessesAreListed)
 {
-    CSession session({"Vox"}, 0);
-    session.AddMarkerArea(DocumentKind::Script, {kNullId, 1, -5, 20});
+    TarvaneTest::CMadeSession session({"Vox"}, 0);
+    session.AddMarkerArea({kNullId, 1, -5, 20});
     session.AddProcess(DocumentKind::Script, {kNullId, "GDX", "PT", {}, {1}, kNullId});
-    session.AddProcess(DocumentKind::Script, {kNullId, "Spreader", "PT", {}, {1}, 9});
-    EXPECT_THAT(ListSession(session), testing::HasSubstr("  track 0  Vox\n"
-                                                         "    marker area 3  -5 to 20\n"
-                                                         "  process 4  GDX\n"
-                                                         "  process 5  Spreader  made region 9\n"));
-    const auto document = nlohmann::json::parse(ListSessionAsJson(session))["documents"][0];
+    Region region;
+    region.nTrackId = 1;
+    region.strPath = "/made.wav";
+    region.nEnd = 1;
+    region.nSampleRate = 48000;
+    session.AddProcess(DocumentKind::Script,
+                       {kNullId, "Spreader", "PT", {}, {1}, session.AddRegion(region)});
+    EXPECT_THAT(ListSession(session.Content()),
+                testing::HasSubstr("    marker area 3  -5 to 20\n"
+                                   "  process 4  GDX\n"
+                                   "  process 6  Spreader  made region 5\n"));
+    const auto document =
+        nlohmann::json::parse(ListSessionAsJson(session.Content()))["documents"][0];
     EXPECT_EQ(document["tracks"][0]["markerAreas"],
               nlohmann::json::parse(R"([{"id": 3, "start": -5, "end": 20}])"));
     EXPECT_EQ(document["processes"][1],
-              nlohmann::json::parse(R"({"id": 5, "kind": "Spreader", "region": 9})"));
+              nlohmann::json::parse(R"({"id": 6, "kind": "Spreader", "region": 5})"));
 }
 
 TEST(SessionListing, APathCannotBreakItsLine)
 {
-    CSession session({"Vox"}, 0);
+    TarvaneTest::CMadeSession session({"Vox"}, 0);
     Region region;
     region.nTrackId = 1;
     region.strPath = "/a\nb\x1b.wav";
     region.nEnd = 1;
     region.nSampleRate = 48000;
-    session.AddRegion(DocumentKind::Script, region);
-    EXPECT_THAT(ListSession(session), testing::HasSubstr("    region 3  /a?b?.wav  48000 Hz\n"));
-    EXPECT_EQ(nlohmann::json::parse(
-                  ListSessionAsJson(session))["documents"][0]["tracks"][0]["regions"][0]["file"],
+    session.AddRegion(region);
+    EXPECT_THAT(ListSession(session.Content()),
+                testing::HasSubstr("    region 3  /a?b?.wav  48000 Hz\n"));
+    EXPECT_EQ(nlohmann::json::parse(ListSessionAsJson(
+                  session.Content()))["documents"][0]["tracks"][0]["regions"][0]["file"],
               region.strPath);
 }
 

@@ -1,9 +1,11 @@
 #include "apps/server/SessionStore.h"
 
 #include "apps/server/SessionBlocks.h"
+#include "apps/server/SessionDatabase.h"
 #include "apps/support/AtomicFile.h"
 #include "tests/apps/server/FullSession.h"
 #include "tests/apps/support/FailingCalls.h"
+#include "tests/apps/support/FullDisk.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -35,10 +37,10 @@ protected:
     // A session with so many updates.
     static CSession SessionAt(int nUpdates)
     {
-        CSession session({"Vox"}, 0);
+        TarvaneTest::CMadeSession session({"Vox"}, 0);
         for (int nUpdate = 1; nUpdate <= nUpdates; nUpdate++)
             session.MoveDisplay(DocumentKind::Script, nUpdate);
-        return session;
+        return session.Content();
     }
 
     TarvaneTest::CTemporaryFolder m_folder;
@@ -56,12 +58,6 @@ TEST_F(SessionStore, WhatIsSavedIsLoaded)
     CSessionStore(m_file).Save(SessionAt(3));
     EXPECT_EQ(StoredUpdates(), 3);
     EXPECT_THAT(m_folder.Files(), ElementsAre("session"));
-}
-
-TEST_F(SessionStore, TheFileIsABinarySession)
-{
-    CSessionStore(m_file).Save(SessionAt(3));
-    EXPECT_EQ(ReadFile(m_file, kAny), EncodeSession(SessionAt(3)));
 }
 
 TEST_F(SessionStore, AFlawedFileIsNamedAndLeftAsItIs)
@@ -114,110 +110,64 @@ TEST_F(SessionStore, AFileOfALaterProgramIsNoFlaw)
     }
 }
 
-TEST_F(SessionStore, TheEarlierFormIsReadAndTheNextSaveWritesTodays)
+TEST_F(SessionStore, EarlierFormsAreReadAndLeftAsTheyAre)
 {
-    std::ofstream(m_file) << TarvaneTest::szFullText;
+    for (const std::string& strEarlier :
+         {std::string(TarvaneTest::szFullText), EncodeSession(TarvaneTest::FullSession())})
+    {
+        std::ofstream(m_file) << strEarlier;
+        CSessionStore store(m_file);
+        TarvaneTest::ExpectFullSession(store.Load().value());
+        EXPECT_FALSE(store.IsDatabase());
+        EXPECT_EQ(ReadFile(m_file, kAny), strEarlier);
+    }
     CSessionStore store(m_file);
-    const CSession session = store.Load().value();
-    TarvaneTest::ExpectFullSession(session);
-    EXPECT_TRUE(store.HasEarlierForm());
-    EXPECT_EQ(ReadFile(m_file, kAny), TarvaneTest::szFullText) << "loading writes nothing";
-    store.Save(session);
-    EXPECT_FALSE(store.HasEarlierForm());
-    CSessionStore again(m_file);
-    TarvaneTest::ExpectFullSession(again.Load().value());
-    EXPECT_FALSE(again.HasEarlierForm());
-    EXPECT_EQ(ReadFile(m_file, kAny), EncodeSession(TarvaneTest::FullSession()));
+    store.Save(SessionAt(1));
+    EXPECT_TRUE(store.IsDatabase());
 }
 
-TEST_F(SessionStore, AConversionThatFailsLeavesTheEarlierForm)
+TEST_F(SessionStore, ALogThatIsLeftOverIsNotTakenForTheNewSessions)
 {
-    for (const auto& [szCall, nCall] :
-         {std::pair("write", 1), {"fsync", 1}, {"rename", 1}, {"fsync", 2}})
+    CSessionStore(m_file).Save(SessionAt(1));
+    std::string strLog;
     {
-        std::ofstream(m_file) << TarvaneTest::szFullText;
-        CSessionStore store(m_file);
-        const CSession session = store.Load().value();
-        {
-            const CFailingCall failing(szCall, nCall, ENOSPC);
-            EXPECT_THROW(store.Save(session), std::system_error);
-        }
-        EXPECT_EQ(ReadFile(m_file, kAny), TarvaneTest::szFullText) << szCall << nCall;
-        EXPECT_TRUE(store.HasEarlierForm());
+        CSessionDatabase database(m_file);
+        database.Begin();
+        database.MoveDisplay(DocumentKind::Script, 99);
+        database.Commit();
+        strLog = ReadFile(m_folder / "session-wal", kAny);
+        ASSERT_FALSE(strLog.empty());
     }
+    std::ofstream(m_folder / "session-wal") << strLog;
+    CSessionStore(m_file).Save(SessionAt(7));
+    EXPECT_EQ(StoredUpdates(), 7);
+    EXPECT_THAT(m_folder.Files(), ElementsAre("session"));
 }
 
 TEST_F(SessionStore, WhatCouldNotBeLoadedAgainIsNotSaved)
 {
     CSessionStore store(m_file);
     store.Save(SessionAt(1));
-    CSession unsound = SessionAt(2);
-    unsound.AddMarkerArea(DocumentKind::Script, {kNullId, 99, 0, 1});
-    EXPECT_THROW(store.Save(unsound), CSessionFlaw);
+    Document unsound;
+    unsound.markerAreas = {{1, 99, 0, 1}};
+    EXPECT_THROW(store.Save(CSession::Restore({unsound, Document()}, 0, 2, 2)), CSessionFlaw);
     EXPECT_EQ(StoredUpdates(), 1);
-}
-
-TEST_F(SessionStore, AFileThatAnotherProgramHasPutThereIsLeftAndBothAreKept)
-{
-    CSessionStore store(m_file);
-    store.Save(SessionAt(3));
-    std::filesystem::remove(m_file);
-    std::ofstream(m_file) << "of somebody else";
-    for (const int nUpdates : {4, 5})
-    {
-        try
-        {
-            store.Save(SessionAt(nUpdates));
-            FAIL() << "it was written over";
-        }
-        catch (const std::runtime_error& error)
-        {
-            EXPECT_THAT(error.what(), HasSubstr("was changed by another program"));
-        }
-    }
-    EXPECT_EQ(ReadFile(m_file, kAny), "of somebody else");
-    const std::string strKept = "session.kept-" + std::to_string(getpid());
-    EXPECT_THAT(m_folder.Files(), ElementsAre("session", strKept));
-    EXPECT_EQ(CSessionStore(m_folder / strKept).Load()->UpdateCount(), 3);
-}
-
-TEST_F(SessionStore, AFileThatIsGoneIsWrittenAnew)
-{
-    CSessionStore store(m_file);
-    store.Save(SessionAt(3));
-    std::filesystem::remove(m_file);
-    store.Save(SessionAt(4));
-    EXPECT_EQ(StoredUpdates(), 4);
 }
 
 TEST_F(SessionStore, AFailedSaveLeavesTheSessionBefore)
 {
     CSessionStore store(m_file);
     store.Save(SessionAt(1));
-    for (const char* szCall : {"write", "fsync", "rename"})
+    for (const char* szCall : {"fsync", "rename"})
     {
         const CFailingCall failing(szCall, 1, ENOSPC);
         EXPECT_THROW(store.Save(SessionAt(2)), std::system_error);
         EXPECT_EQ(StoredUpdates(), 1) << szCall;
     }
-}
-
-TEST_F(SessionStore, ASaveThatFailsAfterTheExchangeIsPutBack)
-{
-    CSessionStore(m_file).Save(SessionAt(1));
-    CSessionStore store(m_file);
-    store.Load();
-    {
-        const CFailingCall failing("fsync", 2, EIO);
-        EXPECT_THROW(store.Save(SessionAt(2)), std::system_error);
-    }
+    const TarvaneTest::CFullDisk full(5000);
+    EXPECT_THROW(store.Save(SessionAt(2)), std::runtime_error);
     EXPECT_EQ(StoredUpdates(), 1);
-    store.Save(SessionAt(3));
-    {
-        const CFailingCall failing("fsync", 2, EIO);
-        EXPECT_THROW(store.Save(SessionAt(4)), std::system_error);
-    }
-    EXPECT_EQ(StoredUpdates(), 3);
+    EXPECT_THAT(m_folder.Files(), ElementsAre("session"));
 }
 
 TEST_F(SessionStore, ALinkKeepsPointingAtTheFile)
@@ -254,7 +204,7 @@ TEST_F(SessionStore, AFolderThatIsMissingIsAnError)
 {
     CSessionStore store(m_folder / "none" / "session");
     EXPECT_THROW(store.Lock(), std::system_error);
-    EXPECT_THROW(store.Save(SessionAt(1)), std::system_error);
+    EXPECT_THROW(store.Save(SessionAt(1)), std::runtime_error);
 }
 
 } // namespace
