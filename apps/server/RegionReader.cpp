@@ -38,8 +38,13 @@ const std::vector<double>& CRegionReader::Next(std::int64_t nFrames)
 {
     const std::int64_t nRead = m_file.Read(m_all, std::min(nFrames, m_nLeft));
     m_nLeft -= nRead;
-    m_piece.clear();
     const auto nFileChannels = static_cast<std::size_t>(m_file.Channels());
+    if (m_channels.size() == nFileChannels)
+    {
+        m_all.resize(static_cast<std::size_t>(nRead) * nFileChannels);
+        return m_all;
+    }
+    m_piece.clear();
     for (std::size_t nFrame = 0; nFrame < static_cast<std::size_t>(nRead); nFrame++)
     {
         for (std::int32_t nChannel : m_channels)

@@ -221,20 +221,19 @@ int RunServer(const Options& options)
                               {options.fReadOnly, options.fNoDelete},
                               options.strEditor};
     };
-    std::optional<CSessionCheck> check;
     CCommandQueue queue(settings());
-    check.emplace(store.File(),
-                  [&](const std::optional<std::string>& flaw)
-                  {
-                      if (flaw)
-                          queue.StartOver(
-                              [&]
+    const CSessionCheck check(store.File(),
+                              [&](const std::optional<std::string>& flaw)
                               {
-                                  BeginAnew(store, options, FlawText(store, *flaw));
-                                  return settings();
+                                  if (flaw)
+                                      queue.StartOver(
+                                          [&]
+                                          {
+                                              BeginAnew(store, options, FlawText(store, *flaw));
+                                              return settings();
+                                          });
+                                  queue.LetChanges();
                               });
-                      queue.LetChanges();
-                  });
     queue.HoldChanges();
     const std::chrono::milliseconds delay(std::llround(options.dDelay * 1000));
     CMisbehaviour misbehaviour(options.faults, options.seed);
