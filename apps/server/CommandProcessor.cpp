@@ -51,9 +51,8 @@ Execution CCommandProcessor::Execute(std::string_view strScript, const Trouble& 
     }
     Execution execution;
     execution.fConflict = m_fConflict;
-    execution.fStorageFailed = !m_strFailure.empty();
     const bool fAsksForChange = AsksForChange(strScript, result);
-    if (execution.fStorageFailed)
+    if (!m_strFailure.empty())
         result.strError =
             (fAsksForChange ? kNotSaved : "the session could not be read: ") + m_strFailure;
     if (result.strError.empty() && !m_fConflict && m_database.HasChanged())
@@ -92,7 +91,6 @@ catch (const SQLite::Exception& error)
     m_database.Rollback();
     execution.reply = {"", kNotSaved + strReason, true};
     execution.nUpdateCount = m_database.UpdateCount();
-    execution.fStorageFailed = true;
 }
 
 CommandReply CCommandProcessor::Run(std::string_view strScript, const Trouble& trouble)

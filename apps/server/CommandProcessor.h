@@ -61,7 +61,6 @@ struct Execution
     CommandReply reply;            // fChanged: there is something to conclude
     std::int64_t nUpdateCount = 0; // of the session as the command leaves it
     bool fConflict = false;        // nothing was done: the command is to be run again
-    bool fStorageFailed = false;   // the connection may not be the best any more
 };
 
 // Any one thread.

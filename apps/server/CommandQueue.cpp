@@ -239,9 +239,6 @@ void CCommandQueue::Finish(Runs::iterator run, WorkerReport report)
     m_settings.identity = report.identity;
     // It may have been stopped when it had said all.
     ended.pWorker->Continue();
-    // A new connection may do better. The log stays for it: a full disk has no room for another.
-    if (execution.fStorageFailed)
-        ended.pWorker->Kill("");
     if (ended.pWorker->IsAlive())
         m_pIdle = std::move(ended.pWorker);
     ended.pWorker.reset();

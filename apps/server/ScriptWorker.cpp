@@ -48,7 +48,6 @@ struct Header
     bool fRefused = false;
     bool fChanged = false;
     bool fConflict = false;
-    bool fStorageFailed = false;
     std::int64_t nUpdateCount = 0;
     FileIdentity identity;
     std::size_t nResult = 0;
@@ -109,7 +108,6 @@ bool Send(int nSocket, Kind kind, const Execution& execution, const FileIdentity
                         reply.fRefused,
                         reply.fChanged,
                         execution.fConflict,
-                        execution.fStorageFailed,
                         execution.nUpdateCount,
                         identity,
                         reply.strResult.size(),
@@ -148,7 +146,7 @@ public:
         {
             const bool fChange = NamesChange(strScript);
             const CommandReply reply{"", (fChange ? kNotSaved : "") + m_session.Refusal(), fChange};
-            return Send(m_nSocket, Kind::Answer, {reply, 0, false, true}, m_session.Identity());
+            return Send(m_nSocket, Kind::Answer, {reply}, m_session.Identity());
         }
         LimitProcessorTime(m_settings.limits.nMilliseconds + kGraceMilliseconds);
         Execution execution = m_processor->Execute(strScript, trouble);
@@ -174,7 +172,7 @@ private:
     {
         const FileIdentity before = m_session.Identity();
         m_session.Look();
-        if (!(m_session.Identity() == before))
+        if (!m_processor || !(m_session.Identity() == before))
             Connect();
         if (m_processor)
             m_processor->RefuseChanges(m_session.Refusal());
@@ -331,8 +329,7 @@ std::optional<WorkerReport> CScriptWorker::TakeReport()
                          m_strReceived.substr(nError, header.nError), header.fRefused,
                          header.fChanged},
                         header.nUpdateCount,
-                        header.fConflict,
-                        header.fStorageFailed};
+                        header.fConflict};
     report.identity = m_settings.identity = header.identity;
     m_strReceived.erase(0, nEnd);
     if (header.kind == Kind::Saving)

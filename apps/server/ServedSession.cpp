@@ -30,10 +30,12 @@ CServedSession::CServedSession(std::filesystem::path file, FileIdentity identity
     Open();
 }
 
+// A full disk, for instance, stands in the way for a while only.
 void CServedSession::Open()
 try
 {
     m_pDatabase = std::make_unique<CSessionDatabase>(m_file);
+    m_strRefusal.clear();
 }
 catch (const std::exception& error)
 {
@@ -42,6 +44,8 @@ catch (const std::exception& error)
 
 void CServedSession::Look()
 {
+    if (m_pDatabase == nullptr && IsOurs())
+        Open();
     if (m_pDatabase == nullptr || !m_strRefusal.empty() || IsOurs())
         return;
     try
