@@ -45,6 +45,7 @@ void CCommandQueue::Add(Command command)
 
 void CCommandQueue::Step()
 {
+    UnblockAll();
     LookAtTimes();
     StartNext();
     LetOneLongRun();
@@ -124,14 +125,15 @@ std::unique_ptr<CScriptWorker> CCommandQueue::TakeWorker()
 
 CCommandQueue::Clock::duration CCommandQueue::Ran(const Running& run) const
 {
-    return run.before + (run.fStopped ? Clock::duration() : Clock::now() - run.since);
+    return run.before +
+           (run.fStopped || run.fBlocked ? Clock::duration() : Clock::now() - run.since);
 }
 
 void CCommandQueue::LookAtTimes()
 {
     for (Running& run : m_running)
     {
-        if (Ran(run) > m_limits.longest && !run.fBlocked)
+        if (Ran(run) > m_limits.longest && !run.fBlocked && !run.pWorker->IsSaving())
         {
             const auto nSeconds =
                 std::chrono::duration_cast<std::chrono::seconds>(m_limits.longest).count();
@@ -151,12 +153,13 @@ void CCommandQueue::LetOneLongRun()
     const Running* pLeast = nullptr;
     for (const Running& run : m_running)
     {
-        if (run.fLong && (pLeast == nullptr || Ran(run) < Ran(*pLeast)))
+        if (run.fLong && !run.fBlocked && (pLeast == nullptr || Ran(run) < Ran(*pLeast)))
             pLeast = &run;
     }
     for (Running& run : m_running)
     {
-        const bool fMayRun = fAlone ? run.fAlone : !run.fLong || &run == pLeast;
+        const bool fMayRun =
+            run.pWorker->IsSaving() || (fAlone ? run.fAlone : !run.fLong || &run == pLeast);
         if (!fMayRun && !run.fStopped)
         {
             run.before = Ran(run);
@@ -187,13 +190,26 @@ void CCommandQueue::Take(Runs::iterator run)
         return;
     if (report->fBlocked)
     {
+        run->before = Ran(*run);
         run->fBlocked = true;
-        if (!m_fHeld)
-            Unblock(*run);
-        return;
     }
-    Finish(run, *std::move(report));
+    else
+    {
+        Finish(run, *std::move(report));
+    }
     Step();
+}
+
+void CCommandQueue::UnblockAll()
+{
+    const auto isSaving = [](const Running& run) { return run.pWorker->IsSaving(); };
+    if (m_fHeld || std::any_of(m_running.begin(), m_running.end(), isSaving))
+        return;
+    for (Running& run : m_running)
+    {
+        if (run.fBlocked && !run.fAgain)
+            Unblock(run);
+    }
 }
 
 void CCommandQueue::Unblock(Running& run)
@@ -205,6 +221,7 @@ void CCommandQueue::Unblock(Running& run)
     if (!fGivesWay)
         MakeRoomFor(run);
     run.fBlocked = false;
+    run.since = Clock::now();
     run.pWorker->TryAgain(!fGivesWay);
 }
 
@@ -262,11 +279,7 @@ void CCommandQueue::HoldChanges()
 void CCommandQueue::LetChanges()
 {
     m_fHeld = false;
-    for (Running& run : m_running)
-    {
-        if (run.fBlocked)
-            Unblock(run);
-    }
+    Step();
 }
 
 void CCommandQueue::StartOver(const std::function<WorkerSettings()>& change)

@@ -6,7 +6,8 @@
 // least. So a short question waits for the turns of those before it, never for the whole of a long
 // script. What a command changes is kept only if nobody has changed the session since it began, and
 // is in the middle of changing it now; otherwise it runs again, and the second time alone. Of two
-// in the middle of a change the one that is over its turn gives way.
+// in the middle of a change the one that is over its turn gives way. One that is being saved is
+// waited for.
 #pragma once
 
 #include "apps/server/CommandProcessor.h"
@@ -37,7 +38,7 @@ struct Command
 struct QueueLimits
 {
     std::chrono::milliseconds turn{100};
-    // While it runs; waiting for others does not count.
+    // While it runs; waiting for others does not count, nor does saving.
     std::chrono::milliseconds longest{20'000};
     std::size_t nWaitingBytes = 64 << 20; // of scripts that wait
 };
@@ -102,6 +103,7 @@ private:
     void SetTimer();
     void Take(Runs::iterator run);
     void Finish(Runs::iterator run, WorkerReport report);
+    void UnblockAll();
     void Unblock(Running& run);
     void MakeRoomFor(Running& run);
     void BeginAgain(Command command, bool fAlone);

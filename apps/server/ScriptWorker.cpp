@@ -304,6 +304,18 @@ bool CScriptWorker::TakeBytes()
     }
 }
 
+bool CScriptWorker::IsSaving() const
+{
+    Header header;
+    if (m_strReceived.size() >= sizeof header)
+        std::memcpy(&header, m_strReceived.data(), sizeof header);
+    // What is taken in nobody is told of any more.
+    else if (m_strReceived.empty() && recv(m_nSocket, &header, sizeof header,
+                                           MSG_PEEK | MSG_DONTWAIT) < ssize_t(sizeof header))
+        header = {};
+    return m_saving || header.kind == Kind::Saving;
+}
+
 // Of a worker that has ended.
 WorkerReport CScriptWorker::Last()
 {

@@ -23,7 +23,7 @@ struct WorkerSettings
     bool fHasDocuments = true;
     SandboxLimits limits;
     Access access;
-    std::string strEditor; // as Options says
+    std::string strEditor{}; // as Options says
 };
 
 struct WorkerReport
@@ -61,6 +61,10 @@ public:
     std::optional<WorkerReport> Receive();
     // Answers a report of fBlocked. Without another try the command ends in conflict.
     void TryAgain(bool fTryAgain);
+
+    // Whether it has begun to save what a script has changed. Let it go on: an editor may have the
+    // half of it.
+    bool IsSaving() const;
 
     // Whether it can run another script.
     bool IsAlive() const { return m_nProcess > 0; }

@@ -2,9 +2,13 @@
 
 #include "apps/server/SessionStore.h"
 #include "tests/apps/server/CommandFixture.h"
+#include "tests/apps/support/FailingCalls.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
+#include <algorithm>
+#include <chrono>
+#include <fstream>
 #include <limits>
 
 namespace Tarvane::Server
@@ -93,11 +97,10 @@ TEST_F(CommandQueue, AShortQuestionIsBehindNoLongScript)
 {
     SandboxLimits patient = Limits();
     patient.nMilliseconds = 60'000;
-    CCommandProcessor processor(CSession({"Vox"}, 0), nullptr, RenderFolder(), true, patient);
     QueueLimits limits;
     limits.turn = std::chrono::milliseconds(10);
     limits.longest = std::chrono::minutes(10);
-    CCommandQueue queue(processor, limits);
+    CCommandQueue queue(Made(patient), limits);
     for (std::int64_t nClient = 1; nClient <= 7; nClient++)
         Add(queue, nClient, kEndless);
     Add(queue, 8, "print('short')");
@@ -110,11 +113,10 @@ TEST_F(CommandQueue, OfLongScriptsTheOneGoesOnThatHasRunLeast)
 {
     SandboxLimits patient = Limits();
     patient.nMilliseconds = 20'000;
-    CCommandProcessor processor(CSession({"Vox"}, 0), nullptr, RenderFolder(), true, patient);
     QueueLimits limits;
     limits.turn = std::chrono::milliseconds(0);
     limits.longest = std::chrono::minutes(10);
-    CCommandQueue queue(processor, limits);
+    CCommandQueue queue(Made(patient), limits);
     Add(queue, 1, kEndless);
     Add(queue, 2, "for n = 1, 20000000 do end");
     RunUntil(1);
@@ -176,6 +178,33 @@ TEST_F(CommandQueue, AQuestionHasNotChangedWhatAnotherClientChangesMeanwhile)
     RunUntil(2);
     for (std::size_t n = 0; n < 2; n++)
         EXPECT_EQ(m_replies[n].fChanged, m_ended[n] == 2) << m_ended[n];
+}
+
+TEST_F(CommandQueue, WhatIsBeingSavedIsEndedNeitherForItsTimeNorForAnother)
+{
+    QueueLimits limits;
+    limits.turn = std::chrono::milliseconds(0);
+    limits.longest = std::chrono::milliseconds(3000);
+    WorkerSettings settings = Made(Limits());
+    settings.strEditor = "ardour:" + Path("edit");
+    const std::string strGo = Path("go");
+    const TarvaneTest::CWaitingCall waiting("rename", strGo);
+    CCommandQueue queue(settings, limits);
+    Add(queue, 1, Adding(0));
+    while (m_ended.empty() && !std::filesystem::exists(strGo + ".reached"))
+        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.01, false);
+    Add(queue, 2, Adding(1000));
+    // Time enough, too, for the other to find the session in the middle of a change.
+    const auto later = std::chrono::steady_clock::now() + limits.longest;
+    while (std::chrono::steady_clock::now() < later)
+        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.01, false);
+    EXPECT_TRUE(m_ended.empty());
+    std::ofstream{strGo};
+    RunUntil(2);
+    EXPECT_EQ(std::count(m_begun.begin(), m_begun.end(), 1), 1);
+    EXPECT_EQ(m_replies[0].strError, "");
+    EXPECT_EQ(m_replies[1].strError, "");
+    EXPECT_EQ(Stored().regions.size(), 2u);
 }
 
 TEST_F(CommandQueue, WhatWaitsInTheWorldIsEndedToo)

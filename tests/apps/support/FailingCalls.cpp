@@ -1,7 +1,10 @@
 #include "tests/apps/support/FailingCalls.h"
 
 #include <cerrno>
+#include <filesystem>
+#include <fstream>
 #include <sys/types.h>
+#include <unistd.h>
 
 namespace
 {
@@ -11,13 +14,22 @@ struct Plan
     std::string strCall;
     int nCallsLeft = 0;
     int nError = 0;
+    std::string strWaitsFor; // a file; empty for nothing
 };
 Plan plan;
 
 // True when this call is the one that fails; errno is then set.
 bool Fails(const char* szCall)
 {
-    if (plan.strCall != szCall || plan.nCallsLeft == 0 || --plan.nCallsLeft > 0)
+    if (plan.strCall != szCall)
+        return false;
+    if (!plan.strWaitsFor.empty())
+    {
+        std::ofstream(plan.strWaitsFor + ".reached");
+        while (!std::filesystem::exists(plan.strWaitsFor))
+            usleep(1000);
+    }
+    if (plan.nCallsLeft == 0 || --plan.nCallsLeft > 0)
         return false;
     errno = plan.nError;
     return true;
@@ -52,7 +64,7 @@ namespace TarvaneTest
 
 CFailingCall::CFailingCall(const std::string& strCall, int nCall, int nError)
 {
-    plan = {strCall, nCall, nError};
+    plan = {strCall, nCall, nError, {}};
 }
 
 CFailingCall::~CFailingCall()
@@ -63,6 +75,17 @@ CFailingCall::~CFailingCall()
 bool CFailingCall::HasFailed() const
 {
     return plan.nCallsLeft == 0;
+}
+
+CWaitingCall::CWaitingCall(const std::string& strCall, const std::string& strFile)
+{
+    plan.strCall = strCall;
+    plan.strWaitsFor = strFile;
+}
+
+CWaitingCall::~CWaitingCall()
+{
+    plan = {};
 }
 
 } // namespace TarvaneTest

@@ -20,4 +20,15 @@ public:
     bool HasFailed() const;
 };
 
+// For the life of the object such a call makes the file "<strFile>.reached" and waits until strFile
+// is there, in processes forked meanwhile as well.
+class CWaitingCall
+{
+public:
+    CWaitingCall(const std::string& strCall, const std::string& strFile);
+    ~CWaitingCall();
+    CWaitingCall(const CWaitingCall&) = delete;
+    CWaitingCall& operator=(const CWaitingCall&) = delete;
+};
+
 } // namespace TarvaneTest
