@@ -24,18 +24,19 @@ if(NOT trying)
   set(ENV{PKG_CONFIG_LIBDIR} "${neighbours}/pkgconfig")
   set(Boost_NO_BOOST_CMAKE ON)
   set(Boost_INCLUDE_DIR "${neighbours}/include")
+  set(SQLiteCpp_DIR "${neighbours}")
 endif()
 if(NOT trying AND NOT EXISTS "${neighbours}/pkgconfig")
   file(MAKE_DIRECTORY "${neighbours}/include" "${neighbours}/lib")
-  file(GLOB headers /usr/include/CLI /usr/include/boost /usr/include/nlohmann /usr/include/sndfile.h
-    /usr/include/pugi*.hpp
+  file(GLOB headers /usr/include/CLI /usr/include/boost /usr/include/nlohmann /usr/include/SQLiteCpp
+    /usr/include/sndfile.h /usr/include/sqlite3.h /usr/include/pugi*.hpp
     /usr/include/lua5.4/*.h /usr/include/lua5.4/*.hpp
     /usr/include/*-linux-gnu/lua5.4-deb-multiarch.h)
   foreach(header IN LISTS headers)
     cmake_path(GET header FILENAME name)
     file(CREATE_LINK "${header}" "${neighbours}/include/${name}" SYMBOLIC)
   endforeach()
-  foreach(library sndfile lua5.4 pugixml)
+  foreach(library sndfile lua5.4 pugixml SQLiteCpp sqlite3)
     file(WRITE "${neighbours}/lib/lib${library}.tbd"
       "--- !tapi-tbd\ntbd-version: 4\ntargets: [ x86_64-macos, arm64-macos ]\n"
       "install-name: /usr/local/lib/lib${library}.dylib\n...\n")
@@ -43,6 +44,9 @@ if(NOT trying AND NOT EXISTS "${neighbours}/pkgconfig")
       "Name: ${library}\nDescription: ${library}\nVersion: 5.4\n"
       "Cflags: -I${neighbours}/include\nLibs: -L${neighbours}/lib -l${library}\n")
   endforeach()
+  file(WRITE "${neighbours}/SQLiteCppConfig.cmake"
+    "add_library(SQLiteCpp INTERFACE IMPORTED)\n"
+    "target_link_libraries(SQLiteCpp INTERFACE -L${neighbours}/lib -lSQLiteCpp -lsqlite3)\n")
 endif()
 
 # clang 14 looks for no other C++ library than its own's predecessor unless told, and its own does not
