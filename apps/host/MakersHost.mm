@@ -90,10 +90,11 @@ int CMakersHost::Run()
     {
         CallOnMainThread([this] { Arm(); });
     }
+    constexpr NSUInteger kAnyEvent = NSUIntegerMax; // the systems have different names for it
     while (!m_fEnded)
     {
         NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-        NSEvent* event = [NSApp nextEventMatchingMask:NSAnyEventMask
+        NSEvent* event = [NSApp nextEventMatchingMask:kAnyEvent
                                             untilDate:[NSDate dateWithTimeIntervalSinceNow:0.1]
                                                inMode:NSDefaultRunLoopMode
                                               dequeue:YES];

@@ -13,7 +13,7 @@ FileIdentity IdentityOf(const std::filesystem::path& file)
     struct stat status = {};
     if (stat(file.c_str(), &status) != 0)
         return {};
-    return {status.st_dev, status.st_ino};
+    return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
 }
 
 CServedSession::CServedSession(std::filesystem::path file, FileIdentity identity,
