@@ -83,7 +83,7 @@ std::string ReportPage(const Subject& subject, const Findings& findings)
         ("<h1>The " + Escaped(subject.strParty) +
          (Conforms(findings) ? " conforms" : " does not conform") + "</h1>\n<p>") +
         Escaped(subject.strName) + ", " +
-        (subject.strVersion.empty() ? "which does not say its version"
+        (subject.strVersion.empty() ? "of unknown version"
                                     : "version " + Escaped(subject.strVersion)) +
         ". Examined on " + Today() + " by tarvane-conform " + ProgramVersion() +
         ".</p>\n<p class=\"summary\">" + Escaped(SummaryText(findings)) +
