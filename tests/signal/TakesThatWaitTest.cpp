@@ -348,7 +348,8 @@ TEST(TakesThatWait, AFullDiskEndsTheTakeAtItsLastWholeFrameAndCountsTheRest)
     const rlimit small{50'003, old.rlim_max};
     ::setrlimit(RLIMIT_FSIZE, &small);
     host.core->SetArmed(true);
-    host.Play(300, 20'000);
+    // In one block: the next one may find it disarmed.
+    host.Play(300, 20'000, 20'000);
     host.core->WaitUntilWritten();
     ::setrlimit(RLIMIT_FSIZE, &old);
     const CTake take = host.Published(1)[0];
@@ -434,7 +435,8 @@ TEST(TakesThatWait, AFolderThatIsMissingFailsTheTakeDisarmsAndSaysWhy)
 {
     CCoreUnderTest host(2, {}, "/nowhere/at/all");
     host.core->SetArmed(true);
-    host.Play(0, 2000);
+    // In one block: the next one may find it disarmed.
+    host.Play(0, 2000, 2000);
     host.core->WaitUntilWritten();
     ASSERT_THAT(host.Seen(), SizeIs(1));
     EXPECT_EQ(host.Seen()[0].state, TakeState::Failed);
