@@ -7,6 +7,7 @@
 
 typedef long NSInteger;
 typedef unsigned long NSUInteger;
+#define NSUIntegerMax (~0UL)
 typedef double NSTimeInterval;
 typedef unsigned short unichar;
 typedef struct _NSZone NSZone;
