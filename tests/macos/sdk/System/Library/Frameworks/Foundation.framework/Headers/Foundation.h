@@ -280,6 +280,7 @@ __attribute__((objc_root_class))
 + (NSDate*)distantPast;
 - (NSTimeInterval)timeIntervalSince1970;
 - (NSTimeInterval)timeIntervalSinceNow;
+- (instancetype)initWithTimeIntervalSinceNow:(NSTimeInterval)seconds;
 @end
 
 @interface NSError : NSObject <NSCopying>
