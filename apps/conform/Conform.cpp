@@ -148,7 +148,7 @@ int RunConform(int argc, char** argv)
     CLI::App app("Holds a neighbour of the plug-in's view against what the view needs of it. Each "
                  "rule says MUST or SHOULD; a neighbour conforms that keeps every MUST.",
                  "tarvane-conform");
-    AddCommonOptions(app, "a rule that says MUST is broken");
+    AddCommonOptions(app, "a rule that says MUST is broken, or could not be examined");
     app.require_subcommand(1);
     Options options;
     DeclareServer(app, options);
