@@ -256,6 +256,8 @@ SInt32 Receiver::ProcessOf(sd_bus_message* request)
     if (m_processes.size() >= kMostProcessesKept)
         m_processes.clear();
     m_processes.emplace(sender, process);
+    // What came in while the bus was asked waits for no descriptor any more.
+    WatchConnection();
     return process;
 }
 
