@@ -214,6 +214,30 @@ TEST_F(ForeignSender, RepliesThatTheBusDoesNotTakeAtOnceGoOutLater)
     EXPECT_EQ(kReplies, nReplies);
 }
 
+TEST_F(ForeignSender, EventThatComesWhileTheBusIsAskedForItsSenderIsHandledInsideTheHandlerBefore)
+{
+    m_receiver->Stop();
+    int nReplies = 0;
+    std::vector<SlotRef> calls;
+    for (const AEEventID id : {kNest, kEcho})
+    {
+        const MessageRef call = NewSend();
+        sd_bus_message_append(call.get(), "uu", UInt32(kClass), UInt32(id));
+        ASSERT_GE(AppendParameters(call.get(), {}), 0);
+        sd_bus_slot* slot = nullptr;
+        ASSERT_GE(sd_bus_call_async(m_connection.get(), &slot, call.get(), CountReply, &nReplies,
+                                    kPlentyMicroseconds),
+                  0);
+        calls.emplace_back(slot);
+    }
+    // By this answer the bus has handed both on, ahead of any answer to the receiver.
+    ConnectionsOnTheBus(m_connection.get());
+    m_receiver->Continue();
+    ProcessUntil(m_connection.get(), Deadline::After(kPlentyMicroseconds),
+                 [&] { return nReplies == 2; });
+    EXPECT_EQ(2, nReplies);
+}
+
 TEST_F(ForeignSender, EventOfManyEmptyParametersIsBoundedToo)
 {
     MessageRef call = NewSend();
