@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Tarvane::Conform
@@ -39,6 +40,8 @@ public:
     /// The last exchange since it was forgotten; nothing when there was none.
     const std::optional<ScriptExchange>& Last() const { return m_last; }
     void ForgetLast() const { m_last.reset(); }
+    /// Makes it the last: one that did not go through here.
+    void Remember(ScriptExchange exchange) const { m_last = std::move(exchange); }
 
     /// The next three throw CBroken when no reply comes, or one that the link cannot read.
 

@@ -1,9 +1,12 @@
 #include "TarvaneLinkShared/ScriptTexts.h"
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
+#include "apps/conform/ServerProcess.h"
 #include "apps/conform/ServerRules.h"
+#include "apps/support/recording/CommandWatch.h"
 #include "utils/FileIO/FileName.h"
 
 #include <filesystem>
+#include <functional>
 
 namespace Tarvane::Conform
 {
@@ -53,30 +56,50 @@ void Renders(const ServerBench& bench)
     Rendered(bench, szRenderSelectedRegion, 1.0);
 }
 
-void MustHaveSucceeded(const CTarvaneScript& link)
+ScriptExchange ExchangeOf(const SeenCommand& seen)
 {
+    ScriptExchange exchange{seen.strScript, seen.nStatus, {}, {}, CarriersError()};
+    if (seen.fHasResult)
+        exchange.result = seen.strResult;
+    if (!seen.strError.empty())
+        exchange.error = seen.strError;
+    return exchange;
+}
+
+// A command of the link, which must not fail. What went to and fro becomes the peer's last
+// exchange; on a system that shows its events to nobody there is none.
+void Succeeds(const ServerBench& bench, const std::function<void(CTarvaneScript&)>& command)
+{
+    CCommandWatch watch;
+    WatchEvents({&watch});
+    CTarvaneScript link;
+    command(link);
+    WatchEvents({});
+    bench.peer.ForgetLast();
+    for (const SeenCommand& seen : watch.Take())
+        bench.peer.Remember(ExchangeOf(seen));
     if (!link.m_strLastError.empty())
         throw CBroken("the command failed: " + QuotedText(link.m_strLastError));
 }
 
 void MakesProcesses(const ServerBench& bench)
 {
-    CTarvaneScript link;
-    link.CreateGDX(false, bench.nTrack, 0, 4800, bench.nTrack, 0, 4800, bench.nTrack);
-    MustHaveSucceeded(link);
-    link.CreateSpreader(false, bench.nTrack, 0, 4800, 0, bench.nTrack);
-    MustHaveSucceeded(link);
+    const int nTrack = bench.nTrack;
+    Succeeds(bench, [nTrack](CTarvaneScript& link)
+             { link.CreateGDX(false, nTrack, 0, 4800, nTrack, 0, 4800, nTrack); });
+    Succeeds(bench, [nTrack](CTarvaneScript& link)
+             { link.CreateSpreader(false, nTrack, 0, 4800, 0, nTrack); });
 }
 
 // A process with audio to work on, in the document where the scripts look for it.
 void MakeProcess(const ServerBench& bench)
 {
-    CTarvaneScript link;
+    const int nTrack = bench.nTrack;
     CFileName take(bench.sound.Take().c_str());
-    link.SendFile(true, bench.nTrack, &take, 0.0, 0.0, CTestSound::kFrames, 0);
-    MustHaveSucceeded(link);
-    link.CreateSpreader(true, bench.nTrack, 0, CTestSound::kFrames, 0, bench.nTrack);
-    MustHaveSucceeded(link);
+    Succeeds(bench, [&](CTarvaneScript& link)
+             { link.SendFile(true, nTrack, &take, 0.0, 0.0, CTestSound::kFrames, 0); });
+    Succeeds(bench, [nTrack](CTarvaneScript& link)
+             { link.CreateSpreader(true, nTrack, 0, CTestSound::kFrames, 0, nTrack); });
 }
 
 void ExportsProcesses(const ServerBench& bench)
@@ -95,9 +118,7 @@ void Clears(const ServerBench& bench)
 {
     for (const bool fAudioSuite : {false, true})
     {
-        CTarvaneScript link;
-        link.ClearTrack(fAudioSuite, bench.nTrack);
-        MustHaveSucceeded(link);
+        Succeeds(bench, [&](CTarvaneScript& link) { link.ClearTrack(fAudioSuite, bench.nTrack); });
         const double dLeft = Regions(bench.peer, fAudioSuite, bench.nTrack);
         if (dLeft != 0.0)
             throw CBroken(std::to_string(static_cast<long>(dLeft)) +

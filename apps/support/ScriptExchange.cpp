@@ -10,11 +10,11 @@ namespace Tarvane
 namespace
 {
 
-constexpr std::size_t kWholeScript = 1500; // but for those that are meant to be long
+constexpr std::size_t kWholeText = 1500; // but for those that are meant to be long
 
 std::string TextOrNone(const std::optional<std::string>& text)
 {
-    return text ? QuotedText(*text) : "none";
+    return text ? QuotedText(*text, kWholeText) : "none";
 }
 
 std::string WhatCameBack(const ScriptExchange& exchange)
@@ -30,7 +30,7 @@ std::string WhatCameBack(const ScriptExchange& exchange)
 
 std::vector<std::string> Told(const ScriptExchange& exchange)
 {
-    std::vector<std::string> told{"Sent: " + QuotedText(exchange.strScript, kWholeScript),
+    std::vector<std::string> told{"Sent: " + QuotedText(exchange.strScript, kWholeText),
                                   "Came back: " + WhatCameBack(exchange)};
     if (!exchange.strCarriersError.empty())
         told.push_back("The bus says: " + exchange.strCarriersError);

@@ -31,6 +31,18 @@ struct ConformEnded
                 names.push_back(rule["rule"]);
         return names;
     }
+
+    // What is told of a rule's last exchange, a line each.
+    std::string Told(const std::string& strRule) const
+    {
+        std::string strTold;
+        const nlohmann::json findings = nlohmann::json::parse(strOutput);
+        for (const auto& rule : findings["rules"])
+            if (rule["rule"] == strRule)
+                for (const std::string strLine : rule["told"])
+                    strTold += strLine + "\n";
+        return strTold;
+    }
 };
 
 inline std::string FileText(const char* szPath)

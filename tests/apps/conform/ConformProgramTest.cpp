@@ -257,6 +257,10 @@ TEST_F(ConformProgram, SmallestServersKeepEveryMust)
         // As their page says.
         EXPECT_THAT(ended.Rules("broken"), testing::ElementsAre("S12", "S24", "S25", "S26", "S27"));
         EXPECT_THAT(ended.Rules("not examined"), testing::ElementsAre("S28", "S29", "S32"));
+        // The exchange of each names what is missing, also where the link has sent it.
+        EXPECT_THAT(ended.Told("S12"), HasSubstr("\\nGetSampleRate nil\\nRegionRender nil\\n"));
+        EXPECT_THAT(ended.Told("S27"), HasSubstr("idProcess = CreateProcess("));
+        EXPECT_THAT(ended.Told("S27"), HasSubstr("'Errr' \"script:10: attempt to call"));
     }
 }
 
