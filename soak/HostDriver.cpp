@@ -1,6 +1,6 @@
 #include "soak/HostDriver.h"
 
-#include "apps/support/AtomicFile.h"
+#include "apps/support/file/AtomicFile.h"
 #include "soak/Logs.h"
 #include "soak/ProcessSample.h"
 

@@ -1,9 +1,9 @@
 // tarvane-soak-plug-in: the plug-in as a host has it, the capture core with the view in a process
 // of its own, but told line by line what to capture, as "tarvane-host --commands" is: capture,
 // track and state are known, and answered in the same words.
-#include "apps/support/CaptureFolder.h"
-#include "apps/support/CommandLine.h"
-#include "apps/support/PropertyLog.h"
+#include "apps/support/program/CommandLine.h"
+#include "apps/support/sound/CaptureFolder.h"
+#include "apps/support/unit/PropertyLog.h"
 #include "plugin/view/ViewSupervisor.h"
 #include "signal/CaptureCore.h"
 #include "signal/PropertyStatus.h"

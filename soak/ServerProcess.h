@@ -1,7 +1,7 @@
 // The server of a soak, on a bus that can go away.
 #pragma once
 
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 #include "soak/Evidence.h"
 
 #include <filesystem>

@@ -1,8 +1,8 @@
 #include "soak/Soak.h"
 
-#include "apps/server/SessionStore.h"
-#include "apps/support/AtomicFile.h"
-#include "apps/support/SoundFile.h"
+#include "apps/server/database/SessionStore.h"
+#include "apps/support/file/AtomicFile.h"
+#include "apps/support/sound/SoundFile.h"
 #include "soak/Invariants.h"
 #include "soak/Logs.h"
 #include "soak/ProcessSample.h"

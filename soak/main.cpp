@@ -1,5 +1,5 @@
 // tarvane-soak: no take lost, doubled or misplaced, whatever ends meanwhile.
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 #include "soak/Soak.h"
 
 #include <CLI/CLI.hpp>

@@ -1,13 +1,13 @@
 #include "apps/conform/Conform.h"
 
-#include "apps/conform/PlugInExamination.h"
-#include "apps/conform/Report.h"
-#include "apps/conform/ReportPage.h"
-#include "apps/conform/ServerExamination.h"
-#include "apps/conform/ServerProcess.h"
-#include "apps/conform/ServerRules.h"
-#include "apps/support/AtomicFile.h"
-#include "apps/support/CommandLine.h"
+#include "apps/conform/plugin/PlugInExamination.h"
+#include "apps/conform/server/ServerExamination.h"
+#include "apps/conform/server/ServerProcess.h"
+#include "apps/conform/server/ServerRules.h"
+#include "apps/conform/shared/Report.h"
+#include "apps/conform/shared/ReportPage.h"
+#include "apps/support/file/AtomicFile.h"
+#include "apps/support/program/CommandLine.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,9 +1,9 @@
 #include "apps/demo/Demo.h"
 
-#include "apps/server/SessionStore.h"
-#include "apps/support/CaptureFolder.h"
-#include "apps/support/SoundFile.h"
-#include "apps/support/Timecode.h"
+#include "apps/server/database/SessionStore.h"
+#include "apps/support/sound/CaptureFolder.h"
+#include "apps/support/sound/SoundFile.h"
+#include "apps/support/text/Timecode.h"
 
 #include <CLI/CLI.hpp>
 

@@ -4,9 +4,9 @@
 
 #include "apps/demo/HostClient.h"
 #include "apps/demo/Verdict.h"
-#include "apps/support/CaptureSource.h"
-#include "apps/support/CommandLine.h"
-#include "apps/support/ResultFolder.h"
+#include "apps/support/file/ResultFolder.h"
+#include "apps/support/program/CommandLine.h"
+#include "apps/support/sound/CaptureSource.h"
 
 #include <optional>
 #include <string>

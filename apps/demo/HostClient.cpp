@@ -1,6 +1,6 @@
 #include "apps/demo/HostClient.h"
 
-#include "apps/support/Timecode.h"
+#include "apps/support/text/Timecode.h"
 
 #include <iomanip>
 #include <sstream>

@@ -1,7 +1,7 @@
 // A host process that is told what to do line by line.
 #pragma once
 
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 
 #include <nlohmann/json.hpp>
 

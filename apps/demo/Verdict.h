@@ -2,7 +2,7 @@
 // and what came back for it.
 #pragma once
 
-#include "apps/server/Session.h"
+#include "apps/server/session/Session.h"
 
 #include <nlohmann/json.hpp>
 

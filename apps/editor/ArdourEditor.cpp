@@ -3,9 +3,9 @@
 #include "apps/editor/ArdourNotes.h"
 #include "apps/editor/ArdourSession.h"
 #include "apps/editor/OpenFiles.h"
-#include "apps/support/AtomicFile.h"
-#include "apps/support/ChildProcess.h"
-#include "apps/support/SoundFile.h"
+#include "apps/support/file/AtomicFile.h"
+#include "apps/support/process/ChildProcess.h"
+#include "apps/support/sound/SoundFile.h"
 
 #include <algorithm>
 #include <cerrno>

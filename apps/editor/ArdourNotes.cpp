@@ -1,7 +1,7 @@
 #include "apps/editor/ArdourNotes.h"
 
 #include "apps/editor/Editor.h"
-#include "apps/support/AtomicFile.h"
+#include "apps/support/file/AtomicFile.h"
 
 #include <nlohmann/json.hpp>
 #include <system_error>

@@ -2,7 +2,7 @@
 
 #include "apps/editor/Editor.h"
 #include "apps/editor/OpenFiles.h"
-#include "apps/support/Pipe.h"
+#include "apps/support/process/Pipe.h"
 
 #include <algorithm>
 #include <atomic>

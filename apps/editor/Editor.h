@@ -2,7 +2,7 @@
 #pragma once
 
 #include "apps/editor/EditorModel.h"
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 
 #include <memory>
 #include <optional>

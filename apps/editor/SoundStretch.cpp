@@ -1,7 +1,7 @@
 #include "apps/editor/SoundStretch.h"
 
 #include "apps/editor/Editor.h"
-#include "apps/support/SoundFile.h"
+#include "apps/support/sound/SoundFile.h"
 
 #include <algorithm>
 

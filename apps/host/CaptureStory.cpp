@@ -1,7 +1,7 @@
 #include "apps/host/CaptureStory.h"
 
-#include "apps/support/PlainText.h"
-#include "apps/support/Timecode.h"
+#include "apps/support/text/PlainText.h"
+#include "apps/support/text/Timecode.h"
 
 #include <cstdio>
 

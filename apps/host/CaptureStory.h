@@ -1,7 +1,7 @@
 // A capture in words for people and in JSON for programs.
 #pragma once
 
-#include "apps/support/CaptureReport.h"
+#include "apps/support/unit/CaptureReport.h"
 
 #include <nlohmann/json.hpp>
 #include <string>

@@ -7,9 +7,9 @@
 #include "apps/host/PlugIn.h"
 #include "apps/host/SilenceWatch.h"
 #import "apps/host/StallWatch.h"
-#include "apps/support/ResultFolder.h"
 #include "apps/support/delivery/DeliveryWatch.h"
 #include "apps/support/delivery/ServerWatch.h"
+#include "apps/support/file/ResultFolder.h"
 #include "apps/support/recording/AnswerWords.h"
 #include "apps/support/recording/Recorder.h"
 

@@ -1,13 +1,13 @@
 #import "apps/host/Host.h"
 
 #import "apps/host/LinkView.h"
-#import "apps/support/MainThread.h"
+#import "apps/support/window/MainThread.h"
 
-#import "apps/support/Application.h"
-#include "apps/support/LiveObjects.h"
-#include "apps/support/Pipe.h"
-#include "apps/support/PlainText.h"
+#include "apps/host/LiveObjects.h"
+#include "apps/support/process/Pipe.h"
 #include "apps/support/recording/EventWatch.h"
+#include "apps/support/text/PlainText.h"
+#import "apps/support/window/Application.h"
 
 #import <AppKit/AppKit.h>
 

@@ -1,9 +1,9 @@
 #import "apps/host/Host.h"
 
 #import "apps/host/LinkView.h"
-#import "apps/support/MainThread.h"
+#import "apps/support/window/MainThread.h"
 
-#include "apps/support/LiveObjects.h"
+#include "apps/host/LiveObjects.h"
 
 #include <iomanip>
 #include <iostream>

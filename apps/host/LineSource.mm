@@ -1,6 +1,6 @@
 #import "apps/host/LineSource.h"
 
-#import "apps/support/MainThread.h"
+#import "apps/support/window/MainThread.h"
 
 #include <array>
 #include <cerrno>

@@ -1,8 +1,8 @@
 #import "apps/host/LinkView.h"
 
-#import "apps/support/Application.h"
-#include "apps/support/CommandLine.h"
-#import "apps/support/ViewFactory.h"
+#include "apps/support/program/CommandLine.h"
+#import "apps/support/window/Application.h"
+#import "apps/support/window/ViewFactory.h"
 
 #import <AudioUnit/AUCocoaUIView.h>
 

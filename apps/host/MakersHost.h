@@ -5,9 +5,9 @@
 #include "apps/host/CaptureStory.h"
 #include "apps/host/Options.h"
 #include "apps/host/WatchedUnit.h"
-#include "apps/support/PlugInLibrary.h"
 #include "apps/support/delivery/DeliveryWatch.h"
 #include "apps/support/recording/AnswerWords.h"
+#include "apps/support/unit/PlugInLibrary.h"
 
 #import <Foundation/Foundation.h>
 

@@ -1,7 +1,7 @@
 #import "apps/host/MakersHost.h"
 
 #import "apps/host/LinkView.h"
-#import "apps/support/MainThread.h"
+#import "apps/support/window/MainThread.h"
 
 #include "apps/support/recording/EventWatch.h"
 

@@ -1,8 +1,8 @@
 #include "apps/host/Options.h"
 
-#include "apps/support/CaptureFolder.h"
-#include "apps/support/ChildProcess.h"
-#include "apps/support/DecimalNumber.h"
+#include "apps/support/process/ChildProcess.h"
+#include "apps/support/sound/CaptureFolder.h"
+#include "apps/support/text/DecimalNumber.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,9 +1,9 @@
 // What the host's command line says.
 #pragma once
 
-#include "apps/support/CommandLine.h"
-#include "apps/support/SignalFaults.h"
-#include "apps/support/SignalSide.h"
+#include "apps/support/program/CommandLine.h"
+#include "apps/support/unit/SignalFaults.h"
+#include "apps/support/unit/SignalSide.h"
 
 #include <filesystem>
 #include <string>

@@ -1,9 +1,9 @@
 // An instance of the plug-in, owned.
 #pragma once
 
-#include "apps/support/FaultyUnit.h"
-#include "apps/support/SignalSide.h"
 #include "apps/support/recording/RecordedUnit.h"
+#include "apps/support/unit/FaultyUnit.h"
+#include "apps/support/unit/SignalSide.h"
 
 #include <stdexcept>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
-#include "apps/support/UnitInFront.h"
+#include "apps/support/unit/UnitInFront.h"
 
 #include <functional>
 

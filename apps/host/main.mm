@@ -3,7 +3,7 @@
 #include "apps/host/Host.h"
 #import "apps/host/MakersHost.h"
 #include "apps/host/Options.h"
-#import "apps/support/Application.h"
+#import "apps/support/window/Application.h"
 
 #include <CLI/CLI.hpp>
 

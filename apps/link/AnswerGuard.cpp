@@ -1,6 +1,6 @@
 #include "apps/link/AnswerGuard.h"
 
-#include "apps/link/Outcome.h"
+#include "apps/link/shared/Outcome.h"
 
 #include <csignal>
 #include <string_view>

@@ -1,6 +1,6 @@
 #include "apps/link/HangNotice.h"
 
-#include "apps/support/PlainText.h"
+#include "apps/support/text/PlainText.h"
 
 #include <iostream>
 

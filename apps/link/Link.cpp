@@ -1,11 +1,11 @@
 #include "apps/link/Link.h"
 
 #include "apps/link/AnswerGuard.h"
-#include "apps/link/Commands.h"
-#include "apps/link/Doctor.h"
 #include "apps/link/HangNotice.h"
 #include "apps/link/Watch.h"
-#include "apps/support/CommandLine.h"
+#include "apps/link/commands/Commands.h"
+#include "apps/link/doctor/Doctor.h"
+#include "apps/support/program/CommandLine.h"
 #include "apps/support/recording/CommandWatch.h"
 #include "apps/support/recording/Recorder.h"
 

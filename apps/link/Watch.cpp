@@ -1,6 +1,6 @@
 #include "apps/link/Watch.h"
 
-#include "apps/link/Commands.h"
+#include "apps/link/commands/Commands.h"
 
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
 

@@ -1,7 +1,7 @@
 // Looking at the server again and again.
 #pragma once
 
-#include "apps/link/Options.h"
+#include "apps/link/shared/Options.h"
 
 namespace Tarvane::Link
 {

@@ -1,7 +1,7 @@
 #include "apps/palette/GradientDump.h"
 
 #include "apps/palette/PaletteCodes.h"
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 #include "colours/ComponentsColors.h"
 #include "colours/GradientFill.h"
 

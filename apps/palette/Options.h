@@ -1,7 +1,7 @@
 // What the palette tool's command line says.
 #pragma once
 
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
 #include "apps/palette/PaletteFile.h"
 
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 #include "colours/ComponentsColors.h"
 #include "colours/GradientFill.h"
 #include "utils/FileIO/FileName.h"

@@ -2,7 +2,7 @@
 
 #import "apps/palette/Sheet.h"
 #import "apps/palette/SheetParts.h"
-#import "apps/support/Application.h"
+#import "apps/support/window/Application.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -3,7 +3,7 @@
 #include "apps/palette/Options.h"
 #include "apps/palette/PaletteFile.h"
 #import "apps/palette/PaletteWindow.h"
-#import "apps/support/Application.h"
+#import "apps/support/window/Application.h"
 #include "colours/ComponentsColors.h"
 
 #include <CLI/CLI.hpp>

@@ -2,7 +2,7 @@
 
 #include "apps/replay/Comparison.h"
 #include "apps/replay/EventParameters.h"
-#include "apps/support/EventDescriptor.h"
+#include "apps/support/event/EventDescriptor.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,7 +1,7 @@
 #include "apps/replay/Misplaced.h"
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
-#include "apps/support/Timecode.h"
+#include "apps/support/text/Timecode.h"
 
 #include <filesystem>
 #include <locale>

@@ -1,6 +1,6 @@
 #include "apps/replay/RecordingReader.h"
 
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 #include "utils/UnicodeText.h"
 
 #include <cstring>

@@ -4,8 +4,8 @@
 #include "apps/replay/Page.h"
 #include "apps/replay/RecordingReader.h"
 #include "apps/replay/ServerPart.h"
-#include "apps/support/AtomicFile.h"
-#include "apps/support/CommandLine.h"
+#include "apps/support/file/AtomicFile.h"
+#include "apps/support/program/CommandLine.h"
 #include "utils/UnicodeText.h"
 
 #include <CLI/CLI.hpp>

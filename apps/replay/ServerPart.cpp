@@ -3,7 +3,7 @@
 #include "apps/replay/EventLoop.h"
 #include "apps/replay/EventParameters.h"
 #include "apps/replay/ServerMatch.h"
-#include "apps/support/EventReceiver.h"
+#include "apps/support/event/EventReceiver.h"
 
 #include <TarvanePlatform/Application.h>
 

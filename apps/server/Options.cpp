@@ -1,7 +1,7 @@
 #include "apps/server/Options.h"
 
-#include "apps/server/Session.h"
-#include "apps/support/CommandLine.h"
+#include "apps/server/session/Session.h"
+#include "apps/support/program/CommandLine.h"
 
 #include <CLI/CLI.hpp>
 

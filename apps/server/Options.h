@@ -1,7 +1,7 @@
 // What the server's command line asks for.
 #pragma once
 
-#include "apps/server/Misbehaviour.h"
+#include "apps/server/faults/Misbehaviour.h"
 
 #include <cstdint>
 #include <optional>

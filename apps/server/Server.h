@@ -2,8 +2,8 @@
 #pragma once
 
 #include "apps/server/Options.h"
-#include "apps/server/Session.h"
-#include "apps/server/SessionStore.h"
+#include "apps/server/database/SessionStore.h"
+#include "apps/server/session/Session.h"
 
 namespace Tarvane::Server
 {

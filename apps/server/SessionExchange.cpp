@@ -1,9 +1,9 @@
 #include "apps/server/SessionExchange.h"
 
-#include "apps/server/SessionBlocks.h"
-#include "apps/server/SessionStore.h"
-#include "apps/support/AtomicFile.h"
-#include "apps/support/CommandLine.h"
+#include "apps/server/database/SessionStore.h"
+#include "apps/server/session/SessionBlocks.h"
+#include "apps/support/file/AtomicFile.h"
+#include "apps/support/program/CommandLine.h"
 
 namespace Tarvane::Server
 {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "apps/server/Options.h"
-#include "apps/server/SessionStore.h"
+#include "apps/server/database/SessionStore.h"
 
 namespace Tarvane::Server
 {

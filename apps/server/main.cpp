@@ -2,7 +2,7 @@
 // documents of its own.
 #include "apps/server/Options.h"
 #include "apps/server/Server.h"
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 
 #include <CLI/CLI.hpp>
 

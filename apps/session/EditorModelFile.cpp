@@ -2,7 +2,7 @@
 
 #include "apps/editor/SessionModel.h"
 #include "apps/session/SessionFile.h"
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 
 namespace Tarvane::Session
 {

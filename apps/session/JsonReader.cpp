@@ -1,7 +1,7 @@
 #include "apps/session/EntryText.h"
 #include "apps/session/Json.h"
-#include "apps/support/CommandLine.h"
-#include "apps/support/DecimalNumber.h"
+#include "apps/support/program/CommandLine.h"
+#include "apps/support/text/DecimalNumber.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,7 +1,7 @@
 #include "apps/session/NewFile.h"
 
-#include "apps/support/AtomicFile.h"
-#include "apps/support/CommandLine.h"
+#include "apps/support/file/AtomicFile.h"
+#include "apps/support/program/CommandLine.h"
 
 #include <iostream>
 #include <system_error>

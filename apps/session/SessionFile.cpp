@@ -1,7 +1,7 @@
 #include "apps/session/SessionFile.h"
 
-#include "apps/support/AtomicFile.h"
-#include "apps/support/CommandLine.h"
+#include "apps/support/file/AtomicFile.h"
+#include "apps/support/program/CommandLine.h"
 #include "utils/ParameterWalk.h"
 
 #include <CoreFoundation/CoreFoundation.h>

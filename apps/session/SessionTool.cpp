@@ -10,8 +10,8 @@
 #include "apps/session/ToArdour.h"
 #include "apps/session/ToEdl.h"
 #include "apps/session/ToRpp.h"
-#include "apps/support/AtomicFile.h"
-#include "apps/support/CommandLine.h"
+#include "apps/support/file/AtomicFile.h"
+#include "apps/support/program/CommandLine.h"
 
 #include <CLI/CLI.hpp>
 

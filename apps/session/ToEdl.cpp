@@ -3,7 +3,7 @@
 #include "apps/editor/Interchange.h"
 #include "apps/session/EditorModelFile.h"
 #include "apps/session/NewFile.h"
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 
 #include <algorithm>
 #include <filesystem>

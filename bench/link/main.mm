@@ -18,7 +18,7 @@
 // compared are medians. Menus and views are filled by the receiver, whose lists cost the same for
 // each track. A track's cost is what it adds to filling a menu of one, so that the command and the
 // choice of a track, which are the same for all, are not shared out among few or many.
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 #include "bench/link/Bench.h"
 #include "bench/link/BenchUnit.h"
 #include "bench/support/Measure.h"

@@ -8,9 +8,9 @@
 // none, the offset, and the region with the display's move. Beside it stands the same row put into
 // the same tables by SQLite alone, and synced. The question for duplicates finds its region's place
 // taken, by other audio in another file, and reads both.
-#include "apps/server/CommandQueue.h"
-#include "apps/server/SessionStore.h"
-#include "apps/support/ChildProcess.h"
+#include "apps/server/command/CommandQueue.h"
+#include "apps/server/database/SessionStore.h"
+#include "apps/support/process/ChildProcess.h"
 #include "bench/support/Measure.h"
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -1,6 +1,6 @@
 // JSON from anywhere. What is taken reads back the same.
 #include "apps/session/Json.h"
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 #include "fuzz/sessions/FuzzInput.h"
 
 #include <sstream>

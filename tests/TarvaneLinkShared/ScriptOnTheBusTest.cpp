@@ -2,7 +2,7 @@
 // other end of a bus.
 
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 #include "tests/TarvaneLinkShared/BusServer.h"
 #include "tests/support/PrivateBus.h"
 #include "utils/FileIO/FileName.h"

@@ -1,6 +1,6 @@
 // All that is installed, in a bare folder: it runs from there, and others build with it. What the
 // packages add (stripping, their dependencies) is not looked at.
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/support/TemporaryFolder.h"
 #include "tests/support/PrivateBus.h"
 

@@ -1,8 +1,8 @@
 // What the tests in real hosts share: the takes, a server, and waiting for what is sure to come.
 #pragma once
 
-#include "apps/server/SessionStore.h"
-#include "apps/support/ChildProcess.h"
+#include "apps/server/database/SessionStore.h"
+#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/support/TemporaryFolder.h"
 #include "tests/plugin/TimelineAudio.h"
 #include "tests/support/PrivateBus.h"

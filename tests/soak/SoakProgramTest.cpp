@@ -1,4 +1,4 @@
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 
 #include <optional>
 #include <string>

@@ -1,8 +1,8 @@
 #include "apps/support/recording/AnswerWords.h"
 
-#include "apps/support/ChildProcess.h"
-#include "apps/support/PlainText.h"
+#include "apps/support/process/ChildProcess.h"
 #include "apps/support/recording/ScriptCalls.h"
+#include "apps/support/text/PlainText.h"
 #include "utils/UnicodeText.h"
 
 #include <algorithm>

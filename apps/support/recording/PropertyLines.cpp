@@ -1,7 +1,7 @@
 #include "apps/support/recording/PropertyLines.h"
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
-#include "apps/support/PropertyLog.h"
+#include "apps/support/unit/PropertyLog.h"
 
 namespace Tarvane
 {

@@ -1,9 +1,9 @@
 #include "apps/support/recording/RecordedUnit.h"
 
-#include "apps/support/FaultyUnit.h"
-#include "apps/support/SignalSide.h"
 #include "apps/support/UnitComponent.h"
 #include "apps/support/recording/Recorder.h"
+#include "apps/support/unit/FaultyUnit.h"
+#include "apps/support/unit/SignalSide.h"
 
 #include <cstdio>
 #include <exception>

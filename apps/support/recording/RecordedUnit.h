@@ -1,8 +1,8 @@
 // A plug-in between a view and a signal side that records what the two say to each other.
 #pragma once
 
-#include "apps/support/UnitInFront.h"
 #include "apps/support/recording/PropertyLines.h"
+#include "apps/support/unit/UnitInFront.h"
 
 namespace Tarvane
 {

@@ -1,6 +1,6 @@
 #include "apps/support/recording/Recorder.h"
 
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 
 #include <algorithm>
 #include <cerrno>

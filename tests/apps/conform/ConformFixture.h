@@ -1,7 +1,7 @@
 // Runs tarvane-conform, and reads what it found.
 #pragma once
 
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 
 #include <chrono>
 #include <fstream>

@@ -1,8 +1,8 @@
 // The program as it is run, on a bus of the test's own, with a server beside it.
 
-#include "apps/conform/ServerPeer.h"
-#include "apps/support/ChildProcess.h"
-#include "apps/support/ProgramVersion.h"
+#include "apps/conform/server/ServerPeer.h"
+#include "apps/support/process/ChildProcess.h"
+#include "apps/support/program/ProgramVersion.h"
 #include "tests/apps/conform/ConformFixture.h"
 #include "tests/apps/link/ScriptedServer.h"
 #include "tests/apps/support/ManualPage.h"

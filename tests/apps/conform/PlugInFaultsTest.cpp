@@ -1,7 +1,7 @@
 // Which fault of a plug-in breaks which rules: the host's signal side with each fault that it can
 // be asked for, examined in this process, since none of them ends one.
-#include "apps/conform/PlugInExamination.h"
-#include "apps/support/SignalFaults.h"
+#include "apps/conform/plugin/PlugInExamination.h"
+#include "apps/support/unit/SignalFaults.h"
 #include "tests/apps/conform/ConformFixture.h"
 #include "tests/apps/support/TemporaryFolder.h"
 

@@ -1,7 +1,7 @@
 // Which server breaks which rules: the reference server with each fault that it can be asked for,
 // and the smallest one with a change. Each is examined on a bus of its own, several at a time.
-#include "apps/conform/ServerRules.h"
-#include "apps/server/Misbehaviour.h"
+#include "apps/conform/server/ServerRules.h"
+#include "apps/server/faults/Misbehaviour.h"
 #include "tests/apps/conform/ConformFixture.h"
 
 #include <gmock/gmock.h>

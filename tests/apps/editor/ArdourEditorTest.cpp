@@ -1,5 +1,5 @@
 #include "apps/editor/ArdourEditor.h"
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/editor/EditorFixture.h"
 
 #include <chrono>

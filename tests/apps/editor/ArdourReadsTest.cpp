@@ -1,6 +1,6 @@
 // What Ardour itself finds in the sessions that are made for it.
 #include "apps/editor/ArdourEditor.h"
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/editor/EditorFixture.h"
 
 #include <chrono>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "apps/editor/EditorModel.h"
-#include "tests/apps/server/SoundMaker.h"
+#include "tests/apps/server/sound/SoundMaker.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <fstream>

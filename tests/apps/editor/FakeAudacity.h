@@ -1,7 +1,7 @@
 // A program that answers as Audacity does, with faults at will.
 #pragma once
 
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 
 #include <chrono>
 #include <filesystem>

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "apps/demo/HostClient.h"
-#include "apps/server/SessionStore.h"
-#include "apps/support/ChildProcess.h"
-#include "tests/apps/support/SoundFixture.h"
+#include "apps/server/database/SessionStore.h"
+#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/support/TemporaryFolder.h"
+#include "tests/apps/support/sound/SoundFixture.h"
 
 #include <fstream>
 #include <gtest/gtest.h>

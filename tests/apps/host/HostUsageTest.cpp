@@ -1,4 +1,4 @@
-#include "apps/support/SignalFaults.h"
+#include "apps/support/unit/SignalFaults.h"
 #include "tests/apps/host/HostFixture.h"
 #include "tests/apps/support/ManualPage.h"
 

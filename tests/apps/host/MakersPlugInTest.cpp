@@ -1,5 +1,5 @@
 // The host with another maker's plug-in: --plugin.
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/support/TemporaryFolder.h"
 #include "tests/support/PrivateBus.h"
 

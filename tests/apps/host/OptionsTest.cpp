@@ -1,8 +1,8 @@
 #include "apps/host/Options.h"
 
 #include "tests/apps/support/ManualPage.h"
-#include "tests/apps/support/SoundFixture.h"
 #include "tests/apps/support/TemporaryFolder.h"
+#include "tests/apps/support/sound/SoundFixture.h"
 
 #include <CLI/CLI.hpp>
 

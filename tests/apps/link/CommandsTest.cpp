@@ -1,8 +1,8 @@
 // What each command sends, prints, and ends with.
 
 #include "tests/apps/link/LinkFixture.h"
-#include "tests/apps/support/SoundFixture.h"
 #include "tests/apps/support/TemporaryFolder.h"
+#include "tests/apps/support/sound/SoundFixture.h"
 
 #include <filesystem>
 #include <fstream>

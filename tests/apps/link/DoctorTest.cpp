@@ -1,9 +1,9 @@
 // What the doctor finds, and what it says to do.
 
-#include "apps/link/Contract.h"
+#include "apps/link/doctor/Contract.h"
 #include "tests/apps/link/LinkFixture.h"
-#include "tests/apps/support/SoundFixture.h"
 #include "tests/apps/support/TemporaryFolder.h"
+#include "tests/apps/support/sound/SoundFixture.h"
 
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
 #include "utils/FileIO/FileName.h"

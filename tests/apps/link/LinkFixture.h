@@ -1,7 +1,7 @@
 // The program in this process, against a server that a test writes down.
 #pragma once
 
-#include "apps/link/EventBus.h"
+#include "apps/link/doctor/EventBus.h"
 #include "tests/support/ScriptedAppleEvents.h"
 
 #include <gmock/gmock.h>

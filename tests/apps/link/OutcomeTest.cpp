@@ -1,6 +1,6 @@
 // The words and the exit code of every way in which a command can fail.
 
-#include "apps/link/Outcome.h"
+#include "apps/link/shared/Outcome.h"
 #include "apps/link/Link.h"
 #include "tests/apps/link/LinkFixture.h"
 

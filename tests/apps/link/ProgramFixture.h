@@ -1,10 +1,10 @@
 // The program as it is run, on a bus of the test's own, with a server beside it.
 #pragma once
 
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/link/ScriptedServer.h"
-#include "tests/apps/support/SoundFixture.h"
 #include "tests/apps/support/TemporaryFolder.h"
+#include "tests/apps/support/sound/SoundFixture.h"
 #include "tests/support/PrivateBus.h"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 // What the command line takes, and what it says of itself.
-#include "apps/support/ProgramVersion.h"
+#include "apps/support/program/ProgramVersion.h"
 #include "tests/apps/link/LinkFixture.h"
 #include "tests/apps/support/ManualPage.h"
 #include "tests/apps/support/TemporaryFolder.h"

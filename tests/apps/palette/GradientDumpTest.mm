@@ -1,6 +1,6 @@
 #include "apps/palette/GradientDump.h"
 
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 #include "tests/apps/palette/PaletteFixture.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #include "apps/palette/PaletteCodes.h"
 
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 #include "colours/ComponentsColors.h"
 
 #include <gtest/gtest.h>

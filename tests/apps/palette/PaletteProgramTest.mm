@@ -1,4 +1,4 @@
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/palette/PaletteFixture.h"
 
 #import <AppKit/AppKit.h>

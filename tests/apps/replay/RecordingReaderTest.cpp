@@ -2,7 +2,7 @@
 
 #include "apps/replay/RecordingReader.h"
 
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 #include "tests/apps/replay/RecordingText.h"
 
 #include <gmock/gmock.h>

@@ -1,8 +1,8 @@
 // A command processor on a session in memory, with sound files to work on.
 #pragma once
 
-#include "apps/server/CommandProcessor.h"
-#include "tests/apps/server/SoundMaker.h"
+#include "apps/server/command/CommandProcessor.h"
+#include "tests/apps/server/sound/SoundMaker.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

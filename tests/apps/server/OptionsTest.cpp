@@ -1,7 +1,7 @@
 #include "apps/server/Options.h"
 
-#include "apps/server/Misbehaviour.h"
-#include "apps/support/CommandLine.h"
+#include "apps/server/faults/Misbehaviour.h"
+#include "apps/support/program/CommandLine.h"
 #include "tests/apps/support/ManualPage.h"
 
 #include <CLI/CLI.hpp>

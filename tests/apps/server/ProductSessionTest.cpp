@@ -1,7 +1,7 @@
 // What each command of the view's script link leaves in the server's session file, and what it says
 // where something is missing.
 #include "TarvaneLinkShared/TarvaneLinkScript.h"
-#include "apps/server/SessionStore.h"
+#include "apps/server/database/SessionStore.h"
 #include "tests/apps/server/ServerFixture.h"
 #include "utils/FileIO/FileName.h"
 

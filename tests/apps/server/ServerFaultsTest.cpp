@@ -1,5 +1,5 @@
 // Faults on request, at the events that they are planned for.
-#include "apps/server/SessionStore.h"
+#include "apps/server/database/SessionStore.h"
 #include "tests/apps/server/ServerFixture.h"
 
 #include <csignal>

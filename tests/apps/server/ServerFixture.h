@@ -1,9 +1,9 @@
 // Real servers on a bus of the test program's own.
 #pragma once
 
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/server/ScriptClient.h"
-#include "tests/apps/server/SoundMaker.h"
+#include "tests/apps/server/sound/SoundMaker.h"
 #include "tests/apps/support/TemporaryFolder.h"
 #include "tests/support/PrivateBus.h"
 

@@ -1,4 +1,4 @@
-#include "apps/server/Misbehaviour.h"
+#include "apps/server/faults/Misbehaviour.h"
 #include "tests/apps/server/ServerFixture.h"
 #include "tests/apps/support/ManualPage.h"
 

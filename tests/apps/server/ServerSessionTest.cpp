@@ -1,9 +1,9 @@
 // What the session file holds when a server ends in any way.
-#include "apps/server/SessionBlocks.h"
-#include "apps/server/SessionStore.h"
-#include "apps/support/AtomicFile.h"
-#include "tests/apps/server/FullSession.h"
+#include "apps/server/database/SessionStore.h"
+#include "apps/server/session/SessionBlocks.h"
+#include "apps/support/file/AtomicFile.h"
 #include "tests/apps/server/ServerFixture.h"
+#include "tests/apps/server/database/FullSession.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <nlohmann/json.hpp>

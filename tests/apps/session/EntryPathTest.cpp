@@ -1,7 +1,7 @@
 #include "apps/session/EntryPath.h"
 
 #include "apps/session/EntryText.h"
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 
 #include <gtest/gtest.h>
 

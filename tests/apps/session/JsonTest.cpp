@@ -1,6 +1,6 @@
 #include "apps/session/Json.h"
 
-#include "apps/support/CommandLine.h"
+#include "apps/support/program/CommandLine.h"
 #include "tests/utils/ParameterHelpers.h"
 
 #include <gtest/gtest.h>

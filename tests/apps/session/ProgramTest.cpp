@@ -1,5 +1,5 @@
 // The program as it is run.
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/support/ManualPage.h"
 #include "tests/apps/support/TemporaryFolder.h"
 #include "tests/utils/ParameterHelpers.h"

@@ -1,6 +1,6 @@
 // The program puts a session into one of Ardour.
-#include "apps/support/ChildProcess.h"
-#include "tests/apps/server/SoundMaker.h"
+#include "apps/support/process/ChildProcess.h"
+#include "tests/apps/server/sound/SoundMaker.h"
 #include "tests/apps/session/ServerSession.h"
 #include "tests/apps/support/TemporaryFolder.h"
 

@@ -1,5 +1,5 @@
 // The program writes a session for editors that read lists and projects.
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/session/ServerSession.h"
 #include "tests/apps/support/TemporaryFolder.h"
 

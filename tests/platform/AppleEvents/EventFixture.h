@@ -1,7 +1,7 @@
 // A bus, a receiver on it, and events to send: what the tests of AESend share.
 #pragma once
 
-#include "apps/support/ChildProcess.h"
+#include "apps/support/process/ChildProcess.h"
 #include "tests/platform/AppleEvents/TestReceiver.h"
 #include "tests/support/PrivateBus.h"
 

@@ -1,7 +1,7 @@
 // A server owns a name on the session bus for as long as it receives events.
 #include "apps/support/delivery/ServerWatch.h"
 
-#include "apps/support/Pipe.h"
+#include "apps/support/process/Pipe.h"
 
 #include <systemd/sd-bus.h>
 

@@ -1,9 +1,0 @@
-#include "apps/support/TemporaryFolder.h"
-
-namespace Tarvane
-{
-
-// Each user has a folder of their own there.
-void RequireTemporaryFolder() {}
-
-} // namespace Tarvane

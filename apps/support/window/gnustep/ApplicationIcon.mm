@@ -1,0 +1,14 @@
+#include "apps/support/window/ApplicationIcon.h"
+
+#import <Foundation/Foundation.h>
+
+namespace Tarvane
+{
+
+void ShowNoIconWindow()
+{
+    [[NSUserDefaults standardUserDefaults]
+        registerDefaults:[NSDictionary dictionaryWithObject:@"YES" forKey:@"GSSuppressAppIcon"]];
+}
+
+} // namespace Tarvane
