@@ -38,7 +38,8 @@ NSWindow* MakeWindow(NSSize size, NSUInteger nStyle)
     return window;
 }
 
-// As large as the sheet, where the screen has room for that.
+} // namespace
+
 NSWindow* MakeSheetWindow(NSView* sheet)
 {
     const NSUInteger nStyle = NSTitledWindowMask | NSClosableWindowMask |
@@ -55,8 +56,10 @@ NSWindow* MakeSheetWindow(NSView* sheet)
 
     NSWindow* window = MakeWindow(size, nStyle);
     [window setTitle:@"Tarvane Link palette"];
+    // Larger at first: scrollers that are there hide only where the sheet has room beside them.
     NSScrollView* scroll = [[[NSScrollView alloc]
-        initWithFrame:NSMakeRect(0, 0, size.width, size.height)] autorelease];
+        initWithFrame:NSMakeRect(0, 0, size.width + dScroller + 2, size.height + dScroller + 2)]
+        autorelease];
     [scroll setHasVerticalScroller:YES];
     [scroll setHasHorizontalScroller:YES];
     [scroll setAutohidesScrollers:YES];
@@ -67,8 +70,6 @@ NSWindow* MakeSheetWindow(NSView* sheet)
     [window center];
     return window;
 }
-
-} // namespace
 
 void SavePicture(const std::filesystem::path& path)
 {

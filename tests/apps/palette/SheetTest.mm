@@ -1,4 +1,5 @@
 #import "apps/palette/Sheet.h"
+#import "apps/palette/PaletteWindow.h"
 
 #include "tests/apps/palette/PaletteFixture.h"
 #import "tests/support/DesktopWindow.h"
@@ -210,6 +211,22 @@ TEST_F(Sheet, OpensWholeOnASmallScreen)
     const NSSize size = [Tarvane::MakeSheet() frame].size;
     EXPECT_LE(size.width, 1264);
     EXPECT_LE(size.height, 940);
+}
+
+TEST_F(Sheet, OpensWithoutScrollersWhereTheScreenHasRoom)
+{
+    NSView* sheet = Tarvane::MakeSheet();
+    NSWindow* window = Tarvane::MakeSheetWindow(sheet);
+    [window orderFront:nil];
+    NSScrollView* scroll = (NSScrollView*)[window contentView];
+    EXPECT_TRUE(NSEqualSizes([scroll contentSize], [sheet frame].size))
+        << [NSStringFromSize([scroll contentSize]) UTF8String];
+    // With less room they are there.
+    [window setContentSize:NSMakeSize(600, 400)];
+    EXPECT_LT([scroll contentSize].width, 600);
+    EXPECT_LT([scroll contentSize].height, 400);
+    [window close];
+    [window release];
 }
 
 TEST_F(Sheet, WordsAreWholeAndTouchNoOthers)
