@@ -4,27 +4,27 @@
 #include <cstdint>
 #include <thread>
 
-// Lets notifications into a view for as long as anybody owns it, and asks with nothing but the
-// view's address. A plug-in may call a listener that was removed a moment ago, on any thread, while
-// or after the view is destroyed. Such a call must not look behind the address, so whatever it
-// touches before it is let in stands here: in gates that belong to no view and are never freed.
-//
-// Why nobody comes in too late: entering counts, in one word with what bars the way. The last owner
-// closes the gate by a compare-and-exchange of that word, which fails if anybody is inside or has
-// come in since the owner saw that no other owner is left. Whoever enters after that finds the gate
-// closed, and whoever entered before it was waited for.
-//
-// Why nobody is turned away too early: only that exchange closes the gate. A notifier who was
-// inside and has queued a call, which owns the view, is seen before it.
-//
-// A gate belongs to an address for good: it is closed while no view is there, and opened for the
-// next view that is. That one may hear a late call that was meant for the old one; it is alive, and
-// asks its plug-in. An address without a gate is none of a view, and is let in: whoever gave it to
-// the plug-in answers for it. Gates hang in lists by a hash of the address, the first of each list
-// static: there are as many as addresses at which views ever were, which memory that is used again
-// keeps few.
-//
-// No operation takes a lock. Only OpenFor may allocate.
+/// Lets notifications into a view for as long as anybody owns it, and asks with nothing but the
+/// view's address. A plug-in may call a listener that was removed a moment ago, on any thread,
+/// while or after the view is destroyed. Such a call must not look behind the address, so whatever
+/// it touches before it is let in stands here: in gates that belong to no view and are never freed.
+///
+/// Why nobody comes in too late: entering counts, in one word with what bars the way. The last
+/// owner closes the gate by a compare-and-exchange of that word, which fails if anybody is inside
+/// or has come in since the owner saw that no other owner is left. Whoever enters after that finds
+/// the gate closed, and whoever entered before it was waited for.
+///
+/// Why nobody is turned away too early: only that exchange closes the gate. A notifier who was
+/// inside and has queued a call, which owns the view, is seen before it.
+///
+/// A gate belongs to an address for good: it is closed while no view is there, and opened for the
+/// next view that is. That one may hear a late call that was meant for the old one; it is alive,
+/// and asks its plug-in. An address without a gate is none of a view, and is let in: whoever gave
+/// it to the plug-in answers for it. Gates hang in lists by a hash of the address, the first of
+/// each list static: there are as many as addresses at which views ever were, which memory that is
+/// used again keeps few.
+///
+/// No operation takes a lock. Only OpenFor may allocate.
 class alignas(64) CNotificationGate
 {
 public:

@@ -9,7 +9,7 @@
 
 namespace
 {
-/// The numbers of the mask's set bits, in rising order: 5 gives {0,2}. Empty for 0 and less.
+// The numbers of the mask's set bits, in rising order: 5 gives {0,2}. Empty for 0 and less.
 std::string IndexList(int nIndexMask)
 {
     if (nIndexMask <= 0)

@@ -11,8 +11,8 @@ namespace
 constexpr long kNoSampleRate = -1;
 }
 
-/// Puts the status with which a script ended early into words. A number that no script prints
-/// leaves the messages alone.
+// Puts the status with which a script ended early into words. A number that no script prints
+// leaves the messages alone.
 void CTarvaneScript::TellMissing(const std::string& strStatus)
 {
     switch (IntFromText(strStatus.c_str()))

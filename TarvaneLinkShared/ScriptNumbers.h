@@ -1,6 +1,6 @@
 #pragma once
 
-/// Numbers as scripts print and take them, the same in every locale of C and of C++.
+// Numbers as scripts print and take them, the same in every locale of C and of C++.
 
 /// The leading decimal integer of a text, as atol reads it: blanks, a sign, digits; 0 if there is
 /// none. Beyond the type the nearest number that it holds.

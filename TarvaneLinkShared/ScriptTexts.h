@@ -1,7 +1,7 @@
 #pragma once
 
-/// The fixed texts of the script link, to the letter as the server and the user read them. Scripts
-/// are Lua; each says how it fared by printing a count of lines and then a status line.
+// The fixed texts of the script link, to the letter as the server and the user read them. Scripts
+// are Lua; each says how it fared by printing a count of lines and then a status line.
 
 inline constexpr char szListTracks[] = "if(SelectScriptDocument()) then\n"
                                        "\tnTracks = GetTrackCount()\n"

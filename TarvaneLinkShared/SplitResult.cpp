@@ -14,7 +14,7 @@ bool IsLineEnd(char c)
     return c == '\n' || c == '\r';
 }
 
-/// Where the line that starts here stops.
+// Where the line that starts here stops.
 const char* EndOfLine(const char* pLine)
 {
     const char* pEnd = pLine;

@@ -20,7 +20,7 @@ constexpr AEKeyword kErrorKey = 'Errr';
 constexpr std::size_t kShortReplyUnits = 100;
 constexpr std::size_t kUnitBytes = sizeof(UniChar);
 
-/// What one command makes, disposed of in the order in which it was made.
+// What one command makes, disposed of in the order in which it was made.
 struct CommandEvent
 {
     CommandEvent() = default;
@@ -38,7 +38,7 @@ struct CommandEvent
     AppleEvent m_reply = {typeNull, nullptr};
 };
 
-/// A text parameter of a reply, as it came.
+// A text parameter of a reply, as it came.
 struct ReplyText
 {
     std::unique_ptr<UniChar[]> m_pUnits;
@@ -56,7 +56,7 @@ OSErr ReadInto(ReplyText* pText, const AppleEvent& reply, AEKeyword nKey, std::s
                          static_cast<Size>(nCapacity * kUnitBytes), pnActualBytes);
 }
 
-/// One read for a short text, two for a longer one.
+// One read for a short text, two for a longer one.
 OSErr ReadReplyText(const AppleEvent& reply, AEKeyword nKey, ReplyText* pText)
 {
     Size nBytes = 0;
@@ -85,8 +85,8 @@ std::unique_ptr<char[]> Utf8FromReplyText(const ReplyText& text)
     return pUtf8;
 }
 
-/// Sends the script and waits. On noErr *pResult is what it printed, and *pServerError the server's
-/// words if it had any.
+// Sends the script and waits. On noErr *pResult is what it printed, and *pServerError the server's
+// words if it had any.
 OSErr ExchangeCommand(const char* szScript, int nTimeoutTicks, std::unique_ptr<char[]>* pResult,
                       std::string* pServerError)
 {

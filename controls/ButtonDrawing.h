@@ -6,16 +6,16 @@
 #import <AppKit/AppKit.h>
 #include <CoreGraphics/CoreGraphics.h>
 
-// The context that AppKit is drawing in.
+/// The context that AppKit is drawing in.
 CGContextRef CurrentContext();
 
-// The palette style: a ring of one point in the border's colour around the face.
+/// The palette style: a ring of one point in the border's colour around the face.
 void DrawPaletteButton(CGContextRef context, CComponentCode border, CComponentCode face,
                        CGRect area, bool fFlipped);
 
-// The shaded style: a grey ramp at the context's origin, in the size of the area. Its clip stays on
-// the context.
+/// The shaded style: a grey ramp at the context's origin, in the size of the area. Its clip stays
+/// on the context.
 void DrawShadedButton(CGContextRef context, CGRect area, bool fEnabled, bool fActive);
 
-// Font, colour and paragraph style of a title in a cell of this size; autoreleased.
+/// Font, colour and paragraph style of a title in a cell of this size; autoreleased.
 NSMutableDictionary* ButtonTitleAttributes(NSControlSize size, NSTextAlignment alignment);

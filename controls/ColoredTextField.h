@@ -5,8 +5,8 @@
 
 @interface ColoredTextField : NSTextField
 
-// Gives the window's field editor the palette's colours. Main thread; called by the class itself
-// when editing starts and ends.
+/// Gives the window's field editor the palette's colours. Main thread; called by the class itself
+/// when editing starts and ends.
 - (void)setSelectedColor;
 
 @end

@@ -11,21 +11,21 @@
 #include <CoreGraphics/CoreGraphics.h>
 #import <Foundation/Foundation.h>
 
-// The axis of a gradient; a flat colour looks the same in every direction.
+/// The axis of a gradient; a flat colour looks the same in every direction.
 enum FillDirection : int
 {
-    kFillTopToBottom = 1, // also what a value without a name does
+    kFillTopToBottom = 1, ///< also what a value without a name does
     kFillLeftToRight = 3,
-    kFillRightToLeft = 4, // in FillRect only
+    kFillRightToLeft = 4, ///< in FillRect only
     kFillDiagonal = 10,
 };
 
-// Corner of the toggle switch, in points.
+/// Corner of the toggle switch, in points.
 constexpr float gfDefaultRadius = 4.0f;
 
 @interface GraphicUtils : NSObject
 
-// background: painted first, over the whole rectangle; the empty code paints none.
+/// background: painted first, over the whole rectangle; the empty code paints none.
 + (void)FillRect:(CGContextRef)context
             Color:(CComponentCode)colour
        Background:(CComponentCode)background
@@ -33,7 +33,7 @@ constexpr float gfDefaultRadius = 4.0f;
     FillDirection:(FillDirection)direction
           Flipped:(bool)fFlipped;
 
-// radius: in points; 0 is FillRect. The background shows outside the corners.
+/// radius: in points; 0 is FillRect. The background shows outside the corners.
 + (void)FillRoundRect:(CGContextRef)context
                 Color:(CComponentCode)colour
            Background:(CComponentCode)background
@@ -42,11 +42,11 @@ constexpr float gfDefaultRadius = 4.0f;
         FillDirection:(FillDirection)direction
               Flipped:(bool)fFlipped;
 
-// Outer corner of the button cells, in points.
+/// Outer corner of the button cells, in points.
 + (float)GetButtonCornerRadius;
 
 @end
 
-// Makes the rectangle with rounded corners the clip of the context. Its points are computed in 32
-// bits.
+/// Makes the rectangle with rounded corners the clip of the context. Its points are computed in 32
+/// bits.
 void ClipToRoundRect(CGContextRef context, CGRect rect, float fRadius);

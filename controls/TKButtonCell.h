@@ -9,7 +9,7 @@
 
 @protocol TKButtonCellColors
 
-// Stores the four codes; asks for no redraw.
+/// Stores the four codes; asks for no redraw.
 - (void)SetButtonControlsFaceUp:(CComponentCode)faceUp
                        BorderUp:(CComponentCode)borderUp
                        FaceDown:(CComponentCode)faceDown
@@ -25,7 +25,7 @@
     CComponentCode m_nBorderDown;
 }
 
-// Paints the bezel. active: held down; area: only read; flipped: isFlipped of the view.
+/// Paints the bezel. active: held down; area: only read; flipped: isFlipped of the view.
 - (void)DrawButton:(CGContextRef)context
             Active:(bool)fActive
               Area:(CGRect*)pArea

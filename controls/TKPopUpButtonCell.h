@@ -12,7 +12,7 @@
     CComponentCode m_nBorderDown;
 }
 
-// As in TKButtonCell.
+/// As in TKButtonCell.
 - (void)DrawButton:(CGContextRef)context
             Active:(bool)fActive
               Area:(CGRect*)pArea

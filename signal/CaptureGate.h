@@ -11,9 +11,9 @@
 namespace Tarvane
 {
 
-// Armings are numbered: an odd number is an armed state, an even one is not. A take belongs to the
-// arming under which it began, so that a disarming between two blocks ends it even when the next
-// arming comes before the second.
+/// Armings are numbered: an odd number is an armed state, an even one is not. A take belongs to the
+/// arming under which it began, so that a disarming between two blocks ends it even when the next
+/// arming comes before the second.
 class CCaptureGate
 {
 public:
@@ -23,32 +23,32 @@ public:
 
     // --- One thread at a time, the audio thread
 
-    // See CCaptureCore::Process.
+    /// See CCaptureCore::Process.
     template <typename Sample>
     void Process(const CTransport& transport, const Sample* const* ppChannels,
                  std::uint32_t nFrames) noexcept;
-    // Ends the take that runs.
+    /// Ends the take that runs.
     void EndTake() noexcept;
 
     // --- Beside no call of Process
 
     void SetChannels(std::uint32_t nChannels) { m_nChannels = nChannels; }
-    // Everything that was put so far.
+    /// Everything that was put so far.
     std::uint64_t EventsPut() const { return m_nEventsPut; }
 
     // --- Any thread, real-time safe
 
-    // Answers the number of the new arming; 0 when the state is that already. Nothing is taken
-    // under it until Open is given its number.
+    /// Answers the number of the new arming; 0 when the state is that already. Nothing is taken
+    /// under it until Open is given its number.
     std::uint32_t Arm(bool fArm) noexcept;
     void Open(std::uint32_t nArm) noexcept;
     std::uint32_t Arming() const noexcept { return m_nArm.load(); }
     bool IsArmed() const noexcept { return IsArmed(Arming()); }
     static bool IsArmed(std::uint32_t nArm) noexcept { return (nArm & 1U) != 0; }
 
-    // Frames that found no room.
+    /// Frames that found no room.
     std::uint64_t LostFrames() const noexcept { return m_nLost.load(); }
-    // False as long as blocks came and none of them with a position.
+    /// False as long as blocks came and none of them with a position.
     bool HasPosition() const noexcept { return m_fHasPosition.load(); }
     bool HasProcessed() const noexcept { return m_fHasProcessed.load(); }
 
@@ -69,10 +69,10 @@ private:
     std::atomic<bool> m_fHasPosition = false;
     std::atomic<bool> m_fHasProcessed = false;
 
-    // The audio thread's.
+    /// The audio thread's.
     std::uint32_t m_nChannels = 0;
     bool m_fTaking = false;
-    bool m_fOverrun = false; // no room was found, and there is not enough of it yet
+    bool m_fOverrun = false; ///< no room was found, and there is not enough of it yet
     std::uint32_t m_nTakeArm = 0;
     double m_dStart = 0;
     std::uint64_t m_nFrames = 0;

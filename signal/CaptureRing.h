@@ -14,23 +14,23 @@ struct CRingEvent
 {
     enum Kind : std::uint8_t
     {
-        Begin, // a take, at dPosition
-        Audio, // nFrames of it: the samples of the first channel, then those of the next
-        End,   // of the take
+        Begin, ///< a take, at dPosition
+        Audio, ///< nFrames of it: the samples of the first channel, then those of the next
+        End,   ///< of the take
     };
     Kind kind = End;
     std::uint32_t nFrames = 0;
-    std::uint32_t nArm = 0; // of Begin: the arming under which it is taken
+    std::uint32_t nArm = 0; ///< of Begin: the arming under which it is taken
     double dPosition = 0;
-    std::uint64_t nLostFrames = 0; // of End: that came behind the take and found no room
+    std::uint64_t nLostFrames = 0; ///< of End: that came behind the take and found no room
 };
 
-// One thread puts, one takes; neither locks nor allocates. An event is visible only when the
-// samples that belong to it are.
+/// One thread puts, one takes; neither locks nor allocates. An event is visible only when the
+/// samples that belong to it are.
 class CCaptureRing
 {
 public:
-    static constexpr std::size_t kSmallestBlock = 128; // bytes
+    static constexpr std::size_t kSmallestBlock = 128; ///< bytes
 
     explicit CCaptureRing(std::size_t nBytes)
         : m_nBytes(nBytes), m_samples(nBytes), m_events(nBytes / kSmallestBlock + kSpareEvents)
@@ -53,7 +53,7 @@ public:
     {
         return m_events.write_available() >= nEvents && m_samples.write_available() >= nBytes;
     }
-    // There must be room.
+    /// There must be room.
     void PutSamples(const void* pSamples, std::size_t nBytes)
     {
         m_samples.push(static_cast<const std::byte*>(pSamples), nBytes);
@@ -63,7 +63,7 @@ public:
     // --- The thread that takes
 
     bool Take(CRingEvent& event) { return m_events.pop(event); }
-    // At most as many as the events that were taken speak of.
+    /// At most as many as the events that were taken speak of.
     void TakeSamples(void* pSamples, std::size_t nBytes)
     {
         m_samples.pop(static_cast<std::byte*>(pSamples), nBytes);

@@ -12,32 +12,32 @@
 namespace Tarvane
 {
 
-// Unit is what a listener is told to be the plug-in: the handle of an audio unit, for one. It is
-// only passed on.
-//
-// All operations: any thread, also from inside a listener. No lock is held while a listener runs,
-// so a listener may call the plug-in, and may add and remove listeners, itself included.
-//
-// What removal guarantees: when Remove returns, no call of the listener is running on another
-// thread, and none will begin. To keep that promise Remove waits for calls that are under way, so a
-// listener must never wait for a thread that may be removing it. Inside a listener of the same
-// plug-in Remove does not wait, since two listeners that remove each other would wait for ever: the
-// removed one begins no further call, but one that is under way may still have to return.
+/// Unit is what a listener is told to be the plug-in: the handle of an audio unit, for one. It is
+/// only passed on.
+///
+/// All operations: any thread, also from inside a listener. No lock is held while a listener runs,
+/// so a listener may call the plug-in, and may add and remove listeners, itself included.
+///
+/// What removal guarantees: when Remove returns, no call of the listener is running on another
+/// thread, and none will begin. To keep that promise Remove waits for calls that are under way, so
+/// a listener must never wait for a thread that may be removing it. Inside a listener of the same
+/// plug-in Remove does not wait, since two listeners that remove each other would wait for ever:
+/// the removed one begins no further call, but one that is under way may still have to return.
 template <typename Unit> class CPropertyListenersOf
 {
 public:
     using Proc = void (*)(void* pUserData, Unit unit, std::uint32_t nId, std::uint32_t nScope,
                           std::uint32_t nElement);
 
-    // The same procedure and user data may be added for any number of ids, and more than once for
-    // one id: it is then called as often.
+    /// The same procedure and user data may be added for any number of ids, and more than once for
+    /// one id: it is then called as often.
     void Add(std::uint32_t nId, Proc pProc, void* pUserData)
     {
         std::lock_guard lock(m_mutex);
         m_listeners.push_back({nId, pProc, pUserData, ++m_nLastSerial});
     }
 
-    // Removes every entry of this procedure and user data for the id. False when there was none.
+    /// Removes every entry of this procedure and user data for the id. False when there was none.
     bool Remove(std::uint32_t nId, Proc pProc, void* pUserData)
     {
         return RemoveIf(
@@ -46,15 +46,15 @@ public:
                        listener.pUserData == pUserData;
             });
     }
-    // The same whatever the user data.
+    /// The same whatever the user data.
     bool Remove(std::uint32_t nId, Proc pProc)
     {
         return RemoveIf([=](const Listener& listener)
                         { return listener.nId == nId && listener.pProc == pProc; });
     }
 
-    // Calls the id's listeners on this thread, in the order in which they were added. One that is
-    // added meanwhile is called too; one that is removed meanwhile is not. Allocates nothing.
+    /// Calls the id's listeners on this thread, in the order in which they were added. One that is
+    /// added meanwhile is called too; one that is removed meanwhile is not. Allocates nothing.
     void Notify(Unit unit, std::uint32_t nId, std::uint32_t nScope, std::uint32_t nElement)
     {
         std::unique_lock lock(m_mutex);
@@ -70,14 +70,14 @@ public:
         }
     }
 
-    // How many entries there are, over all ids.
+    /// How many entries there are, over all ids.
     std::size_t Count() const
     {
         std::lock_guard lock(m_mutex);
         return m_listeners.size();
     }
 
-    // True on a thread that is inside one of these listeners.
+    /// True on a thread that is inside one of these listeners.
     bool IsNotifyingOnThisThread() const
     {
         std::lock_guard lock(m_mutex);
@@ -90,9 +90,9 @@ private:
         std::uint32_t nId;
         Proc pProc;
         void* pUserData;
-        std::uint64_t nSerial; // rising; never given twice
+        std::uint64_t nSerial; ///< rising; never given twice
     };
-    // A call under way. It lives on the stack of the thread that makes it.
+    /// A call under way. It lives on the stack of the thread that makes it.
     struct Call
     {
         std::uint64_t nSerial;

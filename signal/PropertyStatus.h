@@ -14,7 +14,7 @@ constexpr std::int32_t kPropertyErr_InvalidScope = -10866;
 constexpr std::int32_t kPropertyErr_NotWritable = -10865;
 constexpr std::int32_t kPropertyErr_InvalidPropertyValue = -10851;
 
-// The one scope of all properties.
+/// The one scope of all properties.
 constexpr std::uint32_t kPropertyScope_Global = 0;
 
 } // namespace Tarvane

@@ -15,12 +15,12 @@ public:
     CWakeUp(const CWakeUp&) = delete;
     CWakeUp& operator=(const CWakeUp&) = delete;
 
-    // Any thread, real-time safe: at most one bounded system call, and none while an earlier call
-    // has not been heard yet.
+    /// Any thread, real-time safe: at most one bounded system call, and none while an earlier call
+    /// has not been heard yet.
     void Wake() noexcept;
 
-    // One thread. Return when Wake has been called since they returned last; the second at the end
-    // of the time as well, by a clock that nobody sets.
+    /// One thread. Return when Wake has been called since they returned last; the second at the end
+    /// of the time as well, by a clock that nobody sets.
     void Wait() noexcept;
     void WaitFor(std::chrono::milliseconds time) noexcept;
 

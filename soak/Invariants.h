@@ -28,12 +28,12 @@
 namespace Tarvane::Soak
 {
 
-// Every break of an invariant, each with the captures concerned. Empty when all hold.
+/// Every break of an invariant, each with the captures concerned. Empty when all hold.
 std::vector<Finding> CheckRound(const RoundEvidence& evidence);
 
-// Two samples of one process, the last taken when it had nothing to do. nAllowance, in KiB, is
-// what memory may differ by all the same, nDescriptors what a process may have open more at one
-// time than at another; threads may not grow at all.
+/// Two samples of one process, the last taken when it had nothing to do. nAllowance, in KiB, is
+/// what memory may differ by all the same, nDescriptors what a process may have open more at one
+/// time than at another; threads may not grow at all.
 std::vector<Finding> CheckGrowth(const std::string& strProcess, const ProcessSample& first,
                                  const ProcessSample& last, long nAllowance, long nDescriptors = 0);
 

@@ -11,33 +11,33 @@
 namespace Tarvane::Soak
 {
 
-// By how much the server's timeline is ahead: a whole number of samples at 48 and 96 kHz, and none
-// by which two places of captures are apart.
-constexpr double kLinkOffset = 2.0078125; // seconds
+/// By how much the server's timeline is ahead: a whole number of samples at 48 and 96 kHz, and none
+/// by which two places of captures are apart.
+constexpr double kLinkOffset = 2.0078125; ///< seconds
 constexpr const char* kLinkOffsetText = "2.0078125";
 
-// One thread, which lives as long as the object. Throws std::runtime_error when the server does not
-// come back.
+/// One thread, which lives as long as the object. Throws std::runtime_error when the server does
+/// not come back.
 class CServerProcess
 {
 public:
-    // Starts a server on the session, and returns once it answers.
+    /// Starts a server on the session, and returns once it answers.
     explicit CServerProcess(std::filesystem::path session);
 
-    // As when its process is lost.
+    /// As when its process is lost.
     void Kill();
-    // After Kill.
+    /// After Kill.
     void Restart();
-    // Returns once the server that is there answers.
+    /// Returns once the server that is there answers.
     void AwaitAnswer() const;
 
-    // As when it is closed. The exit code, or -1 when it does not end.
+    /// As when it is closed. The exit code, or -1 when it does not end.
     int Close();
 
     pid_t Pid() const { return m_process->Pid(); }
     const ProcessSample& FirstSample() const { return m_first; }
 
-    // All that the servers of this session have logged, those that have ended at least.
+    /// All that the servers of this session have logged, those that have ended at least.
     const std::string& Log() const { return m_strLog; }
     const std::string& ErrorLog() const { return m_strErrorLog; }
 

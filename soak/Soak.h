@@ -20,16 +20,16 @@ namespace Tarvane::Soak
 struct SoakTotals
 {
     long nAttempts = 0;
-    long nDelivered = 0; // acknowledged as delivered
-    long nRefused = 0;   // of those, what the server refused for its full disk
+    long nDelivered = 0; ///< acknowledged as delivered
+    long nRefused = 0;   ///< of those, what the server refused for its full disk
     long nDuplicates = 0;
-    long nTakenAnew = 0; // of those, what a view had added that was killed before it could tell
+    long nTakenAnew = 0; ///< of those, what a view had added that was killed before it could tell
     long nUndelivered = 0;
-    long nFailed = 0;     // captures that the full disk took no more
-    long nUnanswered = 0; // whose host was killed
-    long nLate = 0;       // deliveries that a host tried by itself, later
+    long nFailed = 0;     ///< captures that the full disk took no more
+    long nUnanswered = 0; ///< whose host was killed
+    long nLate = 0;       ///< deliveries that a host tried by itself, later
     long nWithoutOffset = 0;
-    long nTwice = 0; // captures that stand beside one like them
+    long nTwice = 0; ///< captures that stand beside one like them
     long nServersWanted = 0;
     long nServerKills = 0;
     long nHostKills = 0;
@@ -38,20 +38,20 @@ struct SoakTotals
     long nDiskFills = 0;
 };
 
-// One thread, which lives as long as the object. One at a time in a process.
+/// One thread, which lives as long as the object. One at a time in a process.
 class CSoak
 {
 public:
-    // The folder is empty. nAllowance: what the memory of a process may grow by, in KiB.
+    /// The folder is empty. nAllowance: what the memory of a process may grow by, in KiB.
     CSoak(const SoakSettings& settings, std::filesystem::path folder, long nAllowance);
 
-    // Runs the whole plan and prints a summary to the standard output. The first round with a
-    // finding is the last one, and leaves its evidence in the folder.
+    /// Runs the whole plan and prints a summary to the standard output. The first round with a
+    /// finding is the last one, and leaves its evidence in the folder.
     std::vector<Finding> Run();
 
 private:
     std::vector<Sound> MakeSounds(int nView) const;
-    // The drivers' threads.
+    /// The drivers' threads.
     void Drive(int nView);
     void RunRounds();
     void RunRound(size_t nRound);
@@ -80,14 +80,14 @@ private:
     TarvaneTests::PrivateBus m_bus;
     std::unique_ptr<CServerProcess> m_pServer;
     std::filesystem::path m_session;
-    std::filesystem::path m_round; // folder of the round
+    std::filesystem::path m_round; ///< folder of the round
     Shared m_shared;
     std::vector<std::unique_ptr<CHostDriver>> m_drivers;
-    std::barrier<> m_barrier; // the drivers and us
-    size_t m_nRound = 0;      // that the drivers run next; plan's size when all is over
+    std::barrier<> m_barrier; ///< the drivers and us
+    size_t m_nRound = 0;      ///< that the drivers run next; plan's size when all is over
     SoakTotals m_totals;
     std::vector<Finding> m_findings;
-    std::vector<std::string> m_growth; // lines for the summary
+    std::vector<std::string> m_growth; ///< lines for the summary
 };
 
 } // namespace Tarvane::Soak

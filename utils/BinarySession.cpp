@@ -19,7 +19,7 @@ const std::string CParameterBlock::m_strBinaryHeader = "[TNE Binary Session File
 namespace
 {
 constexpr std::uint32_t kFormatVersion = 100;
-/// The magic's terminator, the version, and size and count of the name table.
+// The magic's terminator, the version, and size and count of the name table.
 constexpr unsigned int kSizeOfHeaderFields = 13;
 constexpr unsigned long kSpareBytes = 32;
 
@@ -37,7 +37,7 @@ unsigned long GetSizeOfTable(const CParameterBlock::SessionNames& names)
     return nSize;
 }
 
-/// Orders the names by use, gives each its place in that order as its token, and returns the order.
+// Orders the names by use, gives each its place in that order as its token, and returns the order.
 CParameterBlock::SessionNames AssignTokens(std::map<std::string, int>& map)
 {
     CParameterBlock::SessionNames names(map.begin(), map.end());
@@ -48,9 +48,9 @@ CParameterBlock::SessionNames AssignTokens(std::map<std::string, int>& map)
     return names;
 }
 
-/// A save goes over the tree twice: first it counts the names and the bytes that do not depend on
-/// them, then it hands out the tokens and writes. Where a class derived outside takes part, its own
-/// GetSize and Save have the word, once the tokens are set.
+// A save goes over the tree twice: first it counts the names and the bytes that do not depend on
+// them, then it hands out the tokens and writes. Where a class derived outside takes part, its own
+// GetSize and Save have the word, once the tokens are set.
 class CSessionWriter
 {
 public:
@@ -67,7 +67,7 @@ public:
 
     bool HasNames() const { return !m_map.empty(); }
 
-    /// Turns the counts into tokens.
+    // Turns the counts into tokens.
     const CParameterBlock::SessionNames& OrderNames()
     {
         m_names = AssignTokens(m_map);
@@ -77,7 +77,7 @@ public:
         return m_names;
     }
 
-    /// Whether SetTokensAndSave writes what Save would.
+    // Whether SetTokensAndSave writes what Save would.
     bool WritesAll() const { return m_fOwnClassesAlone; }
 
     void SetTokens()
@@ -86,7 +86,7 @@ public:
         WalkParameters(m_root, [this](CParameter& parameter) { SetToken(parameter); });
     }
 
-    /// What SetTokensAndSave will write.
+    // What SetTokensAndSave will write.
     unsigned long GetSizeOfBody() const { return m_nSize; }
 
     unsigned char* SetTokensAndSave(unsigned char* pDest)

@@ -149,7 +149,7 @@ public:
     char& front() { return Open()[0]; }
     char& back() { return Open()[size() - 1]; }
 
-    // As std::string_view has them, which is as std::string has them.
+    /// As std::string_view has them, which is as std::string has them.
     template <class... Args> size_type find(const Args&... args) const
     {
         return View().find(args...);
@@ -192,7 +192,7 @@ public:
         return std::string(View().substr(nFrom, nCount));
     }
 
-    // As std::string has them, and by way of one.
+    /// As std::string has them, and by way of one.
     template <class... Args> CByteString& assign(Args&&... args)
     {
         return Change([&](std::string& text) { text.assign(Plain(args)...); });
@@ -327,7 +327,7 @@ public:
     }
 
 private:
-    friend class CParameter; // For the owner's bit.
+    friend class CParameter; ///< For the owner's bit.
 
     struct Text
     {
@@ -412,7 +412,7 @@ private:
         return *this = CByteString(text);
     }
 
-    // Whole words: a byte stored just before would hold up the next copy of all 16.
+    /// Whole words: a byte stored just before would hold up the next copy of all 16.
     std::uint64_t m_words[2] = {0, 0};
 };
 

@@ -14,9 +14,9 @@ CParameterBlock* AsBlock(CParameter* pParameter)
                : nullptr;
 }
 
-/// Deletes what holds nothing itself. The blocks stay, the last one first: they are then taken from
-/// the end of the list, so that memory is gone through in the order in which a load has laid it
-/// out.
+// Deletes what holds nothing itself. The blocks stay, the last one first: they are then taken from
+// the end of the list, so that memory is gone through in the order in which a load has laid it
+// out.
 void DeleteValues(CParameterList& entries) noexcept
 {
     std::size_t nBlocks = 0;
@@ -31,10 +31,10 @@ void DeleteValues(CParameterList& entries) noexcept
     std::reverse(entries.begin(), entries.end());
 }
 
-/// Deletes a block with all that lies below it. It has to do without recursion and, since
-/// destructors may not fail, without memory: a block that still has siblings takes their list,
-/// which has a place free since the block was taken off it, and waits for them at the far end of
-/// its own.
+// Deletes a block with all that lies below it. It has to do without recursion and, since
+// destructors may not fail, without memory: a block that still has siblings takes their list,
+// which has a place free since the block was taken off it, and waits for them at the far end of
+// its own.
 void DeleteTree(CParameterBlock* pTop) noexcept
 {
     CParameterList current; // Blocks alone.
@@ -64,7 +64,7 @@ void DeleteTree(CParameterBlock* pTop) noexcept
     }
 }
 
-/// A name to look for. Most fit into a CByteString, which compares in two words.
+// A name to look for. Most fit into a CByteString, which compares in two words.
 class CNameKey
 {
 public:

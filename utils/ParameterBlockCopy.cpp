@@ -21,7 +21,7 @@ CParameter* CopyValue(CParameterPool& pool, const CParameter& source)
     return VisitValue(source, static_cast<CParameter*>(nullptr), copy);
 }
 
-/// Name and token alone; what it holds follows.
+// Name and token alone; what it holds follows.
 CParameterBlock* CopyEmptyBlock(CParameterPool& pool, const CParameter& source)
 {
     std::unique_ptr<CParameterBlock> pCopy(pool.Make<CParameterBlock>());
@@ -30,7 +30,7 @@ CParameterBlock* CopyEmptyBlock(CParameterPool& pool, const CParameter& source)
     return pCopy.release();
 }
 
-/// Null for what cannot be copied: a null entry or a tag of nobody's.
+// Null for what cannot be copied: a null entry or a tag of nobody's.
 CParameter* CopyEntry(CParameterPool& pool, const CParameter* pSource)
 {
     if (!pSource)
@@ -38,7 +38,7 @@ CParameter* CopyEntry(CParameterPool& pool, const CParameter* pSource)
     return IsBlock(*pSource) ? CopyEmptyBlock(pool, *pSource) : CopyValue(pool, *pSource);
 }
 
-/// Copies one entry with all that lies below it.
+// Copies one entry with all that lies below it.
 class CTreeCopier
 {
 public:
@@ -52,7 +52,7 @@ public:
     }
 
 private:
-    /// What is still to be copied of a block, and where to.
+    // What is still to be copied of a block, and where to.
     struct Rest
     {
         CParameterList::const_iterator pNext;

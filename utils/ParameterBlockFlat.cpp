@@ -8,7 +8,7 @@ using namespace ParameterFormat;
 
 namespace
 {
-/// u32 count of parameters, then their records.
+// u32 count of parameters, then their records.
 unsigned long GetSizeOfContents(const CParameterBlock& block)
 {
     unsigned long nSize = kSizeOfCount;

@@ -11,10 +11,10 @@ using namespace ParameterFormat;
 namespace
 {
 constexpr long kFailed = -1;
-/// A stated count up to this gets its memory at once. More would let a small file ask for a lot.
+// A stated count up to this gets its memory at once. More would let a small file ask for a lot.
 constexpr std::uint32_t kMostTrusted = 16;
 
-/// The result of a parameter's Load counts as a signed 32-bit number.
+// The result of a parameter's Load counts as a signed 32-bit number.
 bool IsFailure(std::uint32_t nConsumed)
 {
     return static_cast<std::int32_t>(nConsumed) < 0;
@@ -79,9 +79,9 @@ public:
     }
 
 private:
-    /// A block whose entries are being read. The root gets each as it is read: a progress sink may
-    /// look, and what is there stays after any failure. All others wait in m_entries, so that each
-    /// list is made once, in its right size.
+    // A block whose entries are being read. The root gets each as it is read: a progress sink may
+    // look, and what is there stays after any failure. All others wait in m_entries, so that each
+    // list is made once, in its right size.
     struct Level
     {
         CParameterBlock* pBlock;
@@ -178,7 +178,7 @@ private:
         return true;
     }
 
-    /// Hands a block its entries, which are the last ones.
+    // Hands a block its entries, which are the last ones.
     void MoveEntries(std::size_t nFirst, CParameterBlock& block)
     {
         const auto first = m_entries.begin() + static_cast<std::ptrdiff_t>(nFirst);
@@ -205,7 +205,7 @@ private:
     const Names m_names;
     const unsigned char* m_pNext;
     const unsigned long m_nSize;
-    std::uint32_t m_nRemaining; ///< To the end of the buffer, on every level.
+    std::uint32_t m_nRemaining; // To the end of the buffer, on every level.
     CParameterPool m_pool;
     std::vector<Level> m_levels;
     std::vector<CParameter*> m_entries;

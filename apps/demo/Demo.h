@@ -22,7 +22,7 @@ namespace Tarvane
 
 struct DemoOptions
 {
-    std::vector<std::string> files; // empty: recordings that come with the system
+    std::vector<std::string> files; ///< empty: recordings that come with the system
     std::string strOut = "out";
     std::string strSpeed = "1";
     bool fHeadless = false;
@@ -30,15 +30,15 @@ struct DemoOptions
 
 void DeclareOptions(CLI::App& app, DemoOptions& options);
 
-// Main thread. Both children end with the object.
+/// Main thread. Both children end with the object.
 class CDemo
 {
 public:
-    // Throws CUsageError when a file or the results folder cannot be used; nothing is started then.
+    /// Throws CUsageError, with nothing started, when a file or the results folder cannot be used.
     explicit CDemo(const DemoOptions& options);
 
-    // Tells its story on the standard output. Returns the program's exit code. Throws
-    // std::runtime_error when a child does not do its part.
+    /// Tells its story on the standard output. Returns the program's exit code. Throws
+    /// std::runtime_error when a child does not do its part.
     int Run();
 
 private:

@@ -12,22 +12,22 @@
 namespace Tarvane
 {
 
-// One capture, as it was meant and as the host answered.
+/// One capture, as it was meant and as the host answered.
 struct DemoCapture
 {
     std::string strSource;
-    std::string strTrack;      // name
-    double dPosition = 0;      // samples on the host's timeline
-    bool fDuplicate = false;   // the server has it already
-    nlohmann::json hostAnswer; // what the host said of it
+    std::string strTrack;      ///< name
+    double dPosition = 0;      ///< samples on the host's timeline
+    bool fDuplicate = false;   ///< the server has it already
+    nlohmann::json hostAnswer; ///< what the host said of it
 };
 
-// The region that the server should have made of a capture.
+/// The region that the server should have made of a capture.
 Server::Region ExpectedRegion(const DemoCapture& capture, double dLinkOffset);
 
-// Everything that is wrong, a line each; empty when all is well: each capture that is no duplicate
-// is exactly one region of its track, at its place plus the offset, there is no other region, and
-// every acknowledge says what it should.
+/// Everything that is wrong, a line each; empty when all is well: each capture that is no duplicate
+/// is exactly one region of its track, at its place plus the offset, there is no other region, and
+/// every acknowledge says what it should.
 std::vector<std::string> FindFaults(const std::vector<DemoCapture>& captures,
                                     const Server::CSession& session, double dLinkOffset);
 

@@ -8,17 +8,17 @@
 namespace Tarvane::Editor
 {
 
-// A stretch of a sound file on a track. All counts are in samples of the file's rate.
+/// A stretch of a sound file on a track. All counts are in samples of the file's rate.
 struct Region
 {
-    std::int64_t nId = 0; // stays the same as long as the region is there
-    std::string strFile;  // full path, UTF-8
+    std::int64_t nId = 0; ///< stays the same as long as the region is there
+    std::string strFile;  ///< full path, UTF-8
     std::string strName;
-    std::int64_t nPosition = 0; // on the timeline, of the stretch's first sample
-    std::int64_t nStart = 0;    // in the file, of the same sample
+    std::int64_t nPosition = 0; ///< on the timeline, of the stretch's first sample
+    std::int64_t nStart = 0;    ///< in the file, of the same sample
     std::int64_t nLength = 0;
-    std::int32_t nRate = 0;             // samples per second
-    std::vector<std::int32_t> channels; // of the file, from 0 and rising; empty for all
+    std::int32_t nRate = 0;             ///< samples per second
+    std::vector<std::int32_t> channels; ///< of the file, from 0 and rising; empty for all
     bool fMuted = false;
 };
 
@@ -30,7 +30,7 @@ struct Track
 
 struct Model
 {
-    std::vector<Track> tracks; // in their order
+    std::vector<Track> tracks; ///< in their order
 
     bool HasRegions() const
     {

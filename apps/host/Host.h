@@ -27,37 +27,37 @@ namespace Tarvane
 
 class CLinkView;
 
-// Main thread.
+/// Main thread.
 class CHost : private ILineListener
 {
   public:
-    // Opens the plug-in, its view and the window. Throws CUsageError when something named on the
-    // command line cannot be used.
+    /// Opens the plug-in, its view and the window. Throws CUsageError when something named on the
+    /// command line cannot be used.
     CHost(const HostOptions& options, const HostPlan& plan);
-    // The view goes before the plug-in, unless the plug-in is to misbehave in just that.
+    /// The view goes before the plug-in, unless the plug-in is to misbehave in just that.
     ~CHost() override;
     CHost(const CHost&) = delete;
     CHost& operator=(const CHost&) = delete;
 
-    // Runs the application until the captures are done, the window is closed, the commands end or a
-    // signal comes. Returns the program's exit code.
+    /// Runs the application until the captures are done, the window is closed, the commands end or
+    /// a signal comes. Returns the program's exit code.
     int Run();
 
   private:
-    // Events are recorded until it goes.
+    /// Events are recorded until it goes.
     struct EndRecording
     {
         void operator()(CRecorder* pRecorder) const;
     };
     using CRecording = std::unique_ptr<CRecorder, EndRecording>;
 
-    // Watches the events until it goes.
+    /// Watches the events until it goes.
     struct CSeenCommands : CCommandWatch
     {
         ~CSeenCommands() override { WatchEvents({}); }
     };
 
-    // Hears of signals, and of the end.
+    /// Hears of signals, and of the end.
     class CWakeListener : public ILineListener
     {
       public:
@@ -97,7 +97,7 @@ class CHost : private ILineListener
     void WriteCaptures();
     void GoOn(const CCaptureEntry& entry);
 
-    // Commands.
+    /// Commands.
     void LineArrived(const std::string& strLine) override;
     void LinesEnded() override;
     void Obey(const std::string& strLine);
@@ -117,30 +117,30 @@ class CHost : private ILineListener
     std::optional<CResultFolder> m_results;
 
     CStalls m_stalls;
-    std::optional<CStallWatch> m_stallWatch; // only when stalls are to be told
-    CAnswerWords m_answerWords;              // outlives whatever sends, as the next
+    std::optional<CStallWatch> m_stallWatch; ///< only when stalls are to be told
+    CAnswerWords m_answerWords;              ///< outlives whatever sends, as the next
     CSeenCommands m_seenCommands;
     CDeliveryWatch m_deliveries{m_seenCommands};
     CSilenceWatch m_silences;
-    CRecording m_pRecorder; // outlives the plug-in; null when nothing is recorded
-    CPlugIn m_plugIn;       // outlives the view
-    std::optional<CServerWatch> m_serverWatch; // tells the plug-in
+    CRecording m_pRecorder; ///< outlives the plug-in; null when nothing is recorded
+    CPlugIn m_plugIn;       ///< outlives the view
+    std::optional<CServerWatch> m_serverWatch; ///< tells the plug-in
     std::unique_ptr<CLinkView> m_pView;
     LineSource* m_commands = nullptr;
     LineSource* m_wakes = nullptr;
     CWakeListener m_wakeListener{*this};
     MainThreadCall* m_windowClosed = nullptr;
-    id m_ackTimer = nullptr;                 // NSTimer, owned by the run loop
-    std::optional<CCaptureReport> m_awaited; // whose acknowledge the timer waits for
+    id m_ackTimer = nullptr;                 ///< NSTimer, owned by the run loop
+    std::optional<CCaptureReport> m_awaited; ///< whose acknowledge the timer waits for
 
-    // In the order in which they came to an end. Kept for the results alone.
+    /// In the order in which they came to an end. Kept for the results alone.
     std::vector<CCaptureEntry> m_entries;
-    std::optional<CCaptureReport> m_last; // told last
+    std::optional<CCaptureReport> m_last; ///< told last
     size_t m_nTold = 0;
-    std::set<size_t> m_undelivered; // told as neither delivered nor a duplicate, and still so
-    std::set<size_t> m_late;        // told as not acknowledged; their acknowledge may still come
+    std::set<size_t> m_undelivered; ///< told as neither delivered nor a duplicate, and still so
+    std::set<size_t> m_late;        ///< told as not acknowledged; their acknowledge may still come
     size_t m_nNextSource = 0;
-    std::string m_strCommand; // being obeyed; empty between commands
+    std::string m_strCommand; ///< being obeyed; empty between commands
     bool m_fCapturingOnCommand = false;
     int m_nExitCode = kExitDone;
 };

@@ -15,12 +15,12 @@
 namespace Tarvane
 {
 
-// Main thread. The window is owned; the plug-in must outlive this object.
+/// Main thread. The window is owned; the plug-in must outlive this object.
 class CLinkView
 {
   public:
-    // Throws CUsageError when the bundle cannot be loaded, its principal class is no view factory,
-    // or the factory makes no view. The view asks the server for its tracks before this returns.
+    /// Throws CUsageError when the bundle cannot be loaded, its principal class is no view factory,
+    /// or the factory makes no view. The view asks the server for its tracks before this returns.
     CLinkView(const std::filesystem::path& bundle, AudioUnit pUnit);
     ~CLinkView();
     CLinkView(const CLinkView&) = delete;
@@ -33,20 +33,20 @@ class CLinkView
     std::vector<std::string> Tracks() const;
     int SelectedTrack() const;
 
-    // As a click on the capture toggle. False when the view has none.
+    /// As a click on the capture toggle. False when the view has none.
     bool PressToggle();
-    // As a choice in the track menu. False when the menu has no such item.
+    /// As a choice in the track menu. False when the menu has no such item.
     bool ChooseTrack(int nTrack);
-    // Opens the track menu, which the view fills as it opens, and closes it without a choice. False
-    // when the view has none.
+    /// Opens the track menu, which the view fills as it opens, and closes it without a choice.
+    /// False when the view has none.
     bool OpenMenu();
 
-    // Behind the window's title, for what the view has no words for; empty for the title alone.
-    // Text that is UTF-8.
+    /// Behind the window's title, for what the view has no words for; empty for the title alone.
+    /// Text that is UTF-8.
     void ShowWord(const std::string& strWord);
 
-    // What the window's content looks like now, as PNG. Throws std::runtime_error when the picture
-    // cannot be taken.
+    /// What the window's content looks like now, as PNG. Throws std::runtime_error when the picture
+    /// cannot be taken.
     std::string Picture();
 
   private:

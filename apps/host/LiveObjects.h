@@ -5,11 +5,11 @@
 namespace Tarvane
 {
 
-// Each object that is made from now on costs more time. Main thread.
+/// Each object that is made from now on costs more time. Main thread.
 void CountObjects();
 
-// Those that were made since then and are alive, those of autorelease pools among them. Main
-// thread.
+/// Those that were made since then and are alive, those of autorelease pools among them. Main
+/// thread.
 long LiveObjects();
 
 } // namespace Tarvane

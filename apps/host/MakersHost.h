@@ -20,21 +20,21 @@ namespace Tarvane
 
 class CLinkView;
 
-// Each time that the plug-in is armed, the library's TarvaneConformPlay has it capture for a
-// moment; one that has none plays by itself. Main thread.
+/// Each time that the plug-in is armed, the library's TarvaneConformPlay has it capture for a
+/// moment; one that has none plays by itself. Main thread.
 class CMakersHost
 {
   public:
-    // Opens the plug-in, its view and the window. Throws CUsageError when the library or the bundle
-    // cannot be used, std::runtime_error when no unit comes of it.
+    /// Opens the plug-in, its view and the window. Throws CUsageError when the library or the
+    /// bundle cannot be used, std::runtime_error when no unit comes of it.
     CMakersHost(const HostOptions& options, const std::filesystem::path& bundle);
-    // The view goes before the plug-in.
+    /// The view goes before the plug-in.
     ~CMakersHost();
     CMakersHost(const CMakersHost&) = delete;
     CMakersHost& operator=(const CMakersHost&) = delete;
 
-    // Runs the application until the window is closed; headless, until one capture has been
-    // acknowledged or the time for that is over. Returns the program's exit code.
+    /// Runs the application until the window is closed; headless, until one capture has been
+    /// acknowledged or the time for that is over. Returns the program's exit code.
     int Run();
 
   private:
@@ -57,7 +57,7 @@ class CMakersHost
     void End(int nExitCode);
 
     const HostOptions m_options;
-    CAnswerWords m_answerWords; // outlives whatever sends, as the next
+    CAnswerWords m_answerWords; ///< outlives whatever sends, as the next
     CSeenCommands m_seenCommands;
     CDeliveryWatch m_deliveries{m_seenCommands};
     CPlugInLibrary m_library;
@@ -65,9 +65,9 @@ class CMakersHost
     CWatchedUnit* m_pWatched;
     std::unique_ptr<CLinkView> m_pView;
     MainThreadCall* m_windowClosed = nil;
-    TNCaptureElement m_record; // read last
+    TNCaptureElement m_record; ///< read last
     size_t m_nTold = 0;
-    bool m_fPlayed = false; // since it was armed
+    bool m_fPlayed = false; ///< since it was armed
     bool m_fEnded = false;
     bool m_fUndelivered = false;
     int m_nExitCode = kExitDone;

@@ -13,9 +13,9 @@ namespace Tarvane
 class CPlugIn
 {
 public:
-    // With faults, one that has them. With a recorder, which must outlive the plug-in, one whose
-    // talk with its view is recorded. Throws std::runtime_error when the component cannot be
-    // opened.
+    /// With faults, one that has them. With a recorder, which must outlive the plug-in, one whose
+    /// talk with its view is recorded. Throws std::runtime_error when the component cannot be
+    /// opened.
     explicit CPlugIn(const SignalFaults& faults = {}, CRecorder* pRecorder = nullptr)
     {
         if (AudioComponentInstanceNew(Component(!faults.empty(), pRecorder != nullptr), &m_pUnit) !=
@@ -39,7 +39,7 @@ public:
     CPlugIn(const CPlugIn&) = delete;
     CPlugIn& operator=(const CPlugIn&) = delete;
 
-    // Nothing else may be called afterwards.
+    /// Nothing else may be called afterwards.
     void Dispose()
     {
         AudioComponentInstanceDispose(m_pUnit);

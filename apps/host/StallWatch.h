@@ -8,12 +8,12 @@
 namespace Tarvane
 {
 
-// Main thread. One at a time; the stalls must outlive it.
+/// Main thread. One at a time; the stalls must outlive it.
 class CStallWatch
 {
 public:
-    // From here on every call that keeps the main thread is measured, for all views of this class.
-    // What the class does not do is not looked for.
+    /// From here on every call that keeps the main thread is measured, for all views of this class.
+    /// What the class does not do is not looked for.
     CStallWatch(Class viewClass, CStalls& stalls);
     ~CStallWatch();
     CStallWatch(const CStallWatch&) = delete;

@@ -13,10 +13,10 @@ namespace Tarvane
 enum class StallCause
 {
     Opening,
-    Menu,        // it is filled as it opens
-    TrackChoice, // the view hands it to the plug-in
-    Toggle,      // the view asks the plug-in to arm
-    Arming,      // the armed state, the tracks and the words are read anew
+    Menu,        ///< it is filled as it opens
+    TrackChoice, ///< the view hands it to the plug-in
+    Toggle,      ///< the view asks the plug-in to arm
+    Arming,      ///< the armed state, the tracks and the words are read anew
     Delivery,
     Progress,
     Drawing,
@@ -25,13 +25,13 @@ enum class StallCause
 
 constexpr std::size_t kStallCauses = 9;
 
-// Main thread.
+/// Main thread.
 class CStalls
 {
 public:
     using Duration = std::chrono::steady_clock::duration;
 
-    // The main thread is kept for the life of this value. One within another counts as the outer's.
+    /// The main thread is kept for the life of this value. One within another is the outer's.
     class CStay
     {
     public:
@@ -48,11 +48,11 @@ public:
 
     void Add(StallCause cause, Duration length);
 
-    // Lines with their line ends; causes that there were.
+    /// Lines with their line ends; causes that there were.
     std::string Tell() const;
 
-    // "total" and "longest", and both again with a "count" for each cause that there was, in
-    // milliseconds.
+    /// "total" and "longest", and both again with a "count" for each cause that there was, in
+    /// milliseconds.
     nlohmann::json Describe() const;
 
 private:

@@ -6,9 +6,9 @@
 namespace Tarvane::Link
 {
 
-// The script link ends the process when an answer's count does not match its lines. While an object
-// lives, the process then says so, prints the given text on the standard output, and ends with
-// kExitNoAnswer. One at a time.
+/// The script link ends the process when an answer's count does not match its lines. While an
+/// object lives, the process then says so, prints the given text on the standard output, and ends
+/// with kExitNoAnswer. One at a time.
 class CAnswerGuard
 {
 public:

@@ -10,12 +10,12 @@
 namespace Tarvane::Link
 {
 
-// While an object lives, each command that has had no answer for kLongWait is named on the standard
-// error stream, once.
+/// While an object lives, each command that has had no answer for kLongWait is named on the
+/// standard error stream, once.
 class CHangNotice
 {
 public:
-    // The watch must outlive the object.
+    /// The watch must outlive the object.
     explicit CHangNotice(const CCommandWatch& commands);
     ~CHangNotice();
     CHangNotice(const CHangNotice&) = delete;

@@ -4,7 +4,7 @@
 namespace Tarvane::Link
 {
 
-// Everything from the arguments to the exit code. May be called again in one process.
+/// Everything from the arguments to the exit code. May be called again in one process.
 int RunLink(int argc, char** argv);
 
 } // namespace Tarvane::Link

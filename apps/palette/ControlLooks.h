@@ -10,18 +10,18 @@ namespace Tarvane
 
 // All autoreleased; what each shows keeps still, but for what the last one shows.
 
-// On and off, up and held down: as the link view has it, with a label, and as an image alone.
+/// On and off, up and held down: as the link view has it, with a label, and as an image alone.
 NSView* MakeToggleLooks();
 
-// Up, held and disabled, in three sizes and both button styles.
+/// Up, held and disabled, in three sizes and both button styles.
 NSView* MakeButtonLooks();
 NSView* MakePopUpLooks();
 
-// Two fields; the first one, with this tag, is for BeginEditing.
+/// Two fields; the first one, with this tag, is for BeginEditing.
 constexpr NSInteger kEditedFieldTag = 1;
 NSView* MakeTextFieldLooks();
 
-// One control of each kind to try.
+/// One control of each kind to try.
 NSView* MakeLiveControls();
 
 } // namespace Tarvane

@@ -13,7 +13,7 @@ class App;
 namespace Tarvane
 {
 
-// Each is empty when it was not asked for.
+/// Each is empty when it was not asked for.
 struct PaletteOptions
 {
     std::string strLoad;
@@ -24,7 +24,7 @@ struct PaletteOptions
 
 void DeclareOptions(CLI::App& app, PaletteOptions& options);
 
-// Whether the sheet is to stand in a window: nothing was asked for that is done without one.
+/// Whether the sheet is to stand in a window: nothing was asked for that is done without one.
 bool WantsWindow(const PaletteOptions& options);
 
 } // namespace Tarvane

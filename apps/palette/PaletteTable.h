@@ -6,8 +6,8 @@
 namespace Tarvane
 {
 
-// A row for each entry: name, code and stops, and what the plain and the rounded fill make of it in
-// each direction. Autoreleased.
+/// A row for each entry: name, code and stops, and what the plain and the rounded fill make of it
+/// in each direction. Autoreleased.
 NSView* MakePaletteTable();
 
 } // namespace Tarvane

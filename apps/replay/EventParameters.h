@@ -10,10 +10,10 @@
 namespace Tarvane::Replay
 {
 
-// Those of the keywords that the event or reply has.
+/// Those of the keywords that the event or reply has.
 Parameters ReadParameters(const AppleEvent* pEvent, const std::set<AEKeyword>& keywords);
 
-// Puts all into the event or reply. The status is that of the first that fails, 0 without one.
+/// Puts all into the event or reply. The status is that of the first that fails, 0 without one.
 OSErr PutParameters(AppleEvent* pEvent, const Parameters& parameters);
 
 } // namespace Tarvane::Replay

@@ -4,7 +4,7 @@
 namespace Tarvane::Replay
 {
 
-// Everything from the arguments to the exit code.
+/// Everything from the arguments to the exit code.
 int RunReplay(int argc, char** argv);
 
 } // namespace Tarvane::Replay

@@ -15,8 +15,8 @@ namespace Tarvane::Session
 namespace
 {
 
-/// A pair of blocks still to be compared. Paths share their front parts, which a deep tree has many
-/// of.
+// A pair of blocks still to be compared. Paths share their front parts, which a deep tree has many
+// of.
 struct Place
 {
     std::shared_ptr<Place> pAbove;

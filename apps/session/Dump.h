@@ -9,12 +9,12 @@
 namespace Tarvane::Session
 {
 
-// Lines below this level are indented no further, and begin with the number of their level: "[33]
-// ".
+/// Lines below this level are indented no further, and begin with the number of their level: "[33]
+/// ".
 inline constexpr std::size_t kDeepestIndent = 32;
 
-// One line an entry, indented by its level: type, name, value. Blocks deeper than nDepth levels
-// below the top are not opened.
+/// One line an entry, indented by its level: type, name, value. Blocks deeper than nDepth levels
+/// below the top are not opened.
 void Dump(const CParameter& top, std::size_t nDepth, std::ostream& out);
 
 } // namespace Tarvane::Session

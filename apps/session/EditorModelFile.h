@@ -8,7 +8,7 @@
 namespace Tarvane::Session
 {
 
-// Throws CUsageError for a file that is no session of tarvane-server, or a damaged one.
+/// Throws CUsageError for a file that is no session of tarvane-server, or a damaged one.
 Editor::Model LoadModel(const std::filesystem::path& path);
 
 } // namespace Tarvane::Session

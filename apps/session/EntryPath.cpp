@@ -26,7 +26,7 @@ int HexValue(char c)
     return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
 }
 
-/// One name, with what "\" hides in it brought back; stops at "/", "[" or the end.
+// One name, with what "\" hides in it brought back; stops at "/", "[" or the end.
 std::string ParseName(std::string_view text, std::size_t& nAt)
 {
     std::string strName;

@@ -18,13 +18,13 @@ struct PathStep
     std::size_t nIndex;
 };
 
-// Bytes that would not print are shown as \xNN.
+/// Bytes that would not print are shown as \xNN.
 std::string FormatPath(const std::vector<PathStep>& steps);
 
-// Throws CUsageError for what is no path.
+/// Throws CUsageError for what is no path.
 std::vector<PathStep> ParsePath(std::string_view text);
 
-// Null if nothing stands there. The root itself for an empty path.
+/// Null if nothing stands there. The root itself for an empty path.
 const CParameter* FindEntry(const CParameterBlock& root, const std::vector<PathStep>& steps);
 
 } // namespace Tarvane::Session

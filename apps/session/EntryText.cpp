@@ -13,7 +13,7 @@ namespace Tarvane::Session
 namespace
 {
 
-/// The length of the well-formed character at the front, 0 if there is none.
+// The length of the well-formed character at the front, 0 if there is none.
 std::size_t Utf8Length(std::string_view text)
 {
     const auto at = [text](std::size_t i)

@@ -19,11 +19,11 @@
 namespace Tarvane::Session
 {
 
-// Any depth.
+/// Any depth.
 void WriteJson(const CParameterBlock& root, std::ostream& out);
 
-// Fills an empty block. Throws CUsageError for what is not in the form above, or is but cannot be
-// in a session: null entries and names with a zero byte. Any depth.
+/// Fills an empty block. Throws CUsageError for what is not in the form above, or is but cannot be
+/// in a session: null entries and names with a zero byte. Any depth.
 void ReadJson(std::string_view text, CParameterBlock& root);
 
 } // namespace Tarvane::Session

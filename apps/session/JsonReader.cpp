@@ -19,7 +19,7 @@ namespace
 
 using Json = nlohmann::json;
 
-/// A number as it stands in the text, a text, or true or false.
+// A number as it stands in the text, a text, or true or false.
 struct Scalar
 {
     enum Kind
@@ -34,7 +34,7 @@ struct Scalar
     bool fTrue = false;
 };
 
-/// What is known of an entry before its object ends.
+// What is known of an entry before its object ends.
 struct Entry
 {
     std::optional<std::string> name;
@@ -99,13 +99,13 @@ template <typename Float, typename Bits> Float Real(const Scalar& value, const c
     return *number;
 }
 
-/// Reads by events, so that depth costs no call stack.
+// Reads by events, so that depth costs no call stack.
 class CReader : public nlohmann::json_sax<Json>
 {
 public:
     explicit CReader(CParameterBlock& root) : m_root(root) {}
 
-    /// The names of the entries that are open, for a message.
+    // The names of the entries that are open, for a message.
     std::string Where() const
     {
         std::string strWhere = "/";

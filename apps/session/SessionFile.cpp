@@ -19,7 +19,7 @@ namespace
 constexpr unsigned long kAnnouncedSize = 50ul * 1000 * 1000;
 constexpr unsigned long kPercentStep = 10;
 
-/// Says how far a large file has been read, in steps of ten percent, from 0 on.
+// Says how far a large file has been read, in steps of ten percent, from 0 on.
 class CAnnouncer : public CProgress
 {
 public:

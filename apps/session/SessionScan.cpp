@@ -53,7 +53,7 @@ private:
         m_session.flaw = Flaw{nOffset, std::move(strReason), PathThrough(m_levels.size())};
         return false;
     }
-    /// Before the name of an entry is known, its flaw counts for the block that holds it.
+    // Before the name of an entry is known, its flaw counts for the block that holds it.
     bool FailInBlock(std::size_t nOffset, std::string strReason)
     {
         const std::size_t nAbove = m_levels.empty() ? 0 : m_levels.size() - 1;
@@ -245,7 +245,7 @@ private:
         ++statistics.uses[nToken];
     }
 
-    /// From the root through the newest entry on each of the first nLevels levels.
+    // From the root through the newest entry on each of the first nLevels levels.
     std::string PathThrough(std::size_t nLevels) const
     {
         std::vector<PathStep> steps;

@@ -44,7 +44,7 @@ std::string FlawOf(const std::string& strFile, const Flaw& flaw)
     return strFile + ": " + FlawText(flaw);
 }
 
-/// What the records held before they broke off has been shown; this says that there was more.
+// What the records held before they broke off has been shown; this says that there was more.
 int ReportBrokenOff(const LoadedSession& session, const std::string& strFile)
 {
     if (session.fWhole)

@@ -8,7 +8,7 @@
 namespace Tarvane::Session
 {
 
-// As AddToArdour.
+/// As AddToArdour.
 void AddToRpp(CLI::App& app, std::function<int()>& run);
 
 } // namespace Tarvane::Session

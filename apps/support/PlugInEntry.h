@@ -1,5 +1,5 @@
-/// What a shared library exports so that `tarvane-conform plugin` can examine the signal side in
-/// it. Both functions are called on the main thread, and have C linkage.
+// What a shared library exports so that `tarvane-conform plugin` can examine the signal side in
+// it. Both functions are called on the main thread, and have C linkage.
 #pragma once
 
 #include <AudioUnit/AudioUnit.h>

@@ -7,12 +7,12 @@
 namespace Tarvane
 {
 
-// Unit has SetUnit, GetPropertyInfo, GetProperty, SetProperty, Listeners and Stop, as CSignalSide
-// has them, and a constructor without arguments.
+/// Unit has SetUnit, GetPropertyInfo, GetProperty, SetProperty, Listeners and Stop, as CSignalSide
+/// has them, and a constructor without arguments.
 template <typename Unit> class UnitComponent
 {
 public:
-    // Makes a component known to the process.
+    /// Makes a component known to the process.
     static AudioComponent Register(OSType nSubType, const char* szName)
     {
         AudioComponentDescription description{};
@@ -27,7 +27,7 @@ public:
         return pRegistered;
     }
 
-    // The component's factory function.
+    /// The component's factory function.
     static AudioComponentPlugInInterface* MakeInstance(const AudioComponentDescription*)
     {
         auto* pInstance = new Instance;
@@ -39,7 +39,7 @@ public:
     }
 
 private:
-    // The interface comes first: its address is the "self" of every entry point.
+    /// The interface comes first: its address is the "self" of every entry point.
     struct Instance : AudioComponentPlugInInterface
     {
         Unit unit;

@@ -8,13 +8,13 @@
 namespace Bench
 {
 
-// Opened on first use; lives as long as the process.
+/// Opened on first use; lives as long as the process.
 AudioUnit Unit();
 
-// The file of the capture: UTF-8, a full path.
+/// The file of the capture: UTF-8, a full path.
 void SetCaptureFile(const std::string& strPath);
 
-// How many captures were acknowledged as delivered, and as not.
+/// How many captures were acknowledged as delivered, and as not.
 struct Acknowledged
 {
     int nDelivered = 0;

@@ -12,7 +12,7 @@ struct Counted
     std::size_t nLocks = 0;
 };
 
-// Since the program's start, on any thread.
+/// Since the program's start, on any thread.
 Counted CountedSoFar();
 
 } // namespace Bench

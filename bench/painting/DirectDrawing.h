@@ -6,17 +6,17 @@
 namespace Bench
 {
 
-// Device colours, from place 0 to another; owned by the caller.
+/// Device colours, from place 0 to another; owned by the caller.
 NSGradient* MakeGradient(CGFloat dFrom, CGFloat dTo, CGFloat dPlace = 1);
 
 void DrawFlat(NSGraphicsContext* operators, NSRect rect, CGFloat dLevel);
 
-// The rectangle, rounded when the radius is not 0, filled from start to end.
+/// The rectangle, rounded when the radius is not 0, filled from start to end.
 void DrawGradient(NSGraphicsContext* operators, NSGradient* gradient, NSRect rect, CGFloat r,
                   NSPoint start, NSPoint end);
 void DrawRoundFlat(NSGraphicsContext* operators, NSRect rect, CGFloat r, CGFloat dLevel);
 
-// The visual top to the visual bottom of a rectangle.
+/// The visual top to the visual bottom of a rectangle.
 struct Fall
 {
     NSPoint start, end;

@@ -6,8 +6,8 @@
 namespace Bench
 {
 
-// Each of the parts of the link view at its place: its texts as plain text fields, its toggle and
-// its menu as views that draw what these show. Autoreleased.
+/// Each of the parts of the link view at its place: its texts as plain text fields, its toggle and
+/// its menu as views that draw what these show. Autoreleased.
 NSView* MakeDirectTwin(NSView* linkView, NSImage* toggleImage, NSImage* arrow);
 
 } // namespace Bench

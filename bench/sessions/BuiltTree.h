@@ -9,13 +9,13 @@ namespace Bench
 
 struct BuiltShape
 {
-    int nTracks; // 0: the values of one track stand in the root itself.
+    int nTracks; ///< 0: the values of one track stand in the root itself.
     int nValuesPerTrack;
 };
 
 constexpr BuiltShape kBuiltTracks{10417, 96};
 constexpr BuiltShape kBuiltFlat{0, 1000000};
-// For who is too slow for a million.
+/// For who is too slow for a million.
 constexpr BuiltShape kBuiltSmall{104, 96};
 
 inline const std::string& RegionName(int n)
@@ -30,7 +30,7 @@ inline const std::string& RegionName(int n)
     return names[static_cast<std::size_t>(n % 1000)];
 }
 
-// Calls add(name, value) for every value of a track.
+/// Calls add(name, value) for every value of a track.
 template <class Add> void AddValues(int nTrack, const BuiltShape& shape, Add&& add)
 {
     for (int i = 0; i < shape.nValuesPerTrack; ++i)

@@ -14,7 +14,7 @@ namespace
 
 using Json = nlohmann::json;
 
-/// Names may stand twice in a block, so that a block is a list of names and values.
+// Names may stand twice in a block, so that a block is a list of names and values.
 Json ToJson(const CParameterBlock& block)
 {
     Json list = Json::array();

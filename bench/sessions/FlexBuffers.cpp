@@ -14,7 +14,7 @@ namespace Bench
 namespace
 {
 
-/// Names may stand twice in a block, so that a block is a list of names and values.
+// Names may stand twice in a block, so that a block is a list of names and values.
 void Write(const CParameterBlock& block, flexbuffers::Builder& builder)
 {
     const std::size_t nStart = builder.StartVector();
@@ -54,8 +54,8 @@ double Sum(flexbuffers::Reference value)
     return dSum;
 }
 
-/// There is no tree: a load copies the bytes and checks them, and what a program builds are the
-/// bytes, which a save finishes.
+// There is no tree: a load copies the bytes and checks them, and what a program builds are the
+// bytes, which a save finishes.
 class CFlexBuffers : public CPeer
 {
 public:

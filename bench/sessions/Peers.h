@@ -16,16 +16,16 @@ public:
     virtual ~CPeer() = default;
     virtual const char* Name() const = 0;
 
-    // Not measured: takes the tree over and keeps its bytes.
+    /// Not measured: takes the tree over and keeps its bytes.
     virtual void Take(const CParameterBlock& root) = 0;
     virtual std::size_t GetSize() const = 0;
 
-    virtual void Load() = 0; // from the bytes
-    // As a program would, value by value and track by track.
+    virtual void Load() = 0; ///< from the bytes
+    /// As a program would, value by value and track by track.
     virtual void Build(const BuiltShape& shape) = 0;
-    virtual void Free() = 0;   // what Load or Build has made
-    virtual void Save() = 0;   // what Load or Build has made, into memory of its own
-    virtual double Walk() = 0; // every value
+    virtual void Free() = 0;   ///< what Load or Build has made
+    virtual void Save() = 0;   ///< what Load or Build has made, into memory of its own
+    virtual double Walk() = 0; ///< every value
 };
 
 std::unique_ptr<CPeer> MakeMsgpack();

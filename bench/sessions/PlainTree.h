@@ -20,13 +20,13 @@ struct PlainNode
     bool fBlock = false;
 };
 
-// Any depth. The caller frees it with Free.
+/// Any depth. The caller frees it with Free.
 PlainNode* BuildPlain(const CParameterBlock& block);
 PlainNode* BuildPlain(const BuiltShape& shape);
 void Free(PlainNode* pNode);
 
-// Adds all numbers and all lengths of strings, each name compared with those that are looked for:
-// what a reader does with a session.
+/// Adds all numbers and all lengths of strings, each name compared with those that are looked for:
+/// what a reader does with a session.
 double Walk(const PlainNode& node);
 
 } // namespace Bench

@@ -28,7 +28,7 @@ NSNumber* Number(unsigned long long nValue)
 id Object(const char* pText) { return [NSString stringWithUTF8String:pText]; }
 template <class Value> id Object(Value value) { return Number(value); }
 
-/// Names may stand twice in a block, so that a block is a list of names and values.
+// Names may stand twice in a block, so that a block is a list of names and values.
 NSArray* ListOf(const CParameterBlock& block)
 {
     NSMutableArray* list = [NSMutableArray array];

@@ -46,7 +46,7 @@ double ValueOf(const CParameter& parameter)
     }
 }
 
-/// As Walk of PlainTree.h does.
+// As Walk of PlainTree.h does.
 double WalkSession(const CParameterBlock& root)
 {
     double dSum = 0;
@@ -66,7 +66,7 @@ double WalkSession(const CParameterBlock& root)
     return dSum;
 }
 
-/// The tree under test, as a peer among the others.
+// The tree under test, as a peer among the others.
 class CSession : public CPeer
 {
 public:
@@ -141,7 +141,7 @@ void RegisterPeer(CPeer& peer)
                                  [&peer] { dSink = peer.Walk(); }, [&peer] { peer.Free(); }});
 }
 
-/// Building a tree, and saving it cold.
+// Building a tree, and saving it cold.
 void RegisterBuilding(const std::string& strTree, CPeer& peer, const BuiltShape& shape)
 {
     const std::string strName = peer.Name();
@@ -201,7 +201,7 @@ std::size_t LookIntoEveryBlock(const CParameterBlock& root)
     return nFound;
 }
 
-/// The operations that have no counterpart in the peers, and the floors of the tree.
+// The operations that have no counterpart in the peers, and the floors of the tree.
 void RegisterOperations(const std::string& strTree, CSession& session,
                         const CParameterBlock& source)
 {
@@ -240,7 +240,7 @@ void RegisterOperations(const std::string& strTree, CSession& session,
              {{}, [&source] { pPlain = BuildPlain(source); }, [] { Free(pPlain); }});
 }
 
-/// What RegisterPeer does for the tree of tracks, of a tree that no peer has.
+// What RegisterPeer does for the tree of tracks, of a tree that no peer has.
 void RegisterOwn(const std::string& strTree, CSession& session, const CParameterBlock& source)
 {
     static PlainNode* pPlain;
@@ -257,7 +257,7 @@ void RegisterOwn(const std::string& strTree, CSession& session, const CParameter
     RegisterOperations(strTree, session, source);
 }
 
-/// The peers that recurse cannot take part.
+// The peers that recurse cannot take part.
 void ExpectOfDeep()
 {
     Expect("deep load/tarvane", "deep allocate/plain nodes", 1.5);

@@ -12,7 +12,7 @@ struct Forbidden
     std::uint64_t nAllocations = 0;
 };
 
-// Of this thread, since its start.
+/// Of this thread, since its start.
 Forbidden& OfThisThread();
 
 } // namespace BenchSignal

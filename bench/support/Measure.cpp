@@ -69,7 +69,7 @@ void RunOnce(benchmark::State& state, const Steps& steps, int nThings)
     }
 }
 
-/// Keeps the times of each name, and stays silent until the end.
+// Keeps the times of each name, and stays silent until the end.
 class CTimes : public benchmark::BenchmarkReporter
 {
 public:
@@ -128,7 +128,7 @@ std::string TimeText(double dNanoseconds)
 
 using Figures = std::map<std::string, Figure>;
 
-/// Without what was not run.
+// Without what was not run.
 Figures AllFigures()
 {
     Figures figures;

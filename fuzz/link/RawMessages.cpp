@@ -23,8 +23,8 @@ void AppendNumber(std::string& bytes, std::uint32_t n)
         bytes += static_cast<char>(n >> nShift);
 }
 
-/// A header field: code, type of the value, value. A signature's length has one byte, that of other
-/// texts four.
+// A header field: code, type of the value, value. A signature's length has one byte, that of other
+// texts four.
 void AppendText(std::string& fields, char cCode, char cType, std::string_view text)
 {
     Pad(fields, 8);
@@ -59,7 +59,7 @@ std::string FieldsOf(CRawMessages::Kind kind, const std::string& types)
     return fields;
 }
 
-/// Byte order, type, flags, version; size of the body; serial; fields; body.
+// Byte order, type, flags, version; size of the body; serial; fields; body.
 std::string MessageOf(CRawMessages::Kind kind, const std::string& types, const std::string& body)
 {
     static constexpr char kCallWithoutReply = 1;

@@ -21,7 +21,7 @@ namespace
 
 constexpr std::size_t kLongestItem = 999;
 
-/// The lines of a result, character by character.
+// The lines of a result, character by character.
 std::vector<std::string> LinesOf(const std::string& text)
 {
     std::vector<std::string> lines(1);
@@ -44,7 +44,7 @@ bool IsCountRight(const std::vector<std::string>& lines)
            std::strtol(lines[0].c_str(), nullptr, 10) == static_cast<long>(lines.size()) - 1;
 }
 
-/// The text with a count that is right: a wrong one ends the process, as it must.
+// The text with a count that is right: a wrong one ends the process, as it must.
 std::string WithRightCount(const std::string& text)
 {
     const std::vector<std::string> lines = LinesOf(text);
@@ -57,7 +57,7 @@ std::vector<std::string> ItemsOf(const std::string& text)
     return lines.empty() ? lines : std::vector<std::string>(lines.begin() + 1, lines.end());
 }
 
-/// What a command prints when the reply is this one; empty when it fails.
+// What a command prints when the reply is this one; empty when it fails.
 std::string TextOf(const ScriptedAppleEvents::Reply& reply)
 {
     ScriptedAppleEvents events;
@@ -99,7 +99,7 @@ void Render(CTarvaneScript& script, const std::string& text)
             (ItemsOf(text).size() == 4));
 }
 
-/// A command whose script prints a count.
+// A command whose script prints a count.
 void RunCounted(int nOperation, const ScriptedAppleEvents::Reply& reply)
 {
     const std::string text = WithRightCount(TextOf(reply));
@@ -115,7 +115,7 @@ void RunCounted(int nOperation, const ScriptedAppleEvents::Reply& reply)
     Require(events.LiveDescriptors() == 0);
 }
 
-/// A command whose script prints one value.
+// A command whose script prints one value.
 void RunPlain(int nOperation, const ScriptedAppleEvents::Reply& reply)
 {
     const bool fOne = std::strtol(TextOf(reply).c_str(), nullptr, 10) == 1;

@@ -11,16 +11,16 @@
 namespace Tarvane
 {
 
-// Audio thread, but for the constructor.
+/// Audio thread, but for the constructor.
 class CPositionReader
 {
 public:
     explicit CPositionReader(const LV2_URID_Map& map);
 
-    // Whether an event is a time:Position. Looks at no byte behind the event's atom.
+    /// Whether an event is a time:Position. Looks at no byte behind the event's atom.
     bool IsPosition(const LV2_Atom& event) const;
-    // Takes over what a time:Position says of the transport. What it leaves out stays as it is;
-    // what it says in another type than a number counts as left out.
+    /// Takes over what a time:Position says of the transport. What it leaves out stays as it is;
+    /// what it says in another type than a number counts as left out.
     void Read(const LV2_Atom& position, CTransport& transport) const;
 
 private:

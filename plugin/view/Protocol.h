@@ -24,31 +24,31 @@ namespace Tarvane
 
 constexpr std::uint32_t kViewProtocolVersion = 1;
 constexpr std::size_t kFrameHeaderSize = 24;
-// More than the largest property, and than the longest words that are passed on.
+/// More than the largest property, and than the longest words that are passed on.
 constexpr std::size_t kMaxFrameData = 4096;
 constexpr std::size_t kMaxFrameSize = kFrameHeaderSize + kMaxFrameData;
 
 enum class FrameKind : std::uint32_t
 {
-    // Both ways; id: the sender's kViewProtocolVersion. Sides of two versions do not talk.
+    /// Both ways; id: the sender's kViewProtocolVersion. Sides of two versions do not talk.
     Hello = 1,
 
-    // From the view. Each of the first three is answered by one Reply with the same serial.
-    Get,    // id, element; size: how many bytes the caller has room for
-    Info,   // id, element
-    Set,    // id, element, data
-    Ready,  // the view listens: takes that wait may be announced
-    Failed, // there will be no view; data: why, in UTF-8. The process then ends.
-            // element: a take's index; id: what became of it, a TakeOutcome; data: the position on
-            // the server's timeline, a 64-bit float, and then the server's words in UTF-8
+    /// From the view. Each of the first three is answered by one Reply with the same serial.
+    Get,    ///< id, element; size: how many bytes the caller has room for
+    Info,   ///< id, element
+    Set,    ///< id, element, data
+    Ready,  ///< the view listens: takes that wait may be announced
+    Failed, ///< there will be no view; data: why, in UTF-8. The process then ends.
+            ///< element: a take's index; id: what became of it, a TakeOutcome; data: the position
+            ///< on the server's timeline, a 64-bit float, and then the server's words in UTF-8
     Outcome,
-    ServerAppeared, // the server's name has got an owner
+    ServerAppeared, ///< the server's name has got an owner
 
-    // From the plug-in.
-    Reply,  // status; size and data: of the property; to Info, id: 1 if it can be written
-    Notify, // id: the property that was raised
-    Embed,  // id: the window of the display that is to hold the view
-    Detach, // id: the window that is to hold it no longer
+    /// From the plug-in.
+    Reply,  ///< status; size and data: of the property; to Info, id: 1 if it can be written
+    Notify, ///< id: the property that was raised
+    Embed,  ///< id: the window of the display that is to hold the view
+    Detach, ///< id: the window that is to hold it no longer
 };
 
 struct CFrame
@@ -59,7 +59,7 @@ struct CFrame
     std::int32_t nStatus = 0;
     std::uint32_t nSize = 0;
     std::uint32_t nSerial = 0;
-    std::vector<std::uint8_t> data = {}; // at most kMaxFrameData bytes
+    std::vector<std::uint8_t> data = {}; ///< at most kMaxFrameData bytes
 
     bool operator==(const CFrame&) const = default;
 };
@@ -70,11 +70,11 @@ enum class FrameSender
     PlugIn,
 };
 
-// The packet of a frame whose data is within its bound.
+/// The packet of a frame whose data is within its bound.
 std::vector<std::uint8_t> EncodeFrame(const CFrame& frame);
 
-// The frame of a packet; empty when it is none that this sender may send. Looks at no byte outside
-// the packet, whatever is in it.
+/// The frame of a packet; empty when it is none that this sender may send. Looks at no byte outside
+/// the packet, whatever is in it.
 std::optional<CFrame> DecodeFrame(const std::uint8_t* pBytes, std::size_t nSize,
                                   FrameSender sender);
 

@@ -13,16 +13,16 @@ namespace Tarvane
 class CDeliveryWatch;
 class CPlugInConnection;
 
-// One at a time: there is one plug-in behind a process. All operations: any thread. A property that
-// cannot be asked for, as the connection has ended, answers kAudioUnitErr_Uninitialized; one that
-// is asked for inside a notification kAudioUnitErr_CannotDoInCurrentContext.
+/// One at a time: there is one plug-in behind a process. All operations: any thread. A property
+/// that cannot be asked for, as the connection has ended, answers kAudioUnitErr_Uninitialized; one
+/// that is asked for inside a notification kAudioUnitErr_CannotDoInCurrentContext.
 class CSocketUnit
 {
 public:
-    // Makes the component known to the process, once. The connection, and the watch that knows what
-    // becomes of takes, must outlive the unit.
+    /// Makes the component known to the process, once. The connection, and the watch that knows
+    /// what becomes of takes, must outlive the unit.
     static AudioComponent Register(CPlugInConnection& connection, CDeliveryWatch& deliveries);
-    // Raises a property on the unit's listeners, if there is a unit.
+    /// Raises a property on the unit's listeners, if there is a unit.
     static void Raise(AudioUnitPropertyID nId);
 
     CSocketUnit();
@@ -30,7 +30,7 @@ public:
     CSocketUnit(const CSocketUnit&) = delete;
     CSocketUnit& operator=(const CSocketUnit&) = delete;
 
-    // What the component's entry points call.
+    /// What the component's entry points call.
     void SetUnit(AudioUnit pUnit) { m_pUnit = pUnit; }
     OSStatus GetPropertyInfo(AudioUnitPropertyID nId, AudioUnitScope nScope,
                              AudioUnitElement nElement, UInt32* pnSize, Boolean* pfWritable);

@@ -12,14 +12,14 @@
 namespace Tarvane
 {
 
-// One thread at a time. Nothing of it waits for the process, but its end.
+/// One thread at a time. Nothing of it waits for the process, but its end.
 class CViewProcess
 {
 public:
-    // Starts the program with the socket as descriptor 3, every signal at its default, and nothing
-    // else of this process. Throws std::system_error.
+    /// Starts the program with the socket as descriptor 3, every signal at its default, and nothing
+    /// else of this process. Throws std::system_error.
     explicit CViewProcess(const std::filesystem::path& program);
-    // Kills the process if it still runs, and reaps it.
+    /// Kills the process if it still runs, and reaps it.
     ~CViewProcess();
     CViewProcess(const CViewProcess&) = delete;
     CViewProcess& operator=(const CViewProcess&) = delete;
@@ -27,16 +27,16 @@ public:
     CPacketSocket& Socket() { return m_socket; }
     pid_t Pid() const { return m_nPid; }
 
-    // Sends as soon as there is room. False when the connection has ended.
+    /// Sends as soon as there is room. False when the connection has ended.
     bool Send(CFrame frame);
-    // Sends what there is room for now. False when the connection has ended.
+    /// Sends what there is room for now. False when the connection has ended.
     bool Flush();
     bool HasUnsent() const { return !m_unsent.empty(); }
-    // So much has not been read that the process is not to be asked for more.
+    /// So much has not been read that the process is not to be asked for more.
     bool IsClogged() const { return m_unsent.size() >= kMaxUnsent; }
 
-    // After the connection has ended: waits a moment for the process to end, then ends it. How it
-    // ended: "exit code 1", "signal 11".
+    /// After the connection has ended: waits a moment for the process to end, then ends it. How it
+    /// ended: "exit code 1", "signal 11".
     std::string WaitForEnd();
 
 private:
@@ -47,7 +47,7 @@ private:
 
     CPacketSocket m_socket;
     std::deque<CFrame> m_unsent;
-    pid_t m_nPid = -1; // -1 once reaped
+    pid_t m_nPid = -1; ///< -1 once reaped
     int m_nWaitStatus = 0;
 };
 

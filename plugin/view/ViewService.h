@@ -11,19 +11,19 @@ namespace Tarvane
 
 class CCaptureCore;
 
-// For one connection; one thread. The core must outlive it.
+/// For one connection; one thread. The core must outlive it.
 class CViewService
 {
 public:
     explicit CViewService(CCaptureCore& core) : m_core(core) {}
 
-    // Takes a frame in; the reply is there when there is one to be sent. False when the frame is
-    // out of turn or says what cannot be: the connection is to be ended.
+    /// Takes a frame in; the reply is there when there is one to be sent. False when the frame is
+    /// out of turn or says what cannot be: the connection is to be ended.
     bool Take(const CFrame& frame, std::optional<CFrame>& reply);
 
-    // The view has joined.
+    /// The view has joined.
     bool IsReady() const { return m_fReady; }
-    // Why there will be no view, as the process says; empty when it has not.
+    /// Why there will be no view, as the process says; empty when it has not.
     const std::string& Failure() const { return m_strFailure; }
 
 private:

@@ -13,7 +13,7 @@ struct CursorOnScreen
     int nHeight = 0;
     int nHotSpotX = 0;
     int nHotSpotY = 0;
-    std::vector<std::uint32_t> pixels; // alpha, red, green, blue, from the top left
+    std::vector<std::uint32_t> pixels; ///< alpha, red, green, blue, from the top left
 
     bool operator==(const CursorOnScreen&) const = default;
 };

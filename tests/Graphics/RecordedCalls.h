@@ -28,7 +28,7 @@ inline std::string Text(NSRect rect)
     return Text(rect.origin) + " " + Text(rect.size.width) + " " + Text(rect.size.height);
 }
 
-// The calls of the test at hand.
+/// The calls of the test at hand.
 inline std::vector<std::string>& Calls()
 {
     static std::vector<std::string> calls;

@@ -17,21 +17,21 @@
 std::string Utf8(NSString* pText);
 NSBundle* LoadedBundle();
 
-// A view of the bundle, joined to a plug-in that is not armed and has the second track chosen, and
-// to a server with the tracks "Dialogue", "Foley" and "Music".
+/// A view of the bundle, joined to a plug-in that is not armed and has the second track chosen, and
+/// to a server with the tracks "Dialogue", "Foley" and "Music".
 class LinkBundle : public testing::Test
 {
   protected:
     LinkBundle();
     ~LinkBundle() override;
 
-    // The caller is its only owner.
+    /// The caller is its only owner.
     NSView* MakeView(NSSize sizePreferred);
 
-    // What the server answers to as many lists of its tracks.
+    /// What the server answers to as many lists of its tracks.
     void PlayTracks(int nTimes);
 
-    // What the nib has connected.
+    /// What the nib has connected.
     id Outlet(const char* szName);
     NSView* MessageFrame() { return Outlet("m_viewFrame"); }
     NSPopUpButton* Tracks() { return Outlet("m_btnTracks"); }
@@ -39,7 +39,7 @@ class LinkBundle : public testing::Test
     NSTextField* AdviceLine() { return Outlet("m_textAdvice"); }
     TKToggleSwitch* Toggle() { return Outlet("m_switchCapture"); }
 
-    // Every value that the view has given to this property.
+    /// Every value that the view has given to this property.
     std::vector<std::vector<std::uint8_t>> Written(AudioUnitPropertyID nProperty);
 
     TarvaneTests::ScriptedAudioUnit m_plugIn;

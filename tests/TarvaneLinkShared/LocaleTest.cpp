@@ -11,7 +11,7 @@ using ::testing::HasSubstr;
 
 namespace
 {
-/// A host may set any locale; what the server is sent and how it is read does not follow.
+// A host may set any locale; what the server is sent and how it is read does not follow.
 class DecimalCommaHost : public ScriptFixture
 {
 protected:

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-// Tests with a colour space; at the end every platform object is released again.
+/// Tests with a colour space; at the end every platform object is released again.
 class ColourFixture : public testing::Test
 {
   protected:
@@ -32,11 +32,11 @@ class ColourFixture : public testing::Test
         EXPECT_EQ(TarvaneTests::LiveGraphicsObjects(), m_nLiveBefore);
     }
 
-    // The number under which m_space is recorded; every other space has another.
+    /// The number under which m_space is recorded; every other space has another.
     static constexpr size_t kSpace = 1;
 
-    // How many references a platform colour has beside that of whoever asks for it, once the
-    // operation and what it autoreleased are done.
+    /// How many references a platform colour has beside that of whoever asks for it, once the
+    /// operation and what it autoreleased are done.
     template <typename Operation>
     static NSUInteger OwnersAfter(NSColor* colour, Operation operation)
     {

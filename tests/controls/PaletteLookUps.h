@@ -4,11 +4,11 @@
 namespace TarvaneTests
 {
 
-// While it lives:
-//
-//     "IsGradient <module>/<component>"
-//     "Find <module>/<component>"
-//     "FindCGColorRef <module>/<component>"
+/// While it lives:
+///
+///     "IsGradient <module>/<component>"
+///     "Find <module>/<component>"
+///     "FindCGColorRef <module>/<component>"
 class NotedLookUps
 {
 public:

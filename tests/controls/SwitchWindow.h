@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
-// Counts what reaches it, after it has dealt with it.
+/// Counts what reaches it, after it has dealt with it.
 @interface WatchedSwitch : TKToggleSwitch
 {
   @public
     int m_nDowns;
     int m_nDrags;
     int m_nUps;
-    int m_nRedraws; // asked for
+    int m_nRedraws; ///< asked for
     NSPoint m_lastDrag;
 }
 - (bool)isArmed;
@@ -24,7 +24,7 @@
 {
   @public
     int m_nTold;
-    NSInteger m_nState; // of the switch, when told last
+    NSInteger m_nState; ///< of the switch, when told last
     std::int32_t m_nFlags;
     bool m_fArmed;
 }
@@ -33,8 +33,8 @@
 namespace TarvaneTests
 {
 
-// Real input by the display server: each call returns when the switch has dealt with what reaches
-// it. One at a time; the application object must be there.
+/// Real input by the display server: each call returns when the switch has dealt with what reaches
+/// it. One at a time; the application object must be there.
 class SwitchWindow
 {
   public:
@@ -45,11 +45,11 @@ class SwitchWindow
 
     void PressInside();
     void PressBeside();
-    // With the button held.
+    /// With the button held.
     void DragInside();
     void DragOutside();
     void ReleaseSeen();
-    // After a press that the switch has not seen; it does not see the release either.
+    /// After a press that the switch has not seen; it does not see the release either.
     void ReleaseUnseen();
     void KeyDown(const std::string& strKey);
     void KeyUp(const std::string& strKey);
@@ -65,7 +65,7 @@ class SwitchWindow
 
     NSWindow* m_window;
     int m_nPlace = 0;
-    std::vector<std::string> m_keys; // held down
+    std::vector<std::string> m_keys; ///< held down
     bool m_fButton = false;
 };
 

@@ -21,16 +21,16 @@
 
 namespace
 {
-/// Each snippet runs on a text that lies in the object and on one that does not.
+// Each snippet runs on a text that lies in the object and on one that does not.
 class TextOfAParameter : public testing::TestWithParam<const char*>
 {
 protected:
     CStringParameter m_parameter{GetParam(), GetParam()};
     std::string m_text = GetParam();
-    /// The name of another parameter.
+    // The name of another parameter.
     CIntParameter m_other{"other", 1};
 
-    /// The same change, to the name, to the value and to a std::string.
+    // The same change, to the name, to the value and to a std::string.
     template <class F> void ExpectSame(F&& change)
     {
         change(m_parameter.m_strName);
@@ -40,7 +40,7 @@ protected:
         EXPECT_EQ(m_parameter.m_strValue, m_text);
         EXPECT_EQ(m_parameter.m_strName.length(), m_text.length());
     }
-    /// The same question, of all three.
+    // The same question, of all three.
     template <class F> void ExpectSameAnswer(F&& ask)
     {
         const auto answer = ask(std::as_const(m_text));

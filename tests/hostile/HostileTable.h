@@ -9,7 +9,7 @@
 namespace TarvaneTest
 {
 
-// The beginning of a text, on one line, without what Markdown would take for its own.
+/// The beginning of a text, on one line, without what Markdown would take for its own.
 inline std::string Shown(const std::string& strText)
 {
     std::string strShown;

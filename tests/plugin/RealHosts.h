@@ -35,7 +35,7 @@ struct CTakeFile
     {
         return static_cast<std::int64_t>(samples.size()) / std::max(nChannels, 1);
     }
-    // How many of the frames from nFrom up to nTo are not those of the timeline.
+    /// How many of the frames from nFrom up to nTo are not those of the timeline.
     std::int64_t FlawedFrames(std::int64_t nFrom, std::int64_t nTo) const
     {
         std::int64_t nFlawed = 0;
@@ -52,7 +52,7 @@ struct CTakeFile
     }
 };
 
-// With the position that the file itself tells.
+/// With the position that the file itself tells.
 inline CTakeFile ReadTake(const std::filesystem::path& file)
 {
     CTakeFile take;
@@ -74,7 +74,7 @@ inline CTakeFile ReadTake(const std::filesystem::path& file)
     return take;
 }
 
-// Of a program that ends with the exit code nExpected.
+/// Of a program that ends with the exit code nExpected.
 inline std::string OutputOf(const std::vector<std::string>& command, int nExpected = 0)
 {
     Tarvane::CChildProcess process(command);
@@ -82,7 +82,7 @@ inline std::string OutputOf(const std::vector<std::string>& command, int nExpect
     EXPECT_EQ(process.WaitForEnd(kLong), nExpected) << command[0] << process.ErrorOutput();
     return process.Output();
 }
-// Of one that may fail.
+/// Of one that may fail.
 inline std::string WhatSays(const std::vector<std::string>& command)
 {
     Tarvane::CChildProcess process(command);
@@ -108,7 +108,7 @@ inline void Pause(int nMilliseconds)
     std::this_thread::sleep_for(std::chrono::milliseconds(nMilliseconds));
 }
 
-// Where a host finds the plug-in and where that leaves what it captures, and a server beside it.
+/// Where a host finds the plug-in and where that leaves what it captures, and a server beside it.
 class CHostSurroundings
 {
 public:
@@ -142,9 +142,9 @@ public:
         return Comes([&] { return Regions().size() >= nCount; });
     }
 
-    // The files of the takes that are finished, in their order.
+    /// The files of the takes that are finished, in their order.
     std::vector<std::filesystem::path> TakeFiles() const { return FilesCalled("take-"); }
-    // Of those that are being written.
+    /// Of those that are being written.
     std::vector<std::filesystem::path> HiddenFiles() const { return FilesCalled(".capture"); }
 
     CTemporaryFolder folder;

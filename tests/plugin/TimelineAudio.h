@@ -7,7 +7,7 @@
 namespace TarvaneTest
 {
 
-// 24 bits, in full scale of 2^23; exact as a float and in a file of 24 bits.
+/// 24 bits, in full scale of 2^23; exact as a float and in a file of 24 bits.
 inline std::int32_t TimelineSample(std::int64_t nPosition, unsigned nChannel)
 {
     auto nBits = static_cast<std::uint64_t>(nPosition) * 64 + nChannel;

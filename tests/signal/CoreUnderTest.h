@@ -20,8 +20,8 @@
 namespace TarvaneTest
 {
 
-// The audio of all these tests: what stands at a place of the timeline, in 24 bits. A file is right
-// if and only if its sample i is that of its position + i.
+/// The audio of all these tests: what stands at a place of the timeline, in 24 bits. A file is
+/// right if and only if its sample i is that of its position + i.
 inline float SampleAt(std::int64_t nPosition, std::uint32_t nChannel = 0)
 {
     std::uint64_t nHash = static_cast<std::uint64_t>(nPosition) * 64 + nChannel;
@@ -31,8 +31,8 @@ inline float SampleAt(std::int64_t nPosition, std::uint32_t nChannel = 0)
     return (static_cast<float>(nHash & 0xFFFFFF) - 0x800000) / 0x800000;
 }
 
-// How many samples of a file are those of the timeline from the position on; frames times channels
-// when all are.
+/// How many samples of a file are those of the timeline from the position on; frames times channels
+/// when all are.
 inline std::size_t SamplesThatAreRight(const std::filesystem::path& file, double dPosition)
 {
     SF_INFO info{};
@@ -71,7 +71,7 @@ public:
     }
     ~CCoreUnderTest() { Close(); }
 
-    // A kept state is restored when the observer is there to see what it brings.
+    /// A kept state is restored when the observer is there to see what it brings.
     void Open(Tarvane::CCaptureSettings settings)
     {
         const std::string strUuid = std::exchange(settings.strUuid, {});
@@ -91,7 +91,7 @@ public:
     }
     void Close() { core.reset(); }
 
-    // Plays from the position on, in blocks.
+    /// Plays from the position on, in blocks.
     void Play(double dPosition, std::uint32_t nFrames, std::uint32_t nBlock = 512,
               double dSpeed = 1, bool fFreewheeling = false)
     {
@@ -101,7 +101,7 @@ public:
             Process({true, fFreewheeling, dSpeed, dPosition + nDone}, nNow);
         }
     }
-    // A block that holds what stands at its place.
+    /// A block that holds what stands at its place.
     void Process(const Tarvane::CTransport& transport, std::uint32_t nFrames)
     {
         std::vector<std::vector<float>> samples(m_nChannels, std::vector<float>(nFrames));
@@ -137,13 +137,13 @@ public:
         return Set(TNProperty_ElementDone, TNElementAck{nElement, 1, fNotDelivered, 1});
     }
 
-    // Waits, woken by every notification, for a state that is sure to come.
+    /// Waits, woken by every notification, for a state that is sure to come.
     void WaitFor(const std::function<bool()>& fReached)
     {
         std::unique_lock lock(m_mutex);
         EXPECT_TRUE(m_heard.wait_for(lock, std::chrono::seconds(60), fReached));
     }
-    // The takes that were published, once there are that many.
+    /// The takes that were published, once there are that many.
     std::vector<Tarvane::CTake> Published(std::size_t nTakes)
     {
         WaitFor([&] { return m_published.size() >= nTakes; });
@@ -171,7 +171,7 @@ public:
         return m_log;
     }
 
-    // Called on the notifying thread, after the notification has been noted.
+    /// Called on the notifying thread, after the notification has been noted.
     std::function<void(std::uint32_t)> onNotification;
 
     CTemporaryFolder captures;

@@ -6,7 +6,7 @@
 namespace TarvaneTests
 {
 
-// Allocations by operator new of this program since its start, on any thread.
+/// Allocations by operator new of this program since its start, on any thread.
 size_t AllocationCount();
 
 } // namespace TarvaneTests

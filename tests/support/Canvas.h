@@ -24,20 +24,20 @@ constexpr Pixel kRed = {255, 0, 0};
 constexpr Pixel kGreen = {0, 255, 0};
 constexpr Pixel kBlue = {0, 0, 255};
 
-// Whether no component differs by more.
+/// Whether no component differs by more.
 bool IsNear(Pixel a, Pixel b, int nMost = 3);
 
-// Pixels by their place from the visual top left, whichever way the view's y axis runs.
+/// Pixels by their place from the visual top left, whichever way the view's y axis runs.
 class Picture
 {
   public:
-    // What is shown now of a view that has the focus.
+    /// What is shown now of a view that has the focus.
     explicit Picture(NSRect rect);
 
     int Width() const { return m_nWidth; }
     int Height() const { return m_nHeight; }
     Pixel At(int x, int y) const { return m_pixels.at(size_t(y) * m_nWidth + x); }
-    // Where no pixel is unlike the ground, an empty rectangle.
+    /// Where no pixel is unlike the ground, an empty rectangle.
     NSRect BoxOfAllBut(Pixel ground) const;
     int Count(Pixel pixel) const;
     bool operator==(const Picture&) const = default;
@@ -48,7 +48,7 @@ class Picture
     std::vector<Pixel> m_pixels;
 };
 
-// A white view in a window without a frame. The application object must be there.
+/// A white view in a window without a frame. The application object must be there.
 class Canvas
 {
   public:
@@ -57,12 +57,12 @@ class Canvas
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
 
-    // The canvas has the focus as long as it lives.
+    /// The canvas has the focus as long as it lives.
     CGContextRef Context() const;
     bool IsFlipped() const { return [m_view isFlipped]; }
     Picture Take() const { return Picture([m_view bounds]); }
 
-    // Put on the canvas in its lower left corner, shown, photographed and taken off again.
+    /// Put on the canvas in its lower left corner, shown, photographed and taken off again.
     Picture TakeView(NSView* view) const;
 
   private:

@@ -4,23 +4,23 @@
 namespace TarvaneTests
 {
 
-// Compares with the moment of its making. Main thread, with all others at rest.
+/// Compares with the moment of its making. Main thread, with all others at rest.
 class CGrowth
 {
 public:
     CGrowth();
 
-    // Objective-C objects that live. Those are counted that were made after the first object of
-    // this class in the process.
+    /// Objective-C objects that live. Those are counted that were made after the first object of
+    /// this class in the process.
     long Objects() const;
 
-    // Of the heap, by its own books: what a sanitizer keeps for itself is not in it.
+    /// Of the heap, by its own books: what a sanitizer keeps for itself is not in it.
     long Bytes() const;
 
-    // Open files, pipes and sockets.
+    /// Open files, pipes and sockets.
     long Descriptors() const;
 
-    // Of the display, the process's own and others'.
+    /// Of the display, the process's own and others'.
     long Windows() const;
 
 private:

@@ -8,13 +8,13 @@
 namespace TarvaneTests
 {
 
-// A session bus of a test's own, on a fixed path in a fresh folder, so that it can be killed and
-// come back at the same address. While the object lives, DBUS_SESSION_BUS_ADDRESS of this process,
-// and so of the children that it starts, names this bus. One at a time.
+/// A session bus of a test's own, on a fixed path in a fresh folder, so that it can be killed and
+/// come back at the same address. While the object lives, DBUS_SESSION_BUS_ADDRESS of this process,
+/// and so of the children that it starts, names this bus. One at a time.
 class PrivateBus
 {
 public:
-    // Starts the daemon and returns when it takes connections.
+    /// Starts the daemon and returns when it takes connections.
     PrivateBus();
     ~PrivateBus();
     PrivateBus(const PrivateBus&) = delete;
@@ -28,7 +28,7 @@ public:
 
     pid_t DaemonPid() const { return m_daemon->Pid(); }
 
-    // A bus that takes connections and bytes but answers nothing.
+    /// A bus that takes connections and bytes but answers nothing.
     void Freeze() { m_daemon->Stop(); }
     void Thaw() { m_daemon->Continue(); }
 
@@ -37,7 +37,7 @@ private:
     std::string m_address;
     std::string m_previousAddress;
     bool m_fHadAddress = false;
-    std::optional<Tarvane::CChildProcess> m_daemon; // empty while the bus is away
+    std::optional<Tarvane::CChildProcess> m_daemon; ///< empty while the bus is away
 };
 
 } // namespace TarvaneTests

@@ -13,8 +13,8 @@ namespace TarvaneTests
 class ReplacedMethod
 {
 public:
-    // An instance method of the class, or, with object_getClass, one of the class's own. The
-    // function, a lambda without captures, takes the receiver and the selector first.
+    /// An instance method of the class, or, with object_getClass, one of the class's own. The
+    /// function, a lambda without captures, takes the receiver and the selector first.
     template <typename Function>
     ReplacedMethod(Class owner, SEL selector, Function function)
         : m_method(class_getInstanceMethod(owner, selector))

@@ -125,7 +125,7 @@ std::vector<std::string> ScriptedAppleEvents::Scripts() const
     return scripts;
 }
 
-/// Writes a call down and answers the failure that is due, or noErr.
+// Writes a call down and answers the failure that is due, or noErr.
 OSErr ScriptedAppleEvents::Note(Call call, std::string line, Bytes bytes)
 {
     m_records.push_back({call, std::move(line), std::move(bytes)});

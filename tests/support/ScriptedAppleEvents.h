@@ -66,7 +66,7 @@ public:
     {
         Call m_call;
         std::string m_line;
-        Bytes m_bytes; // what the caller handed over
+        Bytes m_bytes; ///< what the caller handed over
     };
 
     /// A command as it arrived at the server.

@@ -47,9 +47,9 @@ public:
         std::string m_line;
         AudioUnit m_pUnit = nullptr;
         AudioUnitPropertyID m_nProperty = 0;
-        Bytes m_bytes; // what a Set handed over
+        Bytes m_bytes; ///< what a Set handed over
         void (*m_pCallback)() = nullptr;
-        void* m_pUserData = nullptr; // NotifyEvent: the sending object
+        void* m_pUserData = nullptr; ///< NotifyEvent: the sending object
         const void* m_pListener = nullptr;
         CFRunLoopRef m_runLoop = nullptr;
         AudioUnitEvent m_event = {};
@@ -126,10 +126,10 @@ private:
 
     void Note(Record record);
 
-    mutable std::mutex m_mutex; // of the values and the records
+    mutable std::mutex m_mutex; ///< of the values and the records
     std::map<std::pair<AudioUnitPropertyID, AudioUnitElement>, Bytes> m_values;
     std::vector<Record> m_records;
-    mutable std::shared_mutex m_listenersMutex; // held shared while listeners run
+    mutable std::shared_mutex m_listenersMutex; ///< held shared while listeners run
     std::vector<Listener> m_listeners;
     OSStatus m_nCreateStatus = 0;
     OSStatus m_nDisposeStatus = 0;

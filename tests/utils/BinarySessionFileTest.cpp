@@ -60,7 +60,7 @@ protected:
     std::ptrdiff_t m_nOpen = 0;
 };
 
-/// Permissions bind everybody while this lives, the superuser too.
+// Permissions bind everybody while this lives, the superuser too.
 class CAnybody
 {
 public:

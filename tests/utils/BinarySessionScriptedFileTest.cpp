@@ -18,7 +18,7 @@ struct Script
 {
     unsigned long nLength = 0;
     std::string bytes;
-    std::string failAt; ///< The operation that raises a file failure.
+    std::string failAt; // The operation that raises a file failure.
     bool fForeign = false;
     std::vector<std::string> calls;
     int nAlive = 0;
@@ -52,7 +52,7 @@ protected:
 };
 } // namespace
 
-/// What a load asks for its buffer.
+// What a load asks for its buffer.
 void* operator new[](std::size_t nSize, const std::nothrow_t&) noexcept
 {
     return fNoBuffer ? nullptr : ::operator new[](nSize);

@@ -40,7 +40,7 @@ std::string Example()
         .U32(9);
 }
 
-/// A header alone.
+// A header alone.
 Bytes Header(std::uint32_t nTableSize, std::uint32_t nNames)
 {
     return Bytes().Magic().U32(100).U32(nTableSize).U32(nNames);
@@ -60,7 +60,7 @@ SessionCodec::Node Value(unsigned nType, std::uint32_t nToken, const std::string
     return node;
 }
 
-/// The tree of a decoded session, as the product would hold it.
+// The tree of a decoded session, as the product would hold it.
 void Build(const SessionCodec::Session& session, const SessionCodec::Node& node,
            CParameterBlock& block)
 {
@@ -109,7 +109,7 @@ void Build(const SessionCodec::Session& session, const SessionCodec::Node& node,
     }
 }
 
-/// Any tree of the types that can be written; names have tokens from 0 to nNames.
+// Any tree of the types that can be written; names have tokens from 0 to nNames.
 SessionCodec::Node RandomTree(std::mt19937& random, std::uint32_t nNames, int nDepth)
 {
     SessionCodec::Node node;

@@ -30,8 +30,8 @@ void RunOnASmallStack(const std::function<void()>& body)
     pthread_attr_destroy(&attributes);
 }
 
-/// Blocks nested kDepth deep. fSiblings: each has a value in front of its nested block and one
-/// behind, so that every level has something left to do.
+// Blocks nested kDepth deep. fSiblings: each has a value in front of its nested block and one
+// behind, so that every level has something left to do.
 std::string DeepSession(bool fSiblings)
 {
     const std::string value = Bytes().U32(7).U8(2).U8(1);

@@ -9,7 +9,7 @@
 
 namespace
 {
-/// Counts how many of it are alive.
+// Counts how many of it are alive.
 class CCounted : public CParameter
 {
 public:
@@ -24,7 +24,7 @@ public:
 };
 int CCounted::nAlive = 0;
 
-/// One parameter of every class, "none" and all.
+// One parameter of every class, "none" and all.
 void AddEverything(CParameterBlock& block)
 {
     CParameterBlock nested;

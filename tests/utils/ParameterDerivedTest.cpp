@@ -17,7 +17,7 @@ struct Calls
 };
 Calls calls;
 
-/// Writes its value twice.
+// Writes its value twice.
 class CTwice : public CIntParameter
 {
 public:
@@ -36,7 +36,7 @@ public:
     }
 };
 
-/// Of a tag of its own.
+// Of a tag of its own.
 class CForeign : public CParameter
 {
 public:
@@ -52,7 +52,7 @@ public:
     CParameter& operator=(CParameter&) override { return *this; }
 };
 
-/// Hides its contents.
+// Hides its contents.
 class CSealed : public CParameterBlock
 {
 public:
@@ -65,7 +65,7 @@ public:
     }
 };
 
-/// Says that it has written less, or more, than its size.
+// Says that it has written less, or more, than its size.
 class CImprecise : public CTwice
 {
 public:

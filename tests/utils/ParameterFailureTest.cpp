@@ -17,7 +17,7 @@ constexpr int kNever = INT_MAX;
 int nAllocationsLeft = kNever;
 long nAlive = 0;
 
-/// True where this allocation is to fail.
+// True where this allocation is to fail.
 bool CountDown()
 {
     return nAllocationsLeft != kNever && nAllocationsLeft-- <= 0;
@@ -25,7 +25,7 @@ bool CountDown()
 
 constexpr const char* kLongText = "a text of more than fifteen bytes";
 
-/// Blocks with siblings on several levels, so that every walk has to remember where it was.
+// Blocks with siblings on several levels, so that every walk has to remember where it was.
 void FillNested(CParameterBlock& root)
 {
     CParameterBlock inner, middle;
@@ -41,8 +41,8 @@ void FillNested(CParameterBlock& root)
     }
 }
 
-/// Runs the body with its first allocation failing, then the second, until none is left to fail;
-/// afterFailure looks at what is left, and then clean sets all back. Returns how many there were.
+// Runs the body with its first allocation failing, then the second, until none is left to fail;
+// afterFailure looks at what is left, and then clean sets all back. Returns how many there were.
 template <class Body, class AfterFailure, class Clean>
 int FailEachAllocation(Body&& body, AfterFailure&& afterFailure, Clean&& clean)
 {
@@ -96,7 +96,7 @@ void operator delete(void* p, std::size_t) noexcept
     operator delete(p);
 }
 
-/// Where slabs come from.
+// Where slabs come from.
 extern "C" int posix_memalign(void** ppMemory, std::size_t nAlignment, std::size_t nSize) noexcept
 {
     using Function = int(void**, std::size_t, std::size_t);

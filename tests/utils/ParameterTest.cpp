@@ -40,7 +40,7 @@ template <class Parameter> void ExpectFlat(Parameter&& parameter, const std::str
     }
 }
 
-/// Reads a name and a payload with every number of bytes missing at the end.
+// Reads a name and a payload with every number of bytes missing at the end.
 template <class Parameter> void ExpectShortValueStays(const std::string& payload)
 {
     const std::string name = Bytes().Counted("N");

@@ -34,7 +34,7 @@ private:
                      AudioUnitElement);
 
     AudioUnit m_pUnit;
-    mutable std::mutex m_mutex; // guards all below
+    mutable std::mutex m_mutex; ///< guards all below
     std::map<AudioUnitPropertyID, std::size_t> m_counts;
     std::map<AudioUnitPropertyID, std::set<std::thread::id>> m_threads;
 };

@@ -1,4 +1,4 @@
-/// The plug-in under examination, as it shows itself to a view.
+// The plug-in under examination, as it shows itself to a view.
 #pragma once
 
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
@@ -67,7 +67,7 @@ public:
     /// Throws CNotExaminable when it is not armed in time.
     void Arm() const;
 
-    /// Arms and plays. Throw CNotExaminable when that cannot be done.
+    // Arms and plays. Throw CNotExaminable when that cannot be done.
 
     /// Waits for nothing.
     void Play() const;

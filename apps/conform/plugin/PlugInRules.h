@@ -1,4 +1,4 @@
-/// The property contract: what the view needs of a plug-in's signal side.
+// The property contract: what the view needs of a plug-in's signal side.
 #pragma once
 
 #include "apps/conform/plugin/PlugInPeer.h"

@@ -53,7 +53,7 @@ OSStatus GiveView(void* pData, UInt32* pnSize)
     return noErr;
 }
 
-/// A unit that tells hosts where its view is: in the bundle beside this library.
+// A unit that tells hosts where its view is: in the bundle beside this library.
 template <typename Unit> class UnitWithView : public Unit
 {
 public:
@@ -85,7 +85,7 @@ private:
     }
 };
 
-/// Does from the first what has been asked for.
+// Does from the first what has been asked for.
 class CAskedUnit : public UnitWithView<Tarvane::CFaultyUnit>
 {
 public:

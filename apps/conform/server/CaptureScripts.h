@@ -1,4 +1,4 @@
-/// Deliveries as the link makes them, and what becomes of them on a server's track.
+// Deliveries as the link makes them, and what becomes of them on a server's track.
 #pragma once
 
 #include "apps/conform/server/ServerRules.h"
@@ -30,7 +30,7 @@ std::string Told(const Place& place);
 /// The body of a script that adds the capture at its position as it is.
 std::string AddingScript(int nTrack, const Capture& capture);
 
-/// All the following throw CBroken when the server does not answer as it must.
+// All the following throw CBroken when the server does not answer as it must.
 
 int TrackCount(const ServerBench& bench);
 double RegionCount(const ServerBench& bench, int nTrack);

@@ -1,4 +1,4 @@
-/// The server under examination, as it shows itself on the bus.
+// The server under examination, as it shows itself on the bus.
 #pragma once
 
 #include "apps/conform/shared/Rule.h"
@@ -43,7 +43,7 @@ public:
     /// Makes it the last: one that did not go through here.
     void Remember(ScriptExchange exchange) const { m_last = std::move(exchange); }
 
-    /// The next three throw CBroken when no reply comes, or one that the link cannot read.
+    // The next three throw CBroken when no reply comes, or one that the link cannot read.
 
     /// What the script printed. The script may fail.
     std::string Printed(const std::string& strScript) const;
@@ -52,8 +52,8 @@ public:
     /// The error of a script; empty without one.
     std::string Error(const std::string& strScript) const;
 
-    /// A script on the document that the view works on. Throw as above, and CNotExaminable where
-    /// no document can be selected.
+    // A script on the document that the view works on. Throw as above, and CNotExaminable where
+    // no document can be selected.
 
     /// The one line that the body prints.
     std::string Line(const std::string& strBody) const;

@@ -1,4 +1,4 @@
-/// The server under examination as a process: what the bus and the system know of it.
+// The server under examination as a process: what the bus and the system know of it.
 #pragma once
 
 #include <chrono>

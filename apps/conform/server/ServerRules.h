@@ -1,4 +1,4 @@
-/// The script contract: what the link needs of a server.
+// The script contract: what the link needs of a server.
 #pragma once
 
 #include "apps/conform/server/ServerPeer.h"

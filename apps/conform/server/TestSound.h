@@ -1,4 +1,4 @@
-/// Sound files that no track holds yet.
+// Sound files that no track holds yet.
 #pragma once
 
 #include "apps/conform/shared/WorkFolder.h"

@@ -10,7 +10,7 @@ namespace Tarvane::Conform
 /// "kept", "broken" or "not examined".
 const char* NameOf(Outcome outcome);
 
-/// szParty: "server" or "plug-in".
+// szParty: "server" or "plug-in".
 
 /// What is kept, a line a rule; what was not examined, a line a reason; last what is broken, with
 /// what was seen, sent and answered, and why it matters, and a summary.

@@ -1,4 +1,4 @@
-/// What the neighbours of the view have to keep, and what an examination found.
+// What the neighbours of the view have to keep, and what an examination found.
 #pragma once
 
 #include <stdexcept>

@@ -12,7 +12,7 @@ class CTarvaneScript;
 namespace Tarvane::Link
 {
 
-// Throw CUsageError for what cannot be sent.
+/// Throw CUsageError for what cannot be sent.
 using Command = Answer (*)(CTarvaneScript& link, const Options& options);
 
 Answer Tracks(CTarvaneScript& link, const Options& options);
@@ -26,13 +26,13 @@ Answer Align(CTarvaneScript& link, const Options& options);
 Answer Spread(CTarvaneScript& link, const Options& options);
 Answer Clear(CTarvaneScript& link, const Options& options);
 Answer Run(CTarvaneScript& link, const Options& options);
-// Lists the takes of this machine, sends one by hand, or forgets one; the files stay.
+/// Lists the takes of this machine, sends one by hand, or forgets one; the files stay.
 Answer Takes(CTarvaneScript& link, const Options& options);
 
-// Null when there is no such command.
+/// Null when there is no such command.
 Command FindCommand(const std::string& strName);
 
-// A line for each track: its place, a tab, its name.
+/// A line for each track: its place, a tab, its name.
 std::string TrackLines(const std::vector<std::string>& tracks);
 
 } // namespace Tarvane::Link

@@ -7,12 +7,12 @@
 namespace Tarvane::Link
 {
 
-// In the order in which one thing stands on another; ends at what nothing else can stand on, such
-// as a server that does not answer. Changes nothing in the server. Throws CUsageError for a capture
-// folder that cannot be one.
+/// In the order in which one thing stands on another; ends at what nothing else can stand on, such
+/// as a server that does not answer. Changes nothing in the server. Throws CUsageError for a
+/// capture folder that cannot be one.
 Findings Examine(const Options& options);
 
-// Examines and prints the findings; returns the exit code.
+/// Examines and prints the findings; returns the exit code.
 int Doctor(const Options& options);
 
 } // namespace Tarvane::Link

@@ -7,14 +7,14 @@
 namespace Tarvane::Link
 {
 
-// Noise, so that no track holds the same. Removed with the object.
+/// Noise, so that no track holds the same. Removed with the object.
 class CProbeSound
 {
 public:
     static constexpr int kFrames = 100;
 
-    // Under a name in the folder that nobody has. Throws std::runtime_error, in words for the user,
-    // when it cannot be written.
+    /// Under a name in the folder that nobody has. Throws std::runtime_error, in words for the
+    /// user, when it cannot be written.
     explicit CProbeSound(const std::filesystem::path& folder);
     ~CProbeSound() { Remove(); }
     CProbeSound(const CProbeSound&) = delete;

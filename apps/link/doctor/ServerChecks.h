@@ -7,20 +7,20 @@
 namespace Tarvane::Link
 {
 
-// Is it there, and does text come back as it went?
+/// Is it there, and does text come back as it went?
 Finding CheckServer(const CExaminer& examiner);
-// Which version does it say that it is?
+/// Which version does it say that it is?
 Finding CheckVersion(const CExaminer& examiner);
-// What does it answer when nothing is printed?
+/// What does it answer when nothing is printed?
 Finding CheckSilence(const CExaminer& examiner);
-// Does it report the errors of scripts?
+/// Does it report the errors of scripts?
 Finding CheckErrors(const CExaminer& examiner);
 Finding CheckSpeed(const CExaminer& examiner);
-// Which functions of the contract does it lack?
+/// Which functions of the contract does it lack?
 Finding CheckFunctions(const CExaminer& examiner);
-// Is there a document to work on?
+/// Is there a document to work on?
 Finding CheckDocument(const CExaminer& examiner);
-// Does it work at the host's rate?
+/// Does it work at the host's rate?
 Finding CheckRates(const CExaminer& examiner);
 
 } // namespace Tarvane::Link

@@ -6,7 +6,7 @@
 namespace Tarvane::Link
 {
 
-// Those of a running host are its own affair. Asks no server.
+/// Those of a running host are its own affair. Asks no server.
 Finding CheckTakes();
 
 } // namespace Tarvane::Link

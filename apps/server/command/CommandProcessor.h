@@ -28,72 +28,72 @@
 namespace Tarvane::Server
 {
 
-// What the error of a change that did not get to the disk begins with.
+/// What the error of a change that did not get to the disk begins with.
 inline const std::string kNotSaved = "nothing was changed, for the session could not be saved: ";
 
 struct CommandReply
 {
     std::string strResult;
-    std::string strError;  // empty for none
-    bool fRefused = false; // a change was asked for and not made: there is no result, not even an
-                           // empty one
-    bool fChanged = false; // the session is another one because of this command
+    std::string strError;  ///< empty for none
+    bool fRefused = false; ///< a change was asked for and not made: there is no result, not even an
+                           ///< empty one
+    bool fChanged = false; ///< the session is another one because of this command
 };
 
-// What is amiss with a server while it runs a command, on request.
+/// What is amiss with a server while it runs a command, on request.
 struct Trouble
 {
-    bool fNoDocument = false;                // as with no document open
-    std::optional<std::int64_t> frozenCount; // what GetUpdateCount answers
-    FunctionFaults faults{};                 // of the functions that scripts call
+    bool fNoDocument = false;                ///< as with no document open
+    std::optional<std::int64_t> frozenCount; ///< what GetUpdateCount answers
+    FunctionFaults faults{};                 ///< of the functions that scripts call
 };
 
-// What scripts may do to the session.
+/// What scripts may do to the session.
 struct Access
 {
-    bool fReadOnly = false; // change nothing
-    bool fNoDelete = false; // delete nothing
+    bool fReadOnly = false; ///< change nothing
+    bool fNoDelete = false; ///< delete nothing
 };
 
-// A command that has run. What it changed is not there for others yet.
+/// A command that has run. What it changed is not there for others yet.
 struct Execution
 {
-    CommandReply reply;            // fChanged: there is something to conclude
-    std::int64_t nUpdateCount = 0; // of the session as the command leaves it
-    bool fConflict = false;        // nothing was done: the command is to be run again
+    CommandReply reply;            ///< fChanged: there is something to conclude
+    std::int64_t nUpdateCount = 0; ///< of the session as the command leaves it
+    bool fConflict = false;        ///< nothing was done: the command is to be run again
 };
 
-// Any one thread.
+/// Any one thread.
 class CCommandProcessor
 {
 public:
-    // The database must outlive the object, and is the object's while it lives. The folder is for
-    // exported and rendered audio.
+    /// The database must outlive the object, and is the object's while it lives. The folder is for
+    /// exported and rendered audio.
     CCommandProcessor(CSessionDatabase& database, CRenderFolder folder, bool fHasDocuments,
                       const SandboxLimits& limits = {}, const Access& access = {});
 
-    // From now on what changes goes to an editor first; what that does not take is not changed. The
-    // feed must outlive the object.
+    /// From now on what changes goes to an editor first; what that does not take is not changed.
+    /// The feed must outlive the object.
     void FeedInto(CEditorFeed& feed) { m_pFeed = &feed; }
 
-    // The two steps of a command. Conclude saves what has changed, and tells in the execution what
-    // is to be answered; it follows wherever Execute says that something has.
+    /// The two steps of a command. Conclude saves what has changed, and tells in the execution what
+    /// is to be answered; it follows wherever Execute says that something has.
     Execution Execute(std::string_view strScript, const Trouble& trouble);
     void Conclude(Execution& execution);
 
-    // Both. A command in conflict with another is not run again, and changes nothing.
+    /// Both. A command in conflict with another is not run again, and changes nothing.
     CommandReply Run(std::string_view strScript, const Trouble& trouble = {});
 
-    // From now on functions that change fail with this text; empty: they do not.
+    /// From now on functions that change fail with this text; empty: they do not.
     void RefuseChanges(const std::string& strWhy) { m_strRefusal = strWhy; }
 
 private:
     std::vector<ScriptFunction> Functions(CScriptContext& context, const Trouble& trouble);
     ScriptResult RunInSession(std::string_view strScript, const Trouble& trouble);
-    // A function whose failures to read and to write are known of, whatever the script makes of
-    // them.
+    /// A function whose failures to read and to write are known of, whatever the script makes of
+    /// them.
     void Watch(ScriptFunction& function);
-    // Empty when the editor has what is new, or there is none.
+    /// Empty when the editor has what is new, or there is none.
     std::string EditorError();
 
     CSessionDatabase& m_database;
@@ -103,7 +103,7 @@ private:
     SandboxLimits m_limits;
     Access m_access;
     std::string m_strRefusal;
-    std::string m_strFailure; // of the database in this command; empty for none
+    std::string m_strFailure; ///< of the database in this command; empty for none
     bool m_fConflict = false;
 };
 

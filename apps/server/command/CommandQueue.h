@@ -27,46 +27,46 @@ namespace Tarvane::Server
 
 struct Command
 {
-    std::int64_t nClient = 0; // whoever sends has one number
+    std::int64_t nClient = 0; ///< whoever sends has one number
     std::string strScript;
-    // Asked when the command's turn comes: what is amiss then. May throw; the text is the answer.
+    /// Asked when the command's turn comes: what is amiss then. May throw; the text is the answer.
     std::function<Trouble()> begin;
-    // Told once what is to be answered, when what the command changed is on disk.
+    /// Told once what is to be answered, when what the command changed is on disk.
     std::function<void(const CommandReply&)> end;
 };
 
 struct QueueLimits
 {
     std::chrono::milliseconds turn{100};
-    // While it runs; waiting for others does not count, nor does saving.
+    /// While it runs; waiting for others does not count, nor does saving.
     std::chrono::milliseconds longest{20'000};
-    std::size_t nWaitingBytes = 64 << 20; // of scripts that wait
+    std::size_t nWaitingBytes = 64 << 20; ///< of scripts that wait
 };
 
-// Main thread, in its run loop.
+/// Main thread, in its run loop.
 class CCommandQueue
 {
 public:
-    // Begins with a worker on the session that the settings name.
+    /// Begins with a worker on the session that the settings name.
     explicit CCommandQueue(const WorkerSettings& settings, const QueueLimits& limits = {});
     ~CCommandQueue();
     CCommandQueue(const CCommandQueue&) = delete;
     CCommandQueue& operator=(const CCommandQueue&) = delete;
 
-    // The command is answered at once when too much is waiting.
+    /// The command is answered at once when too much is waiting.
     void Add(Command command);
 
-    // Of the session, as far as commands have been answered.
+    /// Of the session, as far as commands have been answered.
     std::int64_t UpdateCount() const { return m_nUpdateCount; }
 
-    // While held, commands that change wait in the middle; questions are answered.
+    /// While held, commands that change wait in the middle; questions are answered.
     void HoldChanges();
     void LetChanges();
-    // Ends all that runs, has change done to the session without any connection open, and begins
-    // what ran anew on the session that change returns settings for.
+    /// Ends all that runs, has change done to the session without any connection open, and begins
+    /// what ran anew on the session that change returns settings for.
     void StartOver(const std::function<WorkerSettings()>& change);
-    // Changes the session behind the clients' backs. Throws, and changes nothing, when it cannot be
-    // saved.
+    /// Changes the session behind the clients' backs. Throws, and changes nothing, when it cannot
+    /// be saved.
     void Change(const std::function<void(CSessionDatabase&)>& change);
 
 private:
@@ -75,22 +75,22 @@ private:
     struct Waiting
     {
         Command command;
-        bool fAlone = false; // has met with a change of others before
+        bool fAlone = false; ///< has met with a change of others before
     };
 
-    // A command on its worker.
+    /// A command on its worker.
     struct Running
     {
         Command command;
         bool fAlone = false;
         std::unique_ptr<CScriptWorker> pWorker;
         std::unique_ptr<CReadWatch> pWatch;
-        Clock::duration before{}; // that it has run until it was stopped last
+        Clock::duration before{}; ///< that it has run until it was stopped last
         Clock::time_point since;
         bool fStopped = false;
-        bool fLong = false;    // its turn is over
-        bool fBlocked = false; // waits for others to end their change
-        bool fAgain = false;   // was ended to make room
+        bool fLong = false;    ///< its turn is over
+        bool fBlocked = false; ///< waits for others to end their change
+        bool fAgain = false;   ///< was ended to make room
     };
     using Runs = std::list<Running>;
 
@@ -116,7 +116,7 @@ private:
     bool m_fHeld = false;
     std::deque<Waiting> m_waiting;
     std::size_t m_nWaitingBytes = 0;
-    std::deque<std::int64_t> m_served; // clients, the one served longest ago first
+    std::deque<std::int64_t> m_served; ///< clients, the one served longest ago first
     Runs m_running;
     std::unique_ptr<CScriptWorker> m_pIdle;
     CLoopTimer m_timer;

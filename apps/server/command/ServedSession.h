@@ -12,7 +12,7 @@
 namespace Tarvane::Server
 {
 
-// What tells a file from another under the same name; 0 for none.
+/// What tells a file from another under the same name; 0 for none.
 struct FileIdentity
 {
     std::uint64_t nDevice = 0;
@@ -23,26 +23,26 @@ struct FileIdentity
 };
 FileIdentity IdentityOf(const std::filesystem::path& file);
 
-// Any one thread.
+/// Any one thread.
 class CServedSession
 {
 public:
-    // Opens the file, if it is the one that the identity says. nServer names copies.
+    /// Opens the file, if it is the one that the identity says. nServer names copies.
     CServedSession(std::filesystem::path file, FileIdentity identity, std::int64_t nServer);
 
-    // To be called before each command. A file that is gone is made anew from what is open. One
-    // that another program has put in its place stays, and a copy of what is open goes beside it,
-    // to
-    // "<name>.kept-<server>".
+    /// To be called before each command. A file that is gone is made anew from what is open. One
+    /// that another program has put in its place stays, and a copy of what is open goes beside it,
+    /// to
+    /// "<name>.kept-<server>".
     void Look();
-    // Whether the file under the name is still the open one.
+    /// Whether the file under the name is still the open one.
     bool IsOurs() const { return IdentityOf(m_file) == m_identity; }
 
-    // Null when the session could not be opened; Refusal says why.
+    /// Null when the session could not be opened; Refusal says why.
     CSessionDatabase* Database() { return m_pDatabase.get(); }
-    // Why nothing can be changed; empty while it can.
+    /// Why nothing can be changed; empty while it can.
     const std::string& Refusal() const { return m_strRefusal; }
-    // Of the file that belongs to the session now.
+    /// Of the file that belongs to the session now.
     FileIdentity Identity() const { return m_identity; }
 
 private:

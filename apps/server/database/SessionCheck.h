@@ -13,15 +13,15 @@
 namespace Tarvane::Server
 {
 
-// A process that has a connection of its own, and the right to change the session until it is done.
-// Main thread, in its run loop.
+/// A process that has a connection of its own, and the right to change the session until it is
+/// done. Main thread, in its run loop.
 class CSessionCheck
 {
 public:
-    // On return nobody else can change the session. Done is called once, with the flaw that was
-    // found, and may destroy the object. A check that could not be done finds none, and says why on
-    // the standard error stream. No connection may be open in this process. Throws
-    // std::system_error.
+    /// On return nobody else can change the session. Done is called once, with the flaw that was
+    /// found, and may destroy the object. A check that could not be done finds none, and says why
+    /// on the standard error stream. No connection may be open in this process. Throws
+    /// std::system_error.
     CSessionCheck(const std::filesystem::path& file,
                   std::function<void(const std::optional<std::string>&)> done);
     ~CSessionCheck();

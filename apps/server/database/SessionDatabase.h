@@ -26,87 +26,87 @@
 namespace Tarvane::Server
 {
 
-// Another command has changed the session since this one began, or is about to. Nothing of this one
-// is kept; it may be run again.
+/// Another command has changed the session since this one began, or is about to. Nothing of this
+/// one is kept; it may be run again.
 class CSessionConflict : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-// The file is no database at all; it may be of an earlier form.
+/// The file is no database at all; it may be of an earlier form.
 class CNoDatabase : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-// One connection. Any one thread. A connection must not cross a fork, nor may one be open in a
-// process that forks another which opens the same file.
+/// One connection. Any one thread. A connection must not cross a fork, nor may one be open in a
+/// process that forks another which opens the same file.
 class CSessionDatabase
 {
 public:
-    // Opens the database in the file. Throws CNoDatabase, CSessionFlaw for one that holds no
-    // session and CSessionTooNew. Only what every command needs is looked at; Flaw looks at all.
+    /// Opens the database in the file. Throws CNoDatabase, CSessionFlaw for one that holds no
+    /// session and CSessionTooNew. Only what every command needs is looked at; Flaw looks at all.
     explicit CSessionDatabase(const std::filesystem::path& file);
-    // A new one in memory with this content.
+    /// A new one in memory with this content.
     explicit CSessionDatabase(const CSession& content);
     CSessionDatabase(const CSessionDatabase&) = delete;
     CSessionDatabase& operator=(const CSessionDatabase&) = delete;
 
-    // Makes a new database of this content in the file, which is not there yet, nor are its
-    // "-wal" and "-shm". On return it is closed, whole, and not yet on disk.
+    /// Makes a new database of this content in the file, which is not there yet, nor are its
+    /// "-wal" and "-shm". On return it is closed, whole, and not yet on disk.
     static void Make(const std::filesystem::path& file, const CSession& content);
-    // Gives a copy (CopyTo) the write-ahead log that every session has.
+    /// Gives a copy (CopyTo) the write-ahead log that every session has.
     static void UseLog(const std::filesystem::path& file);
-    // All that is in the file, which is not touched. Throws as the constructor does, and
-    // CSessionFlaw for what is not sound.
+    /// All that is in the file, which is not touched. Throws as the constructor does, and
+    /// CSessionFlaw for what is not sound.
     static CSession Load(const std::filesystem::path& file);
 
-    // What is wrong with the pages, rows and references of the file; takes time that grows with it.
-    // While it looks nobody can change the session; locked is called when that is so.
+    /// What is wrong with the pages, rows and references of the file; takes time that grows with
+    /// it. While it looks nobody can change the session; locked is called when that is so.
     std::optional<std::string> Flaw(const std::function<void()>& locked = [] {});
 
-    // A command sees the session as it is at Begin. What it changes is there for others after
-    // Commit, or never. Reads outside of a command see the latest state.
+    /// A command sees the session as it is at Begin. What it changes is there for others after
+    /// Commit, or never. Reads outside of a command see the latest state.
     void Begin();
     void Commit();
     void Rollback();
     bool HasChanged() const { return m_nUpdateCount != m_nCountAtBegin; }
-    // What this command has added or given other audio, and may have deleted since.
+    /// What this command has added or given other audio, and may have deleted since.
     const std::set<std::int64_t>& RegionsWithNewAudio() const { return m_regionsWithNewAudio; }
-    // Called when another connection is in the middle of a change: true to try again.
+    /// Called when another connection is in the middle of a change: true to try again.
     void WhenLocked(std::function<bool()> isToTryAgain)
     {
         m_isToTryAgain = std::move(isToTryAgain);
     }
     std::string Reason(const SQLite::Exception& error) const;
-    // Copies the session to a new file, also when its own file is no longer there. Not in a
-    // command.
+    /// Copies the session to a new file, also when its own file is no longer there. Not in a
+    /// command.
     void CopyTo(const std::filesystem::path& file);
 
-    // Within a command as of its Begin and its own changes; outside as of the last one.
+    /// Within a command as of its Begin and its own changes; outside as of the last one.
     std::int64_t UpdateCount() const { return m_nUpdateCount; }
     double LinkOffset() const { return m_dLinkOffset; }
 
     CSession Content();
 
     std::int64_t TrackCount(DocumentKind kind);
-    // Places count from 0. Empty when there is none.
+    /// Places count from 0. Empty when there is none.
     std::optional<Track> TrackAt(DocumentKind kind, std::int64_t nPlace);
     std::optional<Track> FindTrack(DocumentKind kind, std::int64_t nTrackId);
     std::vector<Track> Tracks(DocumentKind kind);
 
     std::int64_t RegionCount(std::int64_t nTrackId);
-    // The id of the region at a place on its track, kNullId when there is none. Walking up, or
-    // asking for one place again and again, takes no longer on a track of many regions.
+    /// The id of the region at a place on its track, kNullId when there is none. Walking up, or
+    /// asking for one place again and again, takes no longer on a track of many regions.
     std::int64_t RegionAt(std::int64_t nTrackId, std::int64_t nPlace);
     std::optional<Region> FindRegion(DocumentKind kind, std::int64_t nRegionId);
     std::optional<Region> FirstRegion(DocumentKind kind);
-    // The first region of the track that holds any of the timeline's stretch.
+    /// The first region of the track that holds any of the timeline's stretch.
     std::optional<Region> FirstRegionIn(std::int64_t nTrackId, std::int64_t nStart,
                                         std::int64_t nEnd);
-    // Those of a track that begin within a stretch of the timeline, both ends included.
+    /// Those of a track that begin within a stretch of the timeline, both ends included.
     std::vector<Region> RegionsThatBegin(std::int64_t nTrackId, std::int64_t nFirst,
                                          std::int64_t nLast);
 
@@ -115,7 +115,7 @@ public:
     bool HasMarkerArea(DocumentKind kind, std::int64_t nAreaId);
 
     std::int64_t LastProcessId(DocumentKind kind);
-    // What the process made, kNullId for nothing; empty when there is no such process.
+    /// What the process made, kNullId for nothing; empty when there is no such process.
     std::optional<std::int64_t> ProcessRegion(DocumentKind kind, std::int64_t nProcessId);
 
     std::int64_t SelectedRegionId(DocumentKind kind);
@@ -123,25 +123,25 @@ public:
     // The changes. Each counts one update, but for one that changes nothing. They stand in a
     // command.
 
-    // Returns the new track's id.
+    /// Returns the new track's id.
     std::int64_t AddTrack(DocumentKind kind, const std::string& strName);
-    // The track is one of the document; a name is valid.
+    /// The track is one of the document; a name is valid.
     void RenameTrack(std::int64_t nTrackId, const std::string& strName);
-    // To a place in the list, from 0, at most its last; the tracks from there on move up.
+    /// To a place in the list, from 0, at most its last; the tracks from there on move up.
     void MoveTrack(DocumentKind kind, std::int64_t nTrackId, std::int64_t nPlace);
-    // Regions and marker areas of the track go with it, and so do the processes that it takes part
-    // in. Each region counts as a change of its own.
+    /// Regions and marker areas of the track go with it, and so do the processes that it takes part
+    /// in. Each region counts as a change of its own.
     void DeleteTrack(DocumentKind kind, std::int64_t nTrackId);
-    // Gives the region the next id and returns it. It has no flaw (RegionFlaw), and its track is
-    // there.
+    /// Gives the region the next id and returns it. It has no flaw (RegionFlaw), and its track is
+    /// there.
     std::int64_t AddRegion(const Region& region);
     void SelectRegion(DocumentKind kind, std::int64_t nRegionId);
-    // Lets the region play all of another file, without moving it on the timeline or changing its
-    // length.
+    /// Lets the region play all of another file, without moving it on the timeline or changing its
+    /// length.
     void ReplaceAudio(const Region& region, const std::string& strPath);
-    // Whatever named the region names none from then on.
+    /// Whatever named the region names none from then on.
     void DeleteRegion(std::int64_t nRegionId);
-    // Give the new thing the next id and return it. Its tracks are the document's.
+    /// Give the new thing the next id and return it. Its tracks are the document's.
     std::int64_t AddMarkerArea(const MarkerArea& area);
     std::int64_t AddProcess(DocumentKind kind, const Process& process);
     void DeleteMarkerArea(std::int64_t nAreaId);
@@ -150,12 +150,12 @@ public:
 private:
     class CQuery;
 
-    // Of the file, at its head: what program it belongs to, and the version of its tables. 1 and 2
-    // were a text and a binary session.
+    /// Of the file, at its head: what program it belongs to, and the version of its tables. 1 and 2
+    /// were a text and a binary session.
     static constexpr std::int64_t kApplicationId = 'TkNe';
     static constexpr std::int64_t kVersion = 3;
 
-    // A place on a track and the id of what stands there, for the next question.
+    /// A place on a track and the id of what stands there, for the next question.
     struct Cursor
     {
         std::int64_t nTrackId = kNullId;
@@ -172,21 +172,21 @@ private:
     void InsertProcess(DocumentKind kind, const Process& process);
     void RequireSession();
     void ReadCounts();
-    // The first step of every change.
+    /// The first step of every change.
     void TakeLock();
     Document ContentOf(DocumentKind kind);
     void ReadStretches(Process& process);
-    // Of the query's present row, all columns of the table.
+    /// Of the query's present row, all columns of the table.
     static Region ReadRegion(CQuery& query);
     static std::optional<Region> OneRegion(CQuery query);
-    // Of a query's first column; 0 without rows.
+    /// Of a query's first column; 0 without rows.
     static std::int64_t Number(CQuery query);
 
     template <typename... Values> CQuery Query(const char* szText, const Values&... values);
     template <typename... Values> void Change(const char* szText, const Values&... values);
 
     SQLite::Database m_database;
-    std::unordered_map<const char*, std::unique_ptr<SQLite::Statement>> m_statements; // by text
+    std::unordered_map<const char*, std::unique_ptr<SQLite::Statement>> m_statements; ///< by text
     std::optional<SQLite::Transaction> m_transaction;
     std::function<bool()> m_isToTryAgain;
     bool m_fLocked = false;

@@ -8,7 +8,7 @@
 namespace Tarvane::Server
 {
 
-// A statement under way, which is free for the next use when the object goes.
+/// A statement under way, which is free for the next use when the object goes.
 class CSessionDatabase::CQuery
 {
 public:
@@ -18,7 +18,7 @@ public:
     CQuery& operator=(const CQuery&) = delete;
 
     bool Next() { return m_statement.executeStep(); }
-    // Of the present row, columns from 0; null is 0 and empty.
+    /// Of the present row, columns from 0; null is 0 and empty.
     std::int64_t Number(int nColumn) { return m_statement.getColumn(nColumn).getInt64(); }
     double Real(int nColumn) { return m_statement.getColumn(nColumn).getDouble(); }
     std::string Text(int nColumn) { return m_statement.getColumn(nColumn).getString(); }
@@ -29,7 +29,7 @@ private:
 
 std::vector<std::int32_t> ChannelsFromText(const std::string& strText);
 
-// szText is a literal: statements are kept by its address.
+/// szText is a literal: statements are kept by its address.
 template <typename... Values>
 CSessionDatabase::CQuery CSessionDatabase::Query(const char* szText, const Values&... values)
 {

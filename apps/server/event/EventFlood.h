@@ -6,7 +6,7 @@
 namespace Tarvane::Server
 {
 
-// Main thread. Its events have an id of their own, so that they are none of the clients'.
+/// Main thread. Its events have an id of their own, so that they are none of the clients'.
 class CEventFlood
 {
 public:
@@ -15,9 +15,9 @@ public:
     CEventFlood(const CEventFlood&) = delete;
     CEventFlood& operator=(const CEventFlood&) = delete;
 
-    // From now on a number of events is always under way: whichever arrives sends the next. Once
-    // begun, it does not grow by being begun again. The process must be a receiver already. Throws
-    // std::runtime_error when nothing can be received or sent.
+    /// From now on a number of events is always under way: whichever arrives sends the next. Once
+    /// begun, it does not grow by being begun again. The process must be a receiver already. Throws
+    /// std::runtime_error when nothing can be received or sent.
     void Begin(OSType nSignature);
 
 private:

@@ -21,15 +21,15 @@
 namespace Tarvane::Server
 {
 
-// Where a fault that takes its time spends it. Both return early when the process is asked to end.
+/// Where a fault that takes its time spends it. Both return early when the process is asked to end.
 struct FaultWaits
 {
     std::function<void()> untilEnd;
     std::function<void()> delay;
 };
 
-// Main thread. Events go through a queue (CommandQueue.h) and are answered when their turn has come
-// and their script has run. Installed from Install to its end. What it is given must outlive it.
+/// Main thread. Events go through a queue (CommandQueue.h) and are answered when their turn has
+/// come and their script has run. Installed from Install to its end. What it is given outlives it.
 class CEventHandler
 {
 public:
@@ -39,21 +39,21 @@ public:
     CEventHandler(const CEventHandler&) = delete;
     CEventHandler& operator=(const CEventHandler&) = delete;
 
-    // From now on events arrive whenever the run loop runs. Throws std::runtime_error that says
-    // what stands in the way, another server above all.
+    /// From now on events arrive whenever the run loop runs. Throws std::runtime_error that says
+    /// what stands in the way, another server above all.
     void Install();
 
 private:
     static OSErr Receive(const AppleEvent* pEvent, AppleEvent* pReply, void* pHandler);
-    // An event on its way through the queue.
+    /// An event on its way through the queue.
     struct Event
     {
         std::int64_t nNumber;
-        std::int64_t nProcess; // that sent it; 0 when nobody can tell
+        std::int64_t nProcess; ///< that sent it; 0 when nobody can tell
         FaultSet faults;
-        AppleEvent event; // suspended, as its reply is
+        AppleEvent event; ///< suspended, as its reply is
         AppleEvent reply;
-        bool fBegun = false; // a command may begin again
+        bool fBegun = false; ///< a command may begin again
     };
 
     OSErr Handle(const AppleEvent* pEvent, const AppleEvent* pReply);
@@ -67,7 +67,7 @@ private:
     FaultWaits m_waits;
     CEventFlood m_flood;
     std::int64_t m_nEvents = 0;
-    std::optional<std::int64_t> m_frozenCount; // of updates, while it stands still
+    std::optional<std::int64_t> m_frozenCount; ///< of updates, while it stands still
     bool m_fInstalled = false;
 };
 

@@ -30,15 +30,15 @@ namespace Tarvane::Server
 class CEventLog
 {
 public:
-    // An empty name keeps no log; "-" is the standard output; a file is appended to. Throws
-    // std::runtime_error when it cannot be opened.
+    /// An empty name keeps no log; "-" is the standard output; a file is appended to. Throws
+    /// std::runtime_error when it cannot be opened.
     explicit CEventLog(const std::string& strFile);
 
     void In(std::int64_t nEvent, std::string_view strScript);
-    // What is planned to go wrong with the event.
+    /// What is planned to go wrong with the event.
     void Faults(std::int64_t nEvent, const std::vector<std::string>& names);
     void Out(std::int64_t nEvent, const CommandReply& reply);
-    // Who has changed the session by it.
+    /// Who has changed the session by it.
     void Change(std::int64_t nEvent, std::int64_t nProcess, const std::string& strProgram);
 
 private:
@@ -46,7 +46,7 @@ private:
     void End();
 
     std::unique_ptr<std::ostream> m_pFile;
-    std::ostream* m_pStream = nullptr; // null for no log
+    std::ostream* m_pStream = nullptr; ///< null for no log
     bool m_fTroubleTold = false;
 };
 

@@ -9,9 +9,9 @@
 namespace Tarvane::Server
 {
 
-// Puts 'Rslt', unless the command was refused, and, when there is an error, 'Errr' into the reply:
-// 'utxt', UTF-16 of this machine's byte order. Of the faults it knows those that change the reply.
-// The status is that of the first parameter that the reply did not take.
+/// Puts 'Rslt', unless the command was refused, and, when there is an error, 'Errr' into the reply:
+/// 'utxt', UTF-16 of this machine's byte order. Of the faults it knows those that change the reply.
+/// The status is that of the first parameter that the reply did not take.
 OSErr PutReply(AppleEvent* pReply, const CommandReply& reply, const FaultSet& faults);
 
 } // namespace Tarvane::Server

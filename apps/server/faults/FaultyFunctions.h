@@ -11,12 +11,12 @@
 namespace Tarvane::Server
 {
 
-// A set of faults that travels as plain bytes.
+/// A set of faults that travels as plain bytes.
 using FunctionFaults = std::bitset<64>;
 
 FunctionFaults FaultsOfFunctions(const FaultSet& faults);
 
-// Puts the faults into the functions. The context must outlive them.
+/// Puts the faults into the functions. The context must outlive them.
 void MisbehaveInFunctions(std::vector<ScriptFunction>& functions, CScriptContext& context,
                           const FunctionFaults& faults);
 

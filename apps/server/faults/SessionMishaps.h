@@ -7,7 +7,7 @@
 namespace Tarvane::Server
 {
 
-// Of the faults it knows those that befall tracks, in both documents; the others change nothing.
+/// Of the faults it knows those that befall tracks, in both documents; the others change nothing.
 void Befall(CSessionDatabase& session, const FaultSet& faults);
 
 } // namespace Tarvane::Server

@@ -8,8 +8,8 @@
 namespace Tarvane::Server
 {
 
-// From construction on the two signals no longer end the process; they are kept here. One object a
-// process. Main thread.
+/// From construction on the two signals no longer end the process; they are kept here. One object a
+/// process. Main thread.
 class CEndSignals
 {
 public:
@@ -18,12 +18,12 @@ public:
     CEndSignals(const CEndSignals&) = delete;
     CEndSignals& operator=(const CEndSignals&) = delete;
 
-    // Readable once the process has been asked to end. Nothing is to be read from it: it stays so.
+    /// Readable once the process has been asked to end. Nothing is to be read from it: it stays so.
     int Descriptor() const { return m_pipe.ReadEnd(); }
     bool HasCome() const;
-    // Returns when the process has been asked to end.
+    /// Returns when the process has been asked to end.
     void Wait() const;
-    // The same, or when the time is over.
+    /// The same, or when the time is over.
     void WaitFor(std::chrono::milliseconds time) const;
 
 private:

@@ -9,9 +9,9 @@
 namespace Tarvane::Server
 {
 
-// While an object lives, the function is called from the run loop whenever the file is readable or
-// at its end. The file stays the caller's, and becomes one that does not block. The function may
-// destroy the object.
+/// While an object lives, the function is called from the run loop whenever the file is readable or
+/// at its end. The file stays the caller's, and becomes one that does not block. The function may
+/// destroy the object.
 class CReadWatch
 {
 public:
@@ -24,8 +24,8 @@ private:
     void* m_pTarget;
 };
 
-// Calls the function once, after the time, in place of what it was set to before; setting the time
-// of day changes nothing. One source file a system.
+/// Calls the function once, after the time, in place of what it was set to before; setting the time
+/// of day changes nothing. One source file a system.
 class CLoopTimer
 {
 public:

@@ -6,7 +6,7 @@ struct lua_State;
 namespace Tarvane::Server
 {
 
-// Puts them into the state's globals. Raises Lua errors: call in protected mode.
+/// Puts them into the state's globals. Raises Lua errors: call in protected mode.
 void OpenSafeLibraries(lua_State* pState);
 
 } // namespace Tarvane::Server

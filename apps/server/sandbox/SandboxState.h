@@ -10,8 +10,8 @@
 namespace Tarvane::Server
 {
 
-// Lua's errors jump over C++ frames without running destructors. Functions here that may raise one
-// say so; their callers hold no object with a destructor.
+/// Lua's errors jump over C++ frames without running destructors. Functions here that may raise one
+/// say so; their callers hold no object with a destructor.
 class CSandboxState
 {
 public:
@@ -21,33 +21,33 @@ public:
 
     const SandboxLimits& Limits() const { return m_limits; }
 
-    // A new Lua state on the bounded allocator, which the caller closes before this object goes.
-    // Null when the bound leaves no room for it.
+    /// A new Lua state on the bounded allocator, which the caller closes before this object goes.
+    /// Null when the bound leaves no room for it.
     lua_State* NewState();
     static CSandboxState& Of(lua_State* pState);
 
-    // Raises when the script has used up its time.
+    /// Raises when the script has used up its time.
     void CheckTime(lua_State* pState);
-    // Raises when there is no room left. Line ends and NULs come out as spaces.
+    /// Raises when there is no room left. Line ends and NULs come out as spaces.
     void Write(lua_State* pState, std::string_view text);
-    // Raises when there is no room left.
+    /// Raises when there is no room left.
     void EndLine(lua_State* pState);
 
-    // Calls a function of the server without raising. False: the text of CallError is the reason.
+    /// Calls a function of the server without raising. False: the text of CallError is the reason.
     bool Call(lua_State* pState, const ScriptFunction& function) noexcept;
     const ScriptValue& CallResult() const { return m_callResult; }
     const std::string& CallError() const { return m_strCallError; }
     bool ChangeCalled() const { return m_fChangeCalled; }
 
-    // Once a bound has been reached the script is to end, whatever it catches.
+    /// Once a bound has been reached the script is to end, whatever it catches.
     bool IsOver() const { return m_bound != Bound::None; }
-    // Lua reports by a status of its own that the allocator has refused.
+    /// Lua reports by a status of its own that the allocator has refused.
     void NoteOutOfMemory() { m_bound = Bound::Memory; }
-    // Raises again what the script must not catch.
+    /// Raises again what the script must not catch.
     int RaiseBound(lua_State* pState) { return Raise(pState, m_bound); }
 
     const std::string& Output() const { return m_strOutput; }
-    // The error for the bound that was reached.
+    /// The error for the bound that was reached.
     std::string BoundText() const;
 
 private:

@@ -20,12 +20,12 @@
 namespace Tarvane::Server
 {
 
-// What is wrong with the process, in words; empty when it can be made. The document is the one that
-// it is for.
+/// What is wrong with the process, in words; empty when it can be made. The document is the one
+/// that it is for.
 std::optional<std::string> ProcessFlaw(const Process& process, CSessionDatabase& session,
                                        DocumentKind kind);
 
-// Adds the process, which has no flaw, its marker areas and what it makes. Returns its id.
+/// Adds the process, which has no flaw, its marker areas and what it makes. Returns its id.
 std::int64_t CreateProcess(CSessionDatabase& session, DocumentKind kind, Process process);
 
 } // namespace Tarvane::Server

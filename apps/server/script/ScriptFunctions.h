@@ -56,27 +56,27 @@
 namespace Tarvane::Server
 {
 
-// What the functions of one running script share.
+/// What the functions of one running script share.
 class CScriptContext
 {
 public:
-    // fHasDocuments: false makes both documents unselectable. Session and folder must outlive the
-    // object.
+    /// fHasDocuments: false makes both documents unselectable. Session and folder must outlive the
+    /// object.
     CScriptContext(CSessionDatabase& session, CRenderFolder& folder, bool fHasDocuments)
         : m_session(session), m_folder(folder), m_fHasDocuments(fHasDocuments)
     {
     }
 
     CSessionDatabase& Session() { return m_session; }
-    // Where exported and rendered audio goes.
+    /// Where exported and rendered audio goes.
     CRenderFolder& Folder() { return m_folder; }
-    // False when the document is not there.
+    /// False when the document is not there.
     bool Select(DocumentKind kind);
-    // A document was asked for that is not there.
+    /// A document was asked for that is not there.
     bool SelectionFailed() const { return m_fSelectionFailed; }
-    // Throws CScriptError when nothing is selected.
+    /// Throws CScriptError when nothing is selected.
     DocumentKind Selected() const;
-    // Throw CScriptError when the selected document has no such thing.
+    /// Throw CScriptError when the selected document has no such thing.
     Track FindTrack(std::int64_t nTrackId) const;
     Region FindRegion(std::int64_t nRegionId) const;
 
@@ -88,14 +88,14 @@ private:
     bool m_fSelectionFailed = false;
 };
 
-// All functions. The context must outlive them.
+/// All functions. The context must outlive them.
 std::vector<ScriptFunction> MakeScriptFunctions(CScriptContext& context);
 
-// Whether the name of a function that changes the session stands anywhere in the script, comments
-// and texts included.
+/// Whether the name of a function that changes the session stands anywhere in the script, comments
+/// and texts included.
 bool NamesChange(std::string_view strScript);
 
-// The functions by subject, each list in a source file of its own.
+/// The functions by subject, each list in a source file of its own.
 std::vector<ScriptFunction> DocumentFunctions(CScriptContext& context);
 std::vector<ScriptFunction> TrackFunctions(CScriptContext& context);
 std::vector<ScriptFunction> RegionFunctions(CScriptContext& context);

@@ -12,8 +12,8 @@
 namespace Tarvane::Server
 {
 
-// Reads one block, which outlives the reader. All operations throw CSessionFlaw with the place in
-// the tree and what is wrong there.
+/// Reads one block, which outlives the reader. All operations throw CSessionFlaw with the place in
+/// the tree and what is wrong there.
 class CBlockReader
 {
 public:
@@ -27,7 +27,7 @@ public:
     bool Flag(const char* szName) { return Value<bool>(szName, "bool"); }
     std::string Text(const char* szName);
 
-    // What read(CBlockReader&) makes of the one nested block of the name.
+    /// What read(CBlockReader&) makes of the one nested block of the name.
     template <typename Read> auto Block(const char* szName, Read&& read)
     {
         CParameterBlock* pNested = nullptr;
@@ -36,7 +36,7 @@ public:
         return ReadNested(*pNested, szName, 0, read);
     }
 
-    // What read(CBlockReader&) makes of each nested block of the name, in their order.
+    /// What read(CBlockReader&) makes of each nested block of the name, in their order.
     template <typename Read> auto Blocks(const char* szName, Read&& read)
     {
         std::vector<decltype(read(*this))> all;
@@ -48,11 +48,11 @@ public:
         return all;
     }
 
-    // The values of a nested block that holds nothing but values of the name.
+    /// The values of a nested block that holds nothing but values of the name.
     std::vector<std::int32_t> Ints(const char* szBlock, const char* szName);
     std::vector<std::int64_t> Int64s(const char* szBlock, const char* szName);
 
-    // The last operation on a reader.
+    /// The last operation on a reader.
     void RequireAllRead() const;
 
 private:
@@ -91,7 +91,7 @@ private:
     const CBlockReader* m_pAbove = nullptr;
     const char* m_szName = "";
     std::size_t m_nIndex = 0;
-    std::size_t m_nRead = 0; // entries of the block
+    std::size_t m_nRead = 0; ///< entries of the block
 };
 
 } // namespace Tarvane::Server

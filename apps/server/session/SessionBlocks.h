@@ -29,11 +29,11 @@
 namespace Tarvane::Server
 {
 
-// The bytes of the file. Throws std::bad_alloc.
+/// The bytes of the file. Throws std::bad_alloc.
 std::string EncodeSession(const CSession& session);
 
-// Throws CSessionFlaw, whose text tells the place, for anything but a whole, sound session, and
-// CSessionTooNew.
+/// Throws CSessionFlaw, whose text tells the place, for anything but a whole, sound session, and
+/// CSessionTooNew.
 CSession DecodeSession(std::string_view bytes);
 
 } // namespace Tarvane::Server

@@ -8,14 +8,14 @@
 namespace Tarvane::Server
 {
 
-// The text says what is wrong with what was read.
+/// The text says what is wrong with what was read.
 class CSessionFlaw : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-// Nothing is wrong with it, but only a later version of this program can read it.
+/// Nothing is wrong with it, but only a later version of this program can read it.
 class CSessionTooNew : public std::runtime_error
 {
 public:

@@ -19,10 +19,10 @@
 namespace Tarvane::Server
 {
 
-// Whether these bytes can be of that form at all.
+/// Whether these bytes can be of that form at all.
 bool IsSessionText(std::string_view bytes);
 
-// Throws CSessionFlaw for anything but a whole, sound session, and CSessionTooNew.
+/// Throws CSessionFlaw for anything but a whole, sound session, and CSessionTooNew.
 CSession DecodeSessionText(std::string_view text);
 
 } // namespace Tarvane::Server

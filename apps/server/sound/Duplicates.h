@@ -26,7 +26,7 @@ namespace Tarvane::Server
 struct PositionRange
 {
     std::int64_t nFirst;
-    std::int64_t nLast; // included
+    std::int64_t nLast; ///< included
 
     bool Contains(std::int64_t nPosition) const
     {
@@ -35,12 +35,12 @@ struct PositionRange
     bool operator==(const PositionRange&) const = default;
 };
 
-// Exactly the set above. dOffsetSamples is offset * rate, within 2^53; |nHostPosition| <= 2^53.
+/// Exactly the set above. dOffsetSamples is offset * rate, within 2^53; |nHostPosition| <= 2^53.
 PositionRange AddedPositions(std::int64_t nHostPosition, double dOffsetSamples);
 
-// Looks for the captured region on its track: its nPosition is the host's, and it takes all
-// channels. Regions whose own file can no longer be read are not the same as anything. Throws
-// CSoundFileError when the captured file cannot be read.
+/// Looks for the captured region on its track: its nPosition is the host's, and it takes all
+/// channels. Regions whose own file can no longer be read are not the same as anything. Throws
+/// CSoundFileError when the captured file cannot be read.
 bool HasDuplicate(CSessionDatabase& session, const Region& captured);
 
 } // namespace Tarvane::Server

@@ -11,45 +11,45 @@
 namespace Tarvane::Server
 {
 
-// A sound file that cannot be used. The text names the file and says what is wrong with it.
+/// A sound file that cannot be used. The text names the file and says what is wrong with it.
 class CSoundFileError : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-// One open sound file. Any one thread.
+/// One open sound file. Any one thread.
 class CSoundFile
 {
 public:
-    // Opens for reading. strPath is a full path to a plain file; pipes and devices, which could
-    // keep the server waiting, are refused. Throws CSoundFileError.
+    /// Opens for reading. strPath is a full path to a plain file; pipes and devices, which could
+    /// keep the server waiting, are refused. Throws CSoundFileError.
     explicit CSoundFile(const std::string& strPath);
 
     std::int64_t Frames() const { return m_info.frames; }
     std::int32_t SampleRate() const { return m_info.samplerate; }
     std::int32_t Channels() const { return m_info.channels; }
-    // The library's SF_FORMAT_SUBMASK part.
+    /// The library's SF_FORMAT_SUBMASK part.
     int SampleForm() const { return m_info.format & SF_FORMAT_SUBMASK; }
 
-    // Throws CSoundFileError unless frames can be read up to, and without, nEnd: a file can be
-    // shorter than its header says.
+    /// Throws CSoundFileError unless frames can be read up to, and without, nEnd: a file can be
+    /// shorter than its header says.
     void RequireFrames(std::int64_t nEnd);
 
-    // Throws CSoundFileError.
+    /// Throws CSoundFileError.
     void Seek(std::int64_t nFrame);
-    // Reads up to nFrames frames, all channels side by side, as numbers in which a sample of any
-    // format is exact (whole-number formats are scaled to -1..1). Returns the frames read: fewer at
-    // the end of the file only.
+    /// Reads up to nFrames frames, all channels side by side, as numbers in which a sample of any
+    /// format is exact (whole-number formats are scaled to -1..1). Returns the frames read: fewer
+    /// at the end of the file only.
     std::int64_t Read(std::vector<double>& samples, std::int64_t nFrames);
 
-    // Whether both files hold samples in one and the same form, so that equal bytes are equal
-    // samples. Unequal bytes are unequal samples if these are whole numbers; zero, for instance,
-    // has two forms otherwise.
+    /// Whether both files hold samples in one and the same form, so that equal bytes are equal
+    /// samples. Unequal bytes are unequal samples if these are whole numbers; zero, for instance,
+    /// has two forms otherwise.
     bool HasFormOf(const CSoundFile& other) const;
     bool IsWholeNumbers() const;
-    // Frames as they lie in the file. Returns the frames read: fewer at the end of the file, and
-    // none when its form is not one number after the other.
+    /// Frames as they lie in the file. Returns the frames read: fewer at the end of the file, and
+    /// none when its form is not one number after the other.
     std::int64_t ReadBytes(std::vector<char>& bytes, std::int64_t nFrames);
 
 private:

@@ -6,7 +6,7 @@
 namespace Tarvane
 {
 
-// Empty at first; given back at its end.
+/// Empty at first; given back at its end.
 struct CEventDescriptor : AEDesc
 {
     CEventDescriptor() : AEDesc{typeNull, nullptr} {}

@@ -6,8 +6,8 @@
 namespace Tarvane
 {
 
-// The likeliest cause in a sentence, which begins with a capital and ends with a point. Empty for 0
-// and for numbers of which nothing can be said.
+/// The likeliest cause in a sentence, which begins with a capital and ends with a point. Empty for
+/// 0 and for numbers of which nothing can be said.
 std::string LikelyCause(int nStatus);
 
 } // namespace Tarvane

@@ -6,12 +6,12 @@
 namespace Tarvane
 {
 
-// From now on an uncaught exception, of C++ or of the object system, on whatever thread, ends the
-// process with kExitFailed and one line on the standard error stream that begins with the program's
-// name: with no panel, which would wait for somebody to press a button, and no signal. Main thread.
+/// From now on an uncaught exception, of C++ or of the object system, on whatever thread, ends the
+/// process with kExitFailed and one line on the standard error stream that begins with the
+/// program's name: with no panel, which would wait for a button, and no signal. Main thread.
 void SayLastWords(const std::string& strProgram);
 
-// Once more, after an application object has put its panel in their place. Main thread.
+/// Once more, after an application object has put its panel in their place. Main thread.
 void SayLastWordsAgain();
 
 } // namespace Tarvane

@@ -8,9 +8,9 @@
 namespace Tarvane
 {
 
-// The script link ends the process when an answer's count does not match its lines. While an object
-// lives, the process then says on the standard error stream what was asked and answered last, and
-// which program answers now, before it ends as it does without. One at a time; it watches events.
+/// The script link ends the process when an answer's count does not match its lines. While an
+/// object lives, the process then says on the standard error stream what was asked and answered
+/// last, and which program answers now, before it ends. One at a time; it watches events.
 class CAnswerWords : public CEventWatcher
 {
 public:

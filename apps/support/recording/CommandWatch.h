@@ -12,16 +12,16 @@
 namespace Tarvane
 {
 
-// A script and what came of it.
+/// A script and what came of it.
 struct SeenCommand
 {
-    std::string strScript; // UTF-8, as the next two
-    std::string strResult; // the first kMostResult bytes of it
-    std::string strError;  // the server's words
-    OSErr nStatus = 0;     // of the event; with 0 a reply came
+    std::string strScript; ///< UTF-8, as the next two
+    std::string strResult; ///< the first kMostResult bytes of it
+    std::string strError;  ///< the server's words
+    OSErr nStatus = 0;     ///< of the event; with 0 a reply came
     bool fHasResult = false;
 
-    // The server said why it did not do as it was asked.
+    /// The server said why it did not do as it was asked.
     bool IsRefused() const { return nStatus == 0 && !fHasResult && !strError.empty(); }
 };
 
@@ -31,19 +31,19 @@ struct CommandUnderWay
     std::chrono::steady_clock::time_point since;
 };
 
-// In words: "GetTrackCount, since 04:05:12, for 31 s".
+/// In words: "GetTrackCount, since 04:05:12, for 31 s".
 std::string TextOf(const CommandUnderWay& command);
 
-// Any thread.
+/// Any thread.
 class CCommandWatch : public CEventWatcher
 {
 public:
     void Add(const SeenEvent& event) override;
     void Add(const SeenReply& reply) override;
 
-    // What has ended since this was asked last, in order: the last kMostKept of it.
+    /// What has ended since this was asked last, in order: the last kMostKept of it.
     std::vector<SeenCommand> Take();
-    // The command for which somebody waits now, if anybody does.
+    /// The command for which somebody waits now, if anybody does.
     std::optional<CommandUnderWay> UnderWay() const;
 
     static constexpr std::size_t kMostKept = 64;

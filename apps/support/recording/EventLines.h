@@ -18,26 +18,26 @@ struct SeenParameter
     std::string_view bytes;
 };
 
-// An event that goes out.
+/// An event that goes out.
 struct SeenEvent
 {
-    UInt32 nNumber; // of its reply as well
+    UInt32 nNumber; ///< of its reply as well
     OSType nTarget;
     AEEventClass nClass;
     AEEventID nId;
     std::vector<SeenParameter> parameters;
 };
 
-// What came of it.
+/// What came of it.
 struct SeenReply
 {
     UInt32 nNumber;
     OSErr nStatus;
-    UInt64 nMicroseconds; // that it took
+    UInt64 nMicroseconds; ///< that it took
     std::vector<SeenParameter> parameters;
 };
 
-// All but the time.
+/// All but the time.
 RecordedJson EventLine(const SeenEvent& event);
 RecordedJson ReplyLine(const SeenReply& reply);
 

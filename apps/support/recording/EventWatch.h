@@ -9,7 +9,7 @@
 namespace Tarvane
 {
 
-// Called on the sending thread, before an event goes out and when it has ended. Sends no events.
+/// Called on the sending thread, before an event goes out and when it has ended. Sends no events.
 class CEventWatcher
 {
 public:
@@ -18,12 +18,12 @@ public:
     virtual void Add(const SeenReply& reply) = 0;
 };
 
-// From now on every event is shown to these, in their order, and to no others; when it returns,
-// those before are no longer in use. One thread. False on a system that shows its events to nobody.
+/// From now on every event is shown to these, in their order, and to no others; when it returns,
+/// those before are no longer in use. One thread. False on a system that shows nobody its events.
 bool WatchEvents(std::vector<CEventWatcher*> watchers);
 
-// The process that receives the events of a signature now; 0 when that is not known. Any thread;
-// waits two seconds at most.
+/// The process that receives the events of a signature now; 0 when that is not known. Any thread;
+/// waits two seconds at most.
 std::int64_t ReceiverOf(OSType nSignature);
 
 } // namespace Tarvane

@@ -10,7 +10,7 @@
 namespace Tarvane
 {
 
-// What passed between the plug-in and its view, once.
+/// What passed between the plug-in and its view, once.
 struct SeenProperty
 {
     enum class Kind
@@ -23,15 +23,15 @@ struct SeenProperty
     AudioUnitScope nScope;
     AudioUnitElement nElement;
     bool fMainThread;
-    OSStatus nStatus;     // of a read or write
-    std::string strBytes; // what was read or written; empty for a read that failed
+    OSStatus nStatus;     ///< of a read or write
+    std::string strBytes; ///< what was read or written; empty for a read that failed
 
-    // Whether the two make one line when they come one soon after the other. The two that tell how
-    // far a capture is do so whatever they tell.
+    /// Whether the two make one line when they come one soon after the other. The two that tell how
+    /// far a capture is do so whatever they tell.
     bool IsRepeatOf(const SeenProperty& other) const;
 };
 
-// All but the times.
+/// All but the times.
 RecordedJson PropertyLine(const SeenProperty& seen);
 
 } // namespace Tarvane

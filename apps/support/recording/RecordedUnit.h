@@ -9,16 +9,16 @@ namespace Tarvane
 
 class CRecorder;
 
-// Write only, global scope, element 0; the data is a CRecorder*, which must outlive the unit. To be
-// written once, before anybody listens; nothing is recorded without it. The properties by which a
-// host sets its units up, from 65000 on, reach the unit behind and are not recorded.
+/// Write only, global scope, element 0; the data is a CRecorder*, which must outlive the unit. To
+/// be written once, before anybody listens; nothing is recorded without it. The properties by which
+/// a host sets its units up, from 65000 on, reach the unit behind and are not recorded.
 constexpr AudioUnitPropertyID kRecordedUnitProperty_Recorder = 65002;
 
 class CRecordedUnit : public CUnitInFront
 {
 public:
-    // Makes the component known to the process, once: one in front of a CSignalSide, or of a
-    // CFaultyUnit.
+    /// Makes the component known to the process, once: one in front of a CSignalSide, or of a
+    /// CFaultyUnit.
     static AudioComponent Register(bool fFaulty);
 
     explicit CRecordedUnit(AudioComponent pBehind) : CUnitInFront(pBehind) {}

@@ -13,11 +13,11 @@
 namespace Tarvane
 {
 
-// The number type in which a file's samples pass through us without a change: Integer for
-// whole-number and lossless forms, A-law and mu-law; Float also for what a lossy form decodes to.
+/// The number type in which a file's samples pass through us without a change: Integer for
+/// whole-number and lossless forms, A-law and mu-law; Float also for what a lossy form decodes to.
 SampleType SampleTypeOf(int nFormat);
 
-// Room for some frames of one sample type.
+/// Room for some frames of one sample type.
 class CSampleBlock
 {
 public:
@@ -46,14 +46,14 @@ using SoundFileHandle = std::unique_ptr<SNDFILE, SoundFileCloser>;
 class CSoundReader
 {
 public:
-    // Throws CUsageError, in words for the user, for a file that is missing, is no sound file,
-    // holds no sound, or cannot be read.
+    /// Throws CUsageError, in words for the user, for a file that is missing, is no sound file,
+    /// holds no sound, or cannot be read.
     explicit CSoundReader(const std::filesystem::path& path);
 
     const SF_INFO& Info() const { return m_info; }
     const std::filesystem::path& Path() const { return m_path; }
 
-    // Reads the next frames, at most as many as the block has room for. 0 at the end.
+    /// Reads the next frames, at most as many as the block has room for. 0 at the end.
     size_t Read(CSampleBlock& block);
 
 private:

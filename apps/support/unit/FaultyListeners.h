@@ -10,7 +10,7 @@ namespace Tarvane
 class CFaultyListeners : public CPropertyListeners
 {
 public:
-    // Once, before anybody listens.
+    /// Once, before anybody listens.
     void Begin(const SignalFaults& faults)
     {
         m_fKept = faults.count(SignalFault::ListenersKept) != 0;

@@ -19,28 +19,28 @@
 namespace Tarvane
 {
 
-// Write only, global scope, element 0; the data is a const SignalFaults*, read during the call. To
-// be written once, before anybody listens. CSignalSide::Of gives the signal side behind the unit.
+/// Write only, global scope, element 0; the data is a const SignalFaults*, read during the call. To
+/// be written once, before anybody listens. CSignalSide::Of gives the signal side behind the unit.
 constexpr AudioUnitPropertyID kFaultyUnitProperty_Faults = 65001;
 
-// The file of this path as PathUncarried names it.
+/// The file of this path as PathUncarried names it.
 std::string UncarriedPath(const char* szPath);
 
-// All operations: any thread, but for those that say otherwise.
+/// All operations: any thread, but for those that say otherwise.
 class CFaultyUnit
 {
 public:
-    // Makes the component known to the process, once. Open it with AudioComponentInstanceNew.
+    /// Makes the component known to the process, once. Open it with AudioComponentInstanceNew.
     static AudioComponent Register();
 
-    // Throws std::runtime_error when there is no signal side to be had.
+    /// Throws std::runtime_error when there is no signal side to be had.
     CFaultyUnit();
-    // Waits for notifications that are under way.
+    /// Waits for notifications that are under way.
     ~CFaultyUnit();
     CFaultyUnit(const CFaultyUnit&) = delete;
     CFaultyUnit& operator=(const CFaultyUnit&) = delete;
 
-    // What the component's entry points call.
+    /// What the component's entry points call.
     void SetUnit(AudioUnit pUnit) { m_pUnit = pUnit; }
     OSStatus GetPropertyInfo(AudioUnitPropertyID nId, AudioUnitScope nScope,
                              AudioUnitElement nElement, UInt32* pnSize, Boolean* pfWritable) const;
@@ -48,7 +48,7 @@ public:
                          void* pData, UInt32* pnSize);
     OSStatus SetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope, AudioUnitElement nElement,
                          const void* pData, UInt32 nSize);
-    // Asks the threads of its own to end, and waits for nothing.
+    /// Asks the threads of its own to end, and waits for nothing.
     void Stop() { m_fEnding = true; }
     CFaultyListeners& Listeners() { return *m_pListeners; }
 
@@ -86,16 +86,16 @@ private:
 
     AudioUnit m_pUnit = nullptr;
     AudioUnit m_pInner = nullptr;
-    // Outlives the unit where that is the fault.
+    /// Outlives the unit where that is the fault.
     const std::shared_ptr<CFaultyListeners> m_pListeners = std::make_shared<CFaultyListeners>();
-    SignalFaults m_faults; // does not change any more once somebody listens
+    SignalFaults m_faults; ///< does not change any more once somebody listens
     std::atomic<SInt32> m_nAnnounced = 0;
     std::atomic<SInt32> m_nLastElement = 0;
     std::atomic<Clock::time_point> m_hiddenUntil{};
     std::atomic<bool> m_fEnding = false;
-    std::atomic<bool> m_fArmReported = false; // since it was last asked to disarm, or did so
+    std::atomic<bool> m_fArmReported = false; ///< since it was last asked to disarm, or did so
     mutable std::mutex m_mutex;
-    std::vector<TNCaptureElement> m_records; // in the order of delivery; guarded by the mutex
+    std::vector<TNCaptureElement> m_records; ///< in the order of delivery; guarded by the mutex
     std::vector<std::thread> m_threads;
 };
 

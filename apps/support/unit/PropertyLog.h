@@ -11,11 +11,11 @@
 namespace Tarvane
 {
 
-// The name of a property of the link protocol, "TNProperty_ElementDone" for instance; "unknown" for
-// every other id.
+/// The name of a property of the link protocol, "TNProperty_ElementDone" for instance; "unknown"
+/// for every other id.
 const char* PropertyName(AudioUnitPropertyID nId);
 
-// A whole number, a number, or the bytes of a path up to its end.
+/// A whole number, a number, or the bytes of a path up to its end.
 using PropertyValue = std::variant<std::int64_t, double, std::string>;
 
 struct PropertyField
@@ -24,13 +24,13 @@ struct PropertyField
     PropertyValue value;
 };
 
-// The payload under the names of its fields, in their order, those of times behind the name of
-// their block: "tDub.dStart". Reserved room is left out. Empty for an id without a value, and for a
-// payload that is not of the id's size.
+/// The payload under the names of its fields, in their order, those of times behind the name of
+/// their block: "tDub.dStart". Reserved room is left out. Empty for an id without a value, and for
+/// a payload that is not of the id's size.
 std::vector<PropertyField> PropertyFields(AudioUnitPropertyID nId, const void* pData, UInt32 nSize);
 
-// "64008 TNProperty_ElementDone: nElement 3, fHandled 1, fNotDelivered 0, fFinal 1". A payload that
-// is not of the id's size, or of an id that is not written, is shown as bytes in hexadecimal.
+/// "64008 TNProperty_ElementDone: nElement 3, fHandled 1, fNotDelivered 0, fFinal 1". A payload
+/// that is not of the id's size, or of an id that is not written, is shown as bytes in hexadecimal.
 std::string DescribeWrite(AudioUnitPropertyID nId, const void* pData, UInt32 nSize);
 
 } // namespace Tarvane

@@ -9,17 +9,17 @@
 namespace Tarvane
 {
 
-// All operations: any thread, but for those that say otherwise.
+/// All operations: any thread, but for those that say otherwise.
 class CUnitInFront
 {
 public:
-    // Opens the unit behind. Throws std::runtime_error when it is not to be had.
+    /// Opens the unit behind. Throws std::runtime_error when it is not to be had.
     explicit CUnitInFront(AudioComponent pBehind);
     virtual ~CUnitInFront();
     CUnitInFront(const CUnitInFront&) = delete;
     CUnitInFront& operator=(const CUnitInFront&) = delete;
 
-    // What the component's entry points call.
+    /// What the component's entry points call.
     void SetUnit(AudioUnit pUnit) { m_pUnit = pUnit; }
     OSStatus GetPropertyInfo(AudioUnitPropertyID nId, AudioUnitScope nScope,
                              AudioUnitElement nElement, UInt32* pnSize, Boolean* pfWritable) const;
@@ -27,19 +27,19 @@ public:
                                  AudioUnitElement nElement, void* pData, UInt32* pnSize);
     virtual OSStatus SetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope,
                                  AudioUnitElement nElement, const void* pData, UInt32 nSize);
-    // Asks threads to end, and waits for nothing.
+    /// Asks threads to end, and waits for nothing.
     virtual void Stop() {}
     CPropertyListeners& Listeners() { return m_listeners; }
 
 protected:
-    // The unit behind has raised this one of the ids that a view listens to.
+    /// The unit behind has raised this one of the ids that a view listens to.
     virtual void PassOn(AudioUnitPropertyID nId) { Notify(nId); }
 
     void Notify(AudioUnitPropertyID nId);
     AudioUnit Behind() const { return m_pBehind; }
 
-    // Disposes of the unit behind: no notification comes from it any more. A class that overrides
-    // PassOn calls it in its destructor.
+    /// Disposes of the unit behind: no notification comes from it any more. A class that overrides
+    /// PassOn calls it in its destructor.
     void CloseBehind();
 
 private:

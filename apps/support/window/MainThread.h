@@ -8,7 +8,7 @@
 namespace Tarvane
 {
 
-// Behind an interface, since the object system cannot describe a function's type.
+/// Behind an interface, since the object system cannot describe a function's type.
 class ICall
 {
   public:
@@ -18,30 +18,30 @@ class ICall
 
 } // namespace Tarvane
 
-// A call as an object, to be the target of selectors.
+/// A call as an object, to be the target of selectors.
 @interface MainThreadCall : NSObject
 {
-    Tarvane::ICall* m_pCall; // owned
+    Tarvane::ICall* m_pCall; ///< owned
 }
-// Takes the call over.
+/// Takes the call over.
 - (id)initWithCall:(Tarvane::ICall*)pCall;
 - (void)run;
-// For timers and notifications.
+/// For timers and notifications.
 - (void)run:(id)sender;
 @end
 
 namespace Tarvane
 {
 
-// Autoreleased.
+/// Autoreleased.
 MainThreadCall* MakeCall(std::function<void()> fnCall);
 
-// Any thread. Waits for nothing; the call runs in the main run loop, behind everything that has
-// been handed to it before, by whomever.
+/// Any thread. Waits for nothing; the call runs in the main run loop, behind everything that has
+/// been handed to it before, by whomever.
 void CallOnMainThread(std::function<void()> fnCall);
 
-// In both of which the main run loop is to hear from outside: it waits for events, or has a menu
-// open. Autoreleased.
+/// In both of which the main run loop is to hear from outside: it waits for events, or has a menu
+/// open. Autoreleased.
 NSArray* MainThreadModes();
 
 } // namespace Tarvane

@@ -4,7 +4,7 @@
 namespace Tarvane
 {
 
-// Main thread, before the application runs.
+/// Main thread, before the application runs.
 void OfferNoServices();
 
 } // namespace Tarvane

@@ -8,8 +8,8 @@
 namespace Tarvane
 {
 
-// An instance of the bundle's principal class, which adopts AUCocoaUIBase; autoreleased. Throws
-// CUsageError when the bundle cannot be loaded or makes no plug-in views. Main thread.
+/// An instance of the bundle's principal class, which adopts AUCocoaUIBase; autoreleased. Throws
+/// CUsageError when the bundle cannot be loaded or makes no plug-in views. Main thread.
 id MakeViewFactory(const std::filesystem::path& path);
 
 } // namespace Tarvane

@@ -7,9 +7,9 @@
 namespace platform
 {
 
-// Puts `replacement` in the place of the method that `owner` has under `selector`, and the method
-// that was there into `original`; the latter first, as other threads may be in the midst of
-// calling. Both take the receiver and the selector before the method's own arguments.
+/// Puts `replacement` in the place of the method that `owner` has under `selector`, and the method
+/// that was there into `original`; the latter first, as other threads may be in the midst of
+/// calling. Both take the receiver and the selector before the method's own arguments.
 template <typename Function>
 void ReplaceMethod(Class owner, SEL selector, Function replacement, Function& original)
 {
@@ -20,7 +20,7 @@ void ReplaceMethod(Class owner, SEL selector, Function replacement, Function& or
     method_setImplementation(method, (IMP)(AnyFunction)replacement);
 }
 
-// The same for `owner` alone, where the method may be one that it inherits.
+/// The same for `owner` alone, where the method may be one that it inherits.
 template <typename Function>
 void OverrideMethod(Class owner, SEL selector, Function replacement, Function& original)
 {

@@ -13,7 +13,7 @@
 namespace AppleEvents
 {
 
-// Closes without flushing: flushing would wait for a bus that may never read again.
+/// Closes without flushing: flushing would wait for a bus that may never read again.
 struct BusCloser
 {
     void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
@@ -31,9 +31,9 @@ using BusRef = std::unique_ptr<sd_bus, BusCloser>;
 using SlotRef = std::unique_ptr<sd_bus_slot, SlotReleaser>;
 using MessageRef = std::unique_ptr<sd_bus_message, MessageReleaser>;
 
-// Starts a connection of one's own to the session bus. It is not ready yet, but calls may be queued
-// on it. A bus with too many others at its door is tried again until the deadline, and then
-// errAETimeout. procNotFound: there is nobody to connect to.
+/// Starts a connection of one's own to the session bus. It is not ready yet, but calls may be
+/// queued on it. A bus with too many others at its door is tried again until the deadline, and then
+/// errAETimeout. procNotFound: there is nobody to connect to.
 OSErr StartConnection(BusRef& bus, const Deadline& deadline);
 
 enum class Wait
@@ -43,8 +43,8 @@ enum class Wait
     Lost
 };
 
-// Processes and waits until `done` answers true. A signal does no harm, and neither a mute bus nor
-// a flood of other messages holds it past the deadline.
+/// Processes and waits until `done` answers true. A signal does no harm, and neither a mute bus nor
+/// a flood of other messages holds it past the deadline.
 template <typename Condition>
 Wait ProcessUntil(sd_bus* bus, const Deadline& deadline, Condition&& done)
 {

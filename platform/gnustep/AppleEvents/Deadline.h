@@ -7,10 +7,10 @@ namespace AppleEvents
 
 inline constexpr std::uint64_t kForever = UINT64_MAX;
 
-// Microseconds on the clock that sd-bus counts its own timeouts with.
+/// Microseconds on the clock that sd-bus counts its own timeouts with.
 std::uint64_t MonotonicMicroseconds();
 
-// The instant at which a call gives up, whatever it is waiting for by then.
+/// The instant at which a call gives up, whatever it is waiting for by then.
 class Deadline
 {
 public:
@@ -19,7 +19,7 @@ public:
 
     bool Passed() const { return Remaining() == 0; }
 
-    // Microseconds; kForever when there is no end, as sd_bus_wait takes it.
+    /// Microseconds; kForever when there is no end, as sd_bus_wait takes it.
     std::uint64_t Remaining() const;
 
 private:

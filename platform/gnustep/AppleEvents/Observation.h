@@ -11,15 +11,15 @@
 namespace AppleEvents
 {
 
-// One event under way, shown as it begins and as it ends to those who looked on when it began.
-// Any thread.
+/// One event under way, shown as it begins and as it ends to those who looked on when it began.
+/// Any thread.
 class Observation
 {
 public:
-    // The event must outlive this object.
+    /// The event must outlive this object.
     explicit Observation(const EventStorage& event);
 
-    // What became of the event. The reply is null when there is none.
+    /// What became of the event. The reply is null when there is none.
     void Ended(OSErr status, const EventStorage* reply) const;
 
     struct Observer
@@ -37,7 +37,7 @@ private:
     bool m_fTraced;
     Observer m_observer;
     UInt32 m_nEvent = 0;
-    std::uint64_t m_nStart = 0; // microseconds
+    std::uint64_t m_nStart = 0; ///< microseconds
 };
 
 } // namespace AppleEvents

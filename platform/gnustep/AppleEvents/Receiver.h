@@ -11,8 +11,8 @@
 namespace AppleEvents
 {
 
-// Owns the bus name of one signature and hands what is sent to it to the handlers, from the run
-// loop of the main thread. When the bus goes, it comes back with the bus.
+/// Owns the bus name of one signature and hands what is sent to it to the handlers, from the run
+/// loop of the main thread. When the bus goes, it comes back with the bus.
 class Receiver : private RunLoopClient
 {
 public:
@@ -20,14 +20,14 @@ public:
 
     bool IsOpen() const { return !m_name.empty() && !m_fCloseWhenServed; }
 
-    // Connects and waits until the name is the process's own, or for the reason why it is not.
+    /// Connects and waits until the name is the process's own, or for the reason why it is not.
     OSErr Open(OSType signature, const Deadline& deadline);
 
-    // From within a handler it takes effect once that handler's reply has gone out, unless Open
-    // comes first.
+    /// From within a handler it takes effect once that handler's reply has gone out, unless Open
+    /// comes first.
     void Close();
 
-    // Sends the reply of a suspended event and disposes of both. False: there is no such event.
+    /// Sends the reply of a suspended event and disposes of both. False: there is no such event.
     bool Resume(const AppleEvent* event);
 
 private:
@@ -39,7 +39,7 @@ private:
         Refused
     };
 
-    // Starts a connection, with everything queued that makes it a receiver's.
+    /// Starts a connection, with everything queued that makes it a receiver's.
     OSErr Connect(const Deadline& deadline);
     void Disconnect();
     OSErr StatusOfOpening(Wait wait) const;
@@ -67,13 +67,13 @@ private:
     Ownership m_ownership = Ownership::Asked;
     struct Suspended
     {
-        MessageRef request; // null when no reply is wanted
+        MessageRef request; ///< null when no reply is wanted
         AEDesc event;
         AEDesc reply;
     };
 
     std::vector<Suspended> m_suspended;
-    std::map<std::string, SInt32> m_processes; // of senders, by their names on this bus
+    std::map<std::string, SInt32> m_processes; ///< of senders, by their names on this bus
     int m_nServing = 0;
     bool m_fCloseWhenServed = false;
     std::uint64_t m_nReconnectDelay = 0;

@@ -6,7 +6,7 @@
 namespace AppleEvents
 {
 
-// Whoever is called from the run loop when there may be something to do.
+/// Whoever is called from the run loop when there may be something to do.
 class RunLoopClient
 {
 public:
@@ -16,8 +16,8 @@ protected:
     ~RunLoopClient() = default;
 };
 
-// Watches one descriptor and keeps one timer in the main thread's run loop, in its default,
-// modal-panel and event-tracking modes. Main thread.
+/// Watches one descriptor and keeps one timer in the main thread's run loop, in its default,
+/// modal-panel and event-tracking modes. Main thread.
 class RunLoopWatch
 {
 public:
@@ -26,13 +26,13 @@ public:
     RunLoopWatch(const RunLoopWatch&) = delete;
     RunLoopWatch& operator=(const RunLoopWatch&) = delete;
 
-    // Replaces what was watched before. A descriptor must be released with Release() before it is
-    // closed: its number may be another file's a moment later.
+    /// Replaces what was watched before. A descriptor must be released with Release() before it is
+    /// closed: its number may be another file's a moment later.
     void Watch(int descriptor, bool fReading, bool fWriting);
     void Release();
 
-    // One call of Wake(), at the earliest after so many microseconds of the monotonic clock, in
-    // place of the one asked for before.
+    /// One call of Wake(), at the earliest after so many microseconds of the monotonic clock, in
+    /// place of the one asked for before.
     void WakeAfter(std::uint64_t microseconds);
     void CancelWake();
 

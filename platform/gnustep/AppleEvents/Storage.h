@@ -21,7 +21,7 @@ struct Parameter
     Bytes bytes;
 };
 
-// By keyword, so that an event of a million parameters is still read in reasonable time.
+/// By keyword, so that an event of a million parameters is still read in reasonable time.
 using Parameters = std::map<AEKeyword, Parameter>;
 
 struct Storage
@@ -42,22 +42,22 @@ struct EventStorage : Storage
     AEEventID eventID = 0;
     Parameter target{typeNull, {}};
     Parameters parameters;
-    SInt32 senderProcess = 0; // of an event that was received; 0 when it is not known
-    bool fSuspended = false;  // no reply goes out when its handler returns
+    SInt32 senderProcess = 0; ///< of an event that was received; 0 when it is not known
+    bool fSuspended = false;  ///< no reply goes out when its handler returns
 };
 
-// The kind is taken from the storage, never from descriptorType, which anybody may overwrite.
-// Null when the descriptor is null or of the other kind.
+/// The kind is taken from the storage, never from descriptorType, which anybody may overwrite.
+/// Null when the descriptor is null or of the other kind.
 const BytesStorage* BytesOf(const AEDesc* desc);
 EventStorage* EventOf(const AEDesc* desc);
 
 inline constexpr AEDesc kNullDescriptor{typeNull, nullptr};
 
-// The caller of the interface owns what these return.
+/// The caller of the interface owns what these return.
 AEDesc NewBytesDescriptor(DescType type, Bytes bytes);
 AEDesc NewEventDescriptor(EventStorage event);
 
-// Runs a body that returns a status; what cannot be allocated becomes memFullErr.
+/// Runs a body that returns a status; what cannot be allocated becomes memFullErr.
 template <typename Body> OSErr WithoutExceptions(Body&& body) noexcept
 {
     try

@@ -16,10 +16,10 @@
 namespace AppleEvents
 {
 
-// Whether the variable asks for a trace now.
+/// Whether the variable asks for a trace now.
 bool IsTraceOn();
 
-// An observer that writes down what it is shown. Any thread; a record is written whole.
+/// An observer that writes down what it is shown. Any thread; a record is written whole.
 void TraceEvent(const TarvaneSeenEvent* event, void* refcon);
 
 } // namespace AppleEvents

@@ -15,8 +15,8 @@ struct Instance
     AudioComponentPlugInInterface* plugIn = nullptr;
 };
 
-// The instances that are alive, by handle. A handle is a number that is never used twice: a view
-// that outlives its unit is told so and never reaches another unit. Any thread.
+/// The instances that are alive, by handle. A handle is a number that is never used twice: a view
+/// that outlives its unit is told so and never reaches another unit. Any thread.
 class Instances
 {
 public:
@@ -24,7 +24,7 @@ public:
 
     AudioComponentInstance Add(const Instance& instance);
 
-    // Both answer with an empty instance when there is none under the handle.
+    /// Both answer with an empty instance when there is none under the handle.
     Instance Find(AudioComponentInstance handle) const;
     Instance Remove(AudioComponentInstance handle);
 

@@ -5,8 +5,8 @@
 namespace platform
 {
 
-// An autorelease pool for one scope, so that a C function leaves nothing behind on threads that
-// have no pool of their own.
+/// An autorelease pool for one scope, so that a C function leaves nothing behind on threads that
+/// have no pool of their own.
 class Pool
 {
   public:
@@ -16,7 +16,7 @@ class Pool
     Pool& operator=(const Pool&) = delete;
 
   private:
-    // Looked up once: the runtime searches for a class by its name, each time it is named.
+    /// Looked up once: the runtime searches for a class by its name, each time it is named.
     static Class PoolClass()
     {
         static const Class poolClass = [NSAutoreleasePool class];

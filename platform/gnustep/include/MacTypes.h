@@ -15,19 +15,19 @@ using SInt64 = signed long long;
 using Float32 = float;
 using Float64 = double;
 
-// 0 is false; every other value is true.
+/// 0 is false; every other value is true.
 using Boolean = unsigned char;
 
-// Four characters, the first in the highest byte: 'TkNe' is 0x546B4E65.
+/// Four characters, the first in the highest byte: 'TkNe' is 0x546B4E65.
 using FourCharCode = UInt32;
 using OSType = FourCharCode;
 using ResType = FourCharCode;
 
-// 0 (noErr) is success, negative numbers are published errors.
+/// 0 (noErr) is success, negative numbers are published errors.
 using OSErr = SInt16;
 using OSStatus = SInt32;
 
-// A count of bytes.
+/// A count of bytes.
 using Size = long;
 using Ptr = char*;
 

@@ -21,7 +21,7 @@ struct ConformEnded
     std::string strOutput;
     std::string strError;
 
-    // The rules with this outcome.
+    /// The rules with this outcome.
     std::vector<std::string> Rules(const std::string& strOutcome) const
     {
         std::vector<std::string> names;
@@ -32,7 +32,7 @@ struct ConformEnded
         return names;
     }
 
-    // What is told of a rule's last exchange, a line each.
+    /// What is told of a rule's last exchange, a line each.
     std::string Told(const std::string& strRule) const
     {
         std::string strTold;

@@ -27,7 +27,7 @@ inline void WriteText(const std::filesystem::path& path, const std::string& strT
 class EditorFixture : public testing::Test
 {
 protected:
-    // Noise of 16 bits.
+    /// Noise of 16 bits.
     std::string Sound(const std::string& strName, std::size_t nFrames, int nChannels = 1,
                       int nRate = 48000, unsigned nSeed = 1)
     {
@@ -36,7 +36,7 @@ protected:
                          nRate, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
     }
 
-    // The whole file's first nLength frames.
+    /// The whole file's first nLength frames.
     Tarvane::Editor::Region RegionOf(const std::string& strFile, std::int64_t nPosition,
                                      std::int64_t nLength)
     {

@@ -16,7 +16,7 @@ namespace TarvaneTest
 class CFakeAudacity
 {
 public:
-    // It shows the project, or an empty one without a name.
+    /// It shows the project, or an empty one without a name.
     explicit CFakeAudacity(const std::filesystem::path& pipes,
                            const std::filesystem::path& project = {})
         : m_process(project.empty()
@@ -27,7 +27,7 @@ public:
         EXPECT_TRUE(m_process.WaitForLine("ready", kLong)) << m_process.ErrorOutput();
     }
 
-    // As fake-audacity.py tells.
+    /// As fake-audacity.py tells.
     void Prepare(const std::string& strFault)
     {
         m_process.WriteLine(strFault);
@@ -35,7 +35,7 @@ public:
     }
     void Go() { m_process.WriteLine("go"); }
 
-    // "track clip start rate frames channels muted" of each.
+    /// "track clip start rate frames channels muted" of each.
     std::vector<std::string> Tracks()
     {
         m_process.WriteLine("state");
@@ -55,7 +55,7 @@ public:
         }
         return tracks;
     }
-    // All that it was told so far, in lines.
+    /// All that it was told so far, in lines.
     std::string Done() const { return m_process.Output(); }
     Tarvane::CChildProcess& Process() { return m_process; }
 

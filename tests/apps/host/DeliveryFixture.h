@@ -31,7 +31,7 @@ protected:
         unsetenv("TARVANE_AE_TRACE");
     }
 
-    // Takes effect in hosts that start from now on.
+    /// Takes effect in hosts that start from now on.
     void ShortenTimeout() { setenv("TARVANE_AE_DEFAULT_TIMEOUT_TICKS", "30", 1); }
 
     void StartServerWith(const std::vector<std::string>& options)
@@ -54,7 +54,7 @@ protected:
         host.emplace(HostCommand(std::move(options)));
     }
 
-    // The host shows every command that it sends, from now on: Sent counts them.
+    /// The host shows every command that it sends, from now on: Sent counts them.
     void TraceHost() { setenv("TARVANE_AE_TRACE", "1", 1); }
     size_t Sent() { return Count(host->Process().ErrorOutput(), " out to 'TkNe', "); }
     size_t SentInVain(int nStatus)
@@ -76,7 +76,7 @@ protected:
         return nCount;
     }
 
-    // How often the server was asked something.
+    /// How often the server was asked something.
     size_t Asked(const std::string& strFunction) const
     {
         return Count(FileText(folder / "server.log"), strFunction);
@@ -100,7 +100,7 @@ protected:
         EXPECT_TRUE(std::filesystem::exists(capture["dub"].get<std::string>()));
     }
 
-    // The server is there again: the same host delivers, once.
+    /// The server is there again: the same host delivers, once.
     void ExpectNextCaptureWorks(double dPosition, int nElement)
     {
         const nlohmann::json capture = CaptureOne(dPosition);
@@ -110,7 +110,7 @@ protected:
         EXPECT_EQ(Regions().back().nPosition, 96000 + dPosition);
     }
 
-    // A server is there: what could not be delivered at 100 is, by itself, and so is the next one.
+    /// A server is there: what could not be delivered at 100 is, by itself, and so is the next one.
     void ExpectTheLostOneArrivesAndTheNextWorks()
     {
         const nlohmann::json late = NextLate(*host);

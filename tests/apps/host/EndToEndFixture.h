@@ -27,7 +27,7 @@ protected:
         ASSERT_TRUE(server->WaitForLine("ready", kLong)) << server->ErrorOutput();
     }
 
-    // As when its process is lost, not as when it is closed.
+    /// As when its process is lost, not as when it is closed.
     void KillServer()
     {
         server->Kill();
@@ -47,14 +47,14 @@ protected:
         return RunToEnd(HostCommand(options));
     }
 
-    // The next delivery of a capture that was told of before, or by an earlier host.
+    /// The next delivery of a capture that was told of before, or by an earlier host.
     static nlohmann::json NextLate(Tarvane::CHostClient& host)
     {
         const auto strLine = host.Process().WaitForLine("\"event\":\"late\"", kLong);
         return strLine ? nlohmann::json::parse(*strLine) : nlohmann::json();
     }
 
-    // The regions of the script document.
+    /// The regions of the script document.
     std::vector<Tarvane::Server::Region> Regions() const
     {
         return Session().GetDocument(Tarvane::Server::DocumentKind::Script).regions;

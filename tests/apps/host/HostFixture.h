@@ -17,7 +17,7 @@
 namespace TarvaneTest
 {
 
-// No test waits for it when all is well.
+/// No test waits for it when all is well.
 constexpr std::chrono::minutes kLong{3};
 
 struct ProcessOutcome

@@ -14,9 +14,9 @@
 namespace TarvaneTest
 {
 
-// What LookAtEventBus answers.
+/// What LookAtEventBus answers.
 extern Tarvane::Link::BusState busState;
-// What CarriersError answers.
+/// What CarriersError answers.
 extern std::string strCarriersError;
 
 struct Ran
@@ -29,10 +29,10 @@ struct Ran
     nlohmann::json Findings() const { return Json()["findings"]; }
 };
 
-// Runs the program with these arguments, its name left out.
+/// Runs the program with these arguments, its name left out.
 Ran RunLink(const std::vector<std::string>& arguments);
 
-// The server answers a script by the first rule whose part is in it; without one it prints nothing.
+/// The server answers a script by the first rule whose part is in it; by none it prints nothing.
 class LinkTest : public testing::Test
 {
 protected:

@@ -26,7 +26,7 @@ class ProgramTest : public testing::Test
 protected:
     using Child = std::unique_ptr<Tarvane::CChildProcess>;
 
-    // The takes that wait are those of the test, not those that another program leaves.
+    /// The takes that wait are those of the test, not those that another program leaves.
     ProgramTest() { ::setenv("XDG_STATE_HOME", (m_folder / "state").c_str(), 1); }
 
     struct Ended
@@ -79,7 +79,7 @@ private:
     }
 };
 
-// The real server with two tracks and a session that can be looked into, and a take to send.
+/// The real server with two tracks and a session that can be looked into, and a take to send.
 class RealServerTest : public ProgramTest
 {
 protected:

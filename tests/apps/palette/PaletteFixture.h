@@ -24,7 +24,7 @@ inline std::string FileText(const std::filesystem::path& path)
     return text.str();
 }
 
-// Each test begins with the default palette and an empty folder.
+/// Each test begins with the default palette and an empty folder.
 class PaletteTest : public testing::Test
 {
   protected:
@@ -52,7 +52,7 @@ class PaletteTest : public testing::Test
         return pFill;
     }
 
-    // Writes a session with these entries, each as its own Save has it and `fnChange` leaves it.
+    /// Writes a session with these entries, each as its own Save has it and `fnChange` leaves it.
     template <class Change>
     std::filesystem::path WriteEntries(std::initializer_list<CComponentColour*> entries,
                                        Change fnChange)

@@ -42,7 +42,7 @@ inline std::string ReplyLine(int nNumber, long long nTime, const nlohmann::json&
            "\n";
 }
 
-// An event and its printed result.
+/// An event and its printed result.
 inline std::string ExchangeLines(int nNumber, const std::string& strScript,
                                  const std::string& strResult)
 {

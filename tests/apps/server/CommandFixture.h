@@ -36,7 +36,7 @@ protected:
         return Tarvane::Server::CRenderFolder(m_folder / "made");
     }
 
-    // The same with the script document selected.
+    /// The same with the script document selected.
     std::string SelectedResult(const std::string& strScript)
     {
         return Result("SelectScriptDocument() " + strScript);

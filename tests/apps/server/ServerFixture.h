@@ -19,7 +19,7 @@ namespace TarvaneTest
 
 constexpr std::chrono::seconds kAnyTime{60};
 
-// The bus of all tests of the program.
+/// The bus of all tests of the program.
 TarvaneTests::PrivateBus& Bus();
 
 class ServerFixture : public testing::Test
@@ -29,7 +29,7 @@ protected:
 
     ServerFixture() { Bus(); }
 
-    // A server that need not come up. prefix: a program that becomes the server, with its options.
+    /// A server that need not come up. prefix: a program that becomes the server, with its options.
     static Child StartAnyway(const std::vector<std::string>& options,
                              std::vector<std::string> prefix = {})
     {
@@ -38,7 +38,7 @@ protected:
         return std::make_unique<Tarvane::CChildProcess>(prefix);
     }
 
-    // A server that answers.
+    /// A server that answers.
     static Child Start(const std::vector<std::string>& options,
                        const std::vector<std::string>& prefix = {})
     {
@@ -47,7 +47,7 @@ protected:
         return server;
     }
 
-    // Runs a server that ends by itself.
+    /// Runs a server that ends by itself.
     struct Ended
     {
         int nExitCode;
@@ -64,7 +64,7 @@ protected:
 
     std::string Path(const std::string& strName) const { return (m_folder / strName).string(); }
 
-    // A script that adds the take to the first track.
+    /// A script that adds the take to the first track.
     std::string Add(std::int64_t nPosition) const
     {
         return "if SelectScriptDocument() then\nidTrack = GetTrackID(0)\nAddAudioRegion(idTrack, "

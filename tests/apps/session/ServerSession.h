@@ -27,7 +27,7 @@ public:
         m_script.AddParameter("Track", &track);
     }
 
-    // Samples nStart up to nEnd of a file whose first sample is at nPosition.
+    /// Samples nStart up to nEnd of a file whose first sample is at nPosition.
     void AddRegion(long long nId, long long nTrack, const std::string& strFile, long long nStart,
                    long long nEnd, long long nPosition, int nRate = 48000, bool fMuted = false,
                    const std::vector<int>& channels = {})

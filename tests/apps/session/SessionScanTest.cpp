@@ -9,7 +9,7 @@ using namespace Tarvane::Session;
 namespace
 {
 
-/// Names "A" and "B", then the root, which holds what follows.
+// Names "A" and "B", then the root, which holds what follows.
 Bytes Start(std::uint32_t nChildren)
 {
     return Bytes()

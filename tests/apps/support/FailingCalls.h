@@ -7,8 +7,8 @@
 namespace TarvaneTest
 {
 
-// For the life of the object the n-th call from now on (from 1) of "write", "fsync" or "rename"
-// fails with the error. One at a time.
+/// For the life of the object the n-th call from now on (from 1) of "write", "fsync" or "rename"
+/// fails with the error. One at a time.
 class CFailingCall
 {
 public:
@@ -20,8 +20,8 @@ public:
     bool HasFailed() const;
 };
 
-// For the life of the object such a call makes the file "<strFile>.reached" and waits until strFile
-// is there, in processes forked meanwhile as well.
+/// For the life of the object such a call makes the file "<strFile>.reached" and waits until
+/// strFile is there, in processes forked meanwhile as well.
 class CWaitingCall
 {
 public:

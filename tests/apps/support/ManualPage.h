@@ -13,7 +13,7 @@
 namespace TarvaneTest
 {
 
-// The words that begin with two hyphens.
+/// The words that begin with two hyphens.
 inline std::set<std::string> OptionsIn(const std::string& strText)
 {
     constexpr const char* kLetters = "abcdefghijklmnopqrstuvwxyz-";
@@ -27,7 +27,7 @@ inline std::set<std::string> OptionsIn(const std::string& strText)
     return options;
 }
 
-// As it is read: without the backslash that keeps a hyphen a hyphen.
+/// As it is read: without the backslash that keeps a hyphen a hyphen.
 inline std::string ManualPage(const std::string& strFile)
 {
     std::ifstream file(strFile);
@@ -37,8 +37,8 @@ inline std::string ManualPage(const std::string& strFile)
     return strText;
 }
 
-// Each option has a paragraph of its own, headed by its name and the name of its value; the page
-// knows no other options, and tells what each exit code means.
+/// Each option has a paragraph of its own, headed by its name and the name of its value; the page
+/// knows no other options, and tells what each exit code means.
 inline void ExpectManualDescribes(const CLI::App& app, const std::string& strFile)
 {
     const std::string strPage = ManualPage(strFile);

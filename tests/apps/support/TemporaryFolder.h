@@ -30,7 +30,7 @@ public:
     const std::filesystem::path& Path() const { return m_path; }
     std::filesystem::path operator/(const std::string& strName) const { return m_path / strName; }
 
-    // Every file below, hidden ones too, as relative names in order.
+    /// Every file below, hidden ones too, as relative names in order.
     std::vector<std::string> Files() const
     {
         std::vector<std::string> names;

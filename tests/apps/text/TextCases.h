@@ -12,10 +12,10 @@ struct Fate
 {
     enum Kind
     {
-        kCarried,   // arrives as it was
-        kChanged,   // arrives as strText
-        kRefused,   // with words that hold strText
-        kImpossible // nothing can be called that here
+        kCarried,   ///< arrives as it was
+        kChanged,   ///< arrives as strText
+        kRefused,   ///< with words that hold strText
+        kImpossible ///< nothing can be called that here
     };
     Kind kind = kCarried;
     std::string strText = {};
@@ -37,17 +37,17 @@ inline Fate Impossible()
 struct TextCase
 {
     const char* szName;
-    std::string strText; // bytes; a unit of UTF-16 without its partner as the three bytes of its
-                         // number
+    std::string strText; ///< bytes; a unit of UTF-16 without its partner as the three bytes of its
+                         ///< number
 
-    Fate event = {};   // in the units of an event's 'utxt', through a script and back in its reply
-    Fate command = {}; // in a script of the link, and back in what it printed
-    Fate track = {};   // a track of the server, as it is listed, in JSON too
-    Fate title = {};   // of that track in the view's menu
-    Fate path = {};    // a file, sent by the script link
-    Fate sent = {};    // the same file, sent by tarvane-link
-    Fate dub = {};     // a sound file, captured by tarvane-host: the name of the capture
-    Fate entry = {};   // the name of an entry of a session; its values hold any bytes
+    Fate event = {}; ///< in the units of an event's 'utxt', through a script and back in its reply
+    Fate command = {}; ///< in a script of the link, and back in what it printed
+    Fate track = {};   ///< a track of the server, as it is listed, in JSON too
+    Fate title = {};   ///< of that track in the view's menu
+    Fate path = {};    ///< a file, sent by the script link
+    Fate sent = {};    ///< the same file, sent by tarvane-link
+    Fate dub = {};     ///< a sound file, captured by tarvane-host: the name of the capture
+    Fate entry = {};   ///< the name of an entry of a session; its values hold any bytes
 };
 
 inline std::string Repeat(std::string_view text, std::size_t nTimes)
@@ -63,7 +63,7 @@ inline constexpr const char* kNotUtf8 = "is not UTF-8";
 inline constexpr const char* kOpenQuote = "unfinished string";
 inline constexpr const char* kUnquotable = "cannot be sent; rename";
 
-// A control character that neither ends a line nor a text.
+/// A control character that neither ends a line nor a text.
 inline TextCase Control(const char* szName, std::string_view text)
 {
     return {.szName = szName,
@@ -72,7 +72,7 @@ inline TextCase Control(const char* szName, std::string_view text)
             .dub = Changed("a_b")};
 }
 
-// Bytes that are no UTF-8; each stray one comes out of a conversion as U+FFFD.
+/// Bytes that are no UTF-8; each stray one comes out of a conversion as U+FFFD.
 inline TextCase Stray(const char* szName, std::string_view text)
 {
     const std::string strRepaired = "a" + Repeat("\xEF\xBF\xBD", text.size()) + "b";
@@ -86,7 +86,7 @@ inline TextCase Stray(const char* szName, std::string_view text)
             .dub = Changed(strRepaired)};
 }
 
-// Half of a character in UTF-16. It can be in an event, and in no UTF-8.
+/// Half of a character in UTF-16. It can be in an event, and in no UTF-8.
 inline TextCase Half(const char* szName, std::string_view text)
 {
     TextCase half = Stray(szName, text);

@@ -6,7 +6,7 @@
 namespace TarvaneTest
 {
 
-// docs/text.md as the table has it.
+/// docs/text.md as the table has it.
 std::string TextPage();
 
 } // namespace TarvaneTest

@@ -19,12 +19,12 @@
 namespace AppleEventTests
 {
 
-// A bound for what must come to an end by itself: generous, and never waited for in full unless
-// something is broken.
+/// A bound for what must come to an end by itself: generous, and never waited for in full unless
+/// something is broken.
 inline constexpr SInt32 kPlentyTicks = 40 * 60;
 inline constexpr std::chrono::seconds kPlentyTime{40};
 
-// Descriptors of one test, disposed of at its end.
+/// Descriptors of one test, disposed of at its end.
 struct Desc : AEDesc
 {
     Desc() : AEDesc{typeNull, nullptr} {}
@@ -94,7 +94,7 @@ inline SInt32 NumberIn(Desc& reply)
     return value;
 }
 
-// The status and the text with which an echo of `text` came back.
+/// The status and the text with which an echo of `text` came back.
 inline std::pair<OSErr, std::string> Echo(const std::string& text, OSType signature = 'Tst1')
 {
     Desc event = NewEvent(TestReceiver::kEcho, signature);
@@ -104,7 +104,7 @@ inline std::pair<OSErr, std::string> Echo(const std::string& text, OSType signat
     return {status, status == noErr ? Text(reply, keyDirectObject) : ""};
 }
 
-// In hexadecimal digits: Foundation takes no arguments but UTF-8.
+/// In hexadecimal digits: Foundation takes no arguments but UTF-8.
 inline std::string Digits(OSType signature)
 {
     char digits[9];
@@ -122,7 +122,7 @@ inline Child StartReceiver(OSType signature, const std::string& expected = "read
     return receiver;
 }
 
-// How many events the receiver has handled.
+/// How many events the receiver has handled.
 inline SInt32 HandledEvents()
 {
     Desc event = NewEvent(TestReceiver::kCount);

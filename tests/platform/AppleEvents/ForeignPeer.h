@@ -11,14 +11,14 @@
 namespace AppleEventTests
 {
 
-// A connection to the session bus, ready for use. Throws std::runtime_error.
+/// A connection to the session bus, ready for use. Throws std::runtime_error.
 AppleEvents::BusRef ConnectToBus();
 
-// How many connections the bus has.
+/// How many connections the bus has.
 int ConnectionsOnTheBus(sd_bus* bus);
 
-// Owns the bus name of a signature and answers each call, whatever it is, with what `answer`
-// returns: a reply to send, or null for none.
+/// Owns the bus name of a signature and answers each call, whatever it is, with what `answer`
+/// returns: a reply to send, or null for none.
 class ForeignReceiver
 {
 public:

@@ -13,8 +13,8 @@
 namespace AppleEventTests
 {
 
-// A session bus that takes connections and bytes and says nothing, named by
-// DBUS_SESSION_BUS_ADDRESS while it lives. Beyond the backlog it takes no connections either.
+/// A session bus that takes connections and bytes and says nothing, named by
+/// DBUS_SESSION_BUS_ADDRESS while it lives. Beyond the backlog it takes no connections either.
 class MuteBus
 {
 public:

@@ -5,8 +5,8 @@
 #include <functional>
 #include <thread>
 
-// A thread that runs its run loop, in the default mode or another, until the object
-// goes. The mode must live as long.
+/// A thread that runs its run loop, in the default mode or another, until the object
+/// goes. The mode must live as long.
 class RunLoopThread
 {
 public:
@@ -25,6 +25,6 @@ private:
     std::thread m_thread;
 };
 
-// Runs the calling thread's run loop in `mode` until `done` or ten seconds have passed; says
-// which.
+/// Runs the calling thread's run loop in `mode` until `done` or ten seconds have passed; says
+/// which.
 bool RunUntil(const std::function<bool()>& done, CFStringRef mode = kCFRunLoopDefaultMode);

@@ -5,25 +5,25 @@
 #include <string>
 #include <vector>
 
-// A unit as a plug-in maker would write it against the public interface: one property of eight
-// bytes, listeners, one parameter. What it is asked stands in `log`.
+/// A unit as a plug-in maker would write it against the public interface: one property of eight
+/// bytes, listeners, one parameter. What it is asked stands in `log`.
 class TestUnit
 {
 public:
     static constexpr AudioUnitPropertyID kValueProperty = 64010;
 
-    // Registers a component under `subType`.
+    /// Registers a component under `subType`.
     static AudioComponent Register(OSType subType, UInt32 flags = 0);
 
-    // The unit opened last; null when none is open.
+    /// The unit opened last; null when none is open.
     static TestUnit* Last();
     static int CountAlive();
 
-    // What the next factory call and the next `Open` answer.
+    /// What the next factory call and the next `Open` answer.
     static bool s_fFactoryFails;
     static OSStatus s_nOpenStatus;
     static OSStatus s_nCloseStatus;
-    // What `Open` and `Close` saw when they asked the unit for its property.
+    /// What `Open` and `Close` saw when they asked the unit for its property.
     static OSStatus s_nStatusWhileOpening;
     static OSStatus s_nStatusWhileClosing;
 
@@ -42,7 +42,7 @@ private:
         void* userData;
     };
 
-    // What the platform holds: the interface, with the unit behind it.
+    /// What the platform holds: the interface, with the unit behind it.
     struct PlugIn : AudioComponentPlugInInterface
     {
         TestUnit* unit;

@@ -10,7 +10,7 @@
 namespace TarvaneTests
 {
 
-// A white canvas of 60 by 40, and what is drawn on it.
+/// A white canvas of 60 by 40, and what is drawn on it.
 class CanvasTest : public testing::Test
 {
   protected:

@@ -69,7 +69,7 @@ inline const void* Retrieve(LV2_State_Handle handle, std::uint32_t nKey, std::si
     return state[nKey].bytes.data();
 }
 
-// A host with one instance.
+/// A host with one instance.
 class CHostOfOne
 {
 public:
@@ -116,7 +116,7 @@ public:
     LV2_Handle Instance() const { return m_handle; }
     const LV2_Descriptor& Descriptor() const { return *m_pDescriptor; }
 
-    // An event of the coming cycle: the transport stands there, with numbers of these types.
+    /// An event of the coming cycle: the transport stands there, with numbers of these types.
     template <typename Frame, typename Speed>
     void TellTyped(std::uint32_t nAt, Frame&& fnFrame, Speed&& fnSpeed, bool fBlank = false)
     {
@@ -138,8 +138,8 @@ public:
             [&] { lv2_atom_forge_float(&m_forge, fSpeed); });
     }
 
-    // One cycle of the audio of the timeline from the position on; from the place nJumpAt on that
-    // of another.
+    /// One cycle of the audio of the timeline from the position on; from the place nJumpAt on that
+    /// of another.
     void Run(std::int64_t nPosition, std::uint32_t nJumpAt = kCycle, std::int64_t nThere = 0)
     {
         for (std::uint32_t nChannel = 0; nChannel < m_nChannels; ++nChannel)
@@ -155,8 +155,8 @@ public:
         EXPECT_EQ(m_inputs, m_outputs) << "audio passes through";
         BeginEvents();
     }
-    // So many cycles of the timeline from its beginning on, as fast as the plug-in takes them.
-    // Counts those that are done.
+    /// So many cycles of the timeline from its beginning on, as fast as the plug-in takes them.
+    /// Counts those that are done.
     void RunThrough(std::uint32_t nCycles, std::atomic<std::uint32_t>& nDone)
     {
         std::vector<std::vector<float>> timeline(m_nChannels);
@@ -181,8 +181,8 @@ public:
     void Arm(bool fArm) { m_fArm = fArm ? 1 : 0; }
     void SetFreeWheeling() { m_fFreeWheeling = 1; }
     float Latency() const { return m_fLatency; }
-    // How often the thread that ran the plug-in has given up the processor to wait for something.
-    // The processor being taken from it by others does not count.
+    /// How often the thread that ran the plug-in has given up the processor to wait for something.
+    /// The processor being taken from it by others does not count.
     long Waits() const { return m_nWaits; }
 
     State Save()

@@ -4,7 +4,7 @@
 
 #include <string>
 
-// A CF string of a test's own.
+/// A CF string of a test's own.
 class CFText
 {
 public:
@@ -12,7 +12,7 @@ public:
         : m_str(CFStringCreateWithCString(kCFAllocatorDefault, pszText, kCFStringEncodingUTF8))
     {
     }
-    // Half a surrogate pair between two letters: has no UTF-8 form.
+    /// Half a surrogate pair between two letters: has no UTF-8 form.
     static CFText WithoutUtf8() { return CFText(CreateWithoutUtf8()); }
     ~CFText() { CFRelease(m_str); }
     CFText(const CFText&) = delete;
@@ -27,8 +27,8 @@ private:
     CFStringRef m_str;
 };
 
-// The UTF-8 bytes of a string that the caller owns, which is released. "(null)" for null,
-// "(shared)" if somebody else owns it as well.
+/// The UTF-8 bytes of a string that the caller owns, which is released. "(null)" for null,
+/// "(shared)" if somebody else owns it as well.
 inline std::string TakenText(CFStringRef str)
 {
     if (str == nullptr)

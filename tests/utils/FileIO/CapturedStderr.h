@@ -4,7 +4,7 @@
 #include <string>
 #include <unistd.h>
 
-// Takes what the process writes to the standard error stream, the system log's lines included.
+/// Takes what the process writes to the standard error stream, the system log's lines included.
 class CapturedStderr
 {
 public:
@@ -23,7 +23,7 @@ public:
     CapturedStderr(const CapturedStderr&) = delete;
     CapturedStderr& operator=(const CapturedStderr&) = delete;
 
-    // All of it so far.
+    /// All of it so far.
     std::string Text() const
     {
         std::fflush(stderr);
@@ -40,8 +40,8 @@ public:
         return strText;
     }
 
-    // The words of the one line in the log, behind its time and process. All of the text if it is
-    // not one such line.
+    /// The words of the one line in the log, behind its time and process. All of the text if it is
+    /// not one such line.
     std::string LogLine() const
     {
         const std::string strText = Text();

@@ -3,7 +3,7 @@
 extern "C" void __lsan_disable() __attribute__((weak));
 extern "C" void __lsan_enable() __attribute__((weak));
 
-// What is allocated in its life may stay allocated: a leak checker, if there is one, looks away.
+/// What is allocated in its life may stay allocated: a leak checker, if there is one, looks away.
 class LeakByDesign
 {
 public:

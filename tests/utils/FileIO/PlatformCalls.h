@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #import <objc/runtime.h>
 
-// NSTemporaryDirectory answers with the given path, or nil, for the life of a scope.
+/// NSTemporaryDirectory answers with the given path, or nil, for the life of a scope.
 class TemporaryDirectoryScope
 {
   public:
@@ -14,7 +14,7 @@ class TemporaryDirectoryScope
     TemporaryDirectoryScope& operator=(const TemporaryDirectoryScope&) = delete;
 };
 
-// A method has another body for the life of a scope.
+/// A method has another body for the life of a scope.
 class MethodScope
 {
   public:
@@ -33,15 +33,15 @@ class MethodScope
     IMP m_original;
 };
 
-// Each test runs inside an autorelease pool of its own.
+/// Each test runs inside an autorelease pool of its own.
 class PoolTest : public testing::Test
 {
   protected:
     PoolTest() : m_pool([[NSAutoreleasePool alloc] init]) {}
     ~PoolTest() override { [m_pool drain]; }
 
-    // How many objects the operation leaves in the caller's pool; -1 if it leaves a pool of its own
-    // open, which then catches the one that is added here.
+    /// How many objects the operation leaves in the caller's pool; -1 if it leaves a pool of its
+    /// own open, which then catches the one that is added here.
     template <typename Operation> long ObjectsLeftBy(Operation operation)
     {
         const long nBefore = [m_pool autoreleaseCount];

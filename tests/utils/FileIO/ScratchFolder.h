@@ -8,7 +8,7 @@
 #include <iterator>
 #include <string>
 
-// A folder of a test's own, gone with all its files at the end.
+/// A folder of a test's own, gone with all its files at the end.
 class ScratchFolder
 {
 public:

@@ -50,7 +50,7 @@ BusRef OpenBus()
     return BusRef(bus);
 }
 
-/// Nothing where the name has gone meanwhile.
+// Nothing where the name has gone meanwhile.
 std::optional<pid_t> ProcessOf(sd_bus* bus, const char* szName)
 {
     sd_bus_creds* creds = nullptr;
@@ -62,7 +62,7 @@ std::optional<pid_t> ProcessOf(sd_bus* bus, const char* szName)
     return result < 0 ? std::nullopt : std::optional(process);
 }
 
-/// A connection to which the bus shows what the rule says, and on which nothing can be asked.
+// A connection to which the bus shows what the rule says, and on which nothing can be asked.
 BusRef OpenMonitor(const char* szRule)
 {
     BusRef bus = OpenBus();
@@ -76,7 +76,7 @@ BusRef OpenMonitor(const char* szRule)
     return bus;
 }
 
-/// Null once the time is over.
+// Null once the time is over.
 MessageRef NextMessage(sd_bus* monitor, Clock::time_point end)
 {
     for (;;)

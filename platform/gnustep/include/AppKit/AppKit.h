@@ -1,8 +1,8 @@
 #pragma once
 
-// GNUstep declares the methods of NSMenuDelegate as required, though it describes them as
-// optional and calls only those that are there. Nobody can adopt that without a page of warnings,
-// so the name stands for the published form here.
+/// GNUstep declares the methods of NSMenuDelegate as required, though it describes them as
+/// optional and calls only those that are there. Nobody can adopt that without a page of warnings,
+/// so the name stands for the published form here.
 #define NSMenuDelegate GNUstepMenuDelegate
 #include_next <AppKit/AppKit.h>
 #undef NSMenuDelegate

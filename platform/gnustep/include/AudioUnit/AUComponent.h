@@ -81,12 +81,12 @@ struct AudioUnitProperty
     AudioUnitElement mElement;
 };
 
-// Called by the plug-in, on any thread, the real-time one included.
+/// Called by the plug-in, on any thread, the real-time one included.
 using AudioUnitPropertyListenerProc = void (*)(void* userData, AudioUnit unit,
                                                AudioUnitPropertyID id, AudioUnitScope scope,
                                                AudioUnitElement element);
 
-// What `Lookup` answers with, before the cast to AudioComponentMethod.
+/// What `Lookup` answers with, before the cast to AudioComponentMethod.
 using AudioUnitGetPropertyInfoProc = OSStatus (*)(void* self, AudioUnitPropertyID id,
                                                   AudioUnitScope scope, AudioUnitElement element,
                                                   UInt32* dataSize, Boolean* writable);
@@ -107,28 +107,28 @@ using AudioUnitGetParameterProc = OSStatus (*)(void* self, AudioUnitParameterID 
 
 extern "C"
 {
-    // Either result may be null.
+    /// Either result may be null.
     OSStatus AudioUnitGetPropertyInfo(AudioUnit unit, AudioUnitPropertyID id, AudioUnitScope scope,
                                       AudioUnitElement element, UInt32* dataSize,
                                       Boolean* writable);
 
-    // `*dataSize` is the room at `data` in bytes, and afterwards the size of the value.
-    // kAudio_ParamError when it is null.
+    /// `*dataSize` is the room at `data` in bytes, and afterwards the size of the value.
+    /// kAudio_ParamError when it is null.
     OSStatus AudioUnitGetProperty(AudioUnit unit, AudioUnitPropertyID id, AudioUnitScope scope,
                                   AudioUnitElement element, void* data, UInt32* dataSize);
 
     OSStatus AudioUnitSetProperty(AudioUnit unit, AudioUnitPropertyID id, AudioUnitScope scope,
                                   AudioUnitElement element, const void* data, UInt32 dataSize);
 
-    // The unit calls `listener` until the same pair of listener and user data is removed.
-    // kAudio_ParamError for adding a null listener.
+    /// The unit calls `listener` until the same pair of listener and user data is removed.
+    /// kAudio_ParamError for adding a null listener.
     OSStatus AudioUnitAddPropertyListener(AudioUnit unit, AudioUnitPropertyID id,
                                           AudioUnitPropertyListenerProc listener, void* userData);
     OSStatus AudioUnitRemovePropertyListenerWithUserData(AudioUnit unit, AudioUnitPropertyID id,
                                                          AudioUnitPropertyListenerProc listener,
                                                          void* userData);
 
-    // kAudio_ParamError for a null `value`.
+    /// kAudio_ParamError for a null `value`.
     OSStatus AudioUnitGetParameter(AudioUnit unit, AudioUnitParameterID id, AudioUnitScope scope,
                                    AudioUnitElement element, AudioUnitParameterValue* value);
 }

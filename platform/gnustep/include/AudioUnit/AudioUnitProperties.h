@@ -14,12 +14,12 @@ enum : AudioUnitScope
 
 enum : AudioUnitPropertyID
 {
-    // An AudioUnitCocoaViewInfo, global scope. The reader releases what is in it.
+    /// An AudioUnitCocoaViewInfo, global scope. The reader releases what is in it.
     kAudioUnitProperty_CocoaUI = 31,
 };
 
-// The bundle that holds the view's factory, and the names of factory classes (AUCocoaUIBase);
-// the property's size tells how many there are.
+/// The bundle that holds the view's factory, and the names of factory classes (AUCocoaUIBase);
+/// the property's size tells how many there are.
 struct AudioUnitCocoaViewInfo
 {
     CFURLRef mCocoaAUViewBundleLocation;

@@ -17,7 +17,7 @@ using CFIndex = long;
 using CFHashCode = unsigned long;
 using CFTypeID = unsigned long;
 using CFOptionFlags = unsigned long;
-using CFTimeInterval = double; // seconds
+using CFTimeInterval = double; ///< seconds
 
 using CFStringRef = const struct __CFString*;
 using CFMutableStringRef = struct __CFString*;
@@ -41,14 +41,14 @@ constexpr CFRange CFRangeMake(CFIndex location, CFIndex length)
 
 extern "C"
 {
-    // The one allocator there is. An allocator argument is not looked at.
+    /// The one allocator there is. An allocator argument is not looked at.
     extern const CFAllocatorRef kCFAllocatorDefault;
 
-    // Returns its argument.
+    /// Returns its argument.
     CFTypeRef CFRetain(CFTypeRef object);
     void CFRelease(CFTypeRef object);
 
-    // For tests and diagnostics. Says nothing of objects that are never destroyed, such as the
-    // empty string; 0 for null.
+    /// For tests and diagnostics. Says nothing of objects that are never destroyed, such as the
+    /// empty string; 0 for null.
     CFIndex CFGetRetainCount(CFTypeRef object);
 }

@@ -3,7 +3,7 @@
 
 #include <unistd.h>
 
-// As fsync, of a file or a folder: 0, or -1 and errno. Blocks for as long as the disk takes.
+/// As fsync, of a file or a folder: 0, or -1 and errno. Blocks for as long as the disk takes.
 inline int TarvaneSyncFile(int descriptor)
 {
     return ::fsync(descriptor);

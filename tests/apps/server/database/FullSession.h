@@ -79,7 +79,7 @@ inline void ExpectFullSession(const Tarvane::Server::CSession& session)
     EXPECT_EQ(other.regions.size() + other.markerAreas.size() + other.processes.size(), 0u);
 }
 
-// As the server wrote it before sessions were binary.
+/// As the server wrote it before sessions were binary.
 inline constexpr const char* szFullText = R"({
  "form": "Tarvane Link session",
  "version": 1,

@@ -11,7 +11,7 @@
 namespace Tarvane::Server
 {
 
-// What it prints; it must not fail.
+/// What it prints; it must not fail.
 inline std::string Output(std::string_view strScript)
 {
     const ScriptResult result = RunScript(strScript, {});

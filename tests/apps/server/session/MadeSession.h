@@ -9,7 +9,7 @@
 namespace TarvaneTest
 {
 
-// In the middle of a command.
+/// In the middle of a command.
 class CMadeSession : public Tarvane::Server::CSessionDatabase
 {
 public:

@@ -10,8 +10,8 @@
 namespace TarvaneTest
 {
 
-// Samples in -1..1, below 1 in whole-number formats; channels side by side. What a format can hold
-// is written exactly.
+/// Samples in -1..1, below 1 in whole-number formats; channels side by side. What a format can hold
+/// is written exactly.
 inline std::string MakeSound(const std::filesystem::path& path, const std::vector<double>& samples,
                              int nChannels = 1, int nRate = 48000,
                              int nFormat = SF_FORMAT_WAV | SF_FORMAT_PCM_24)
@@ -41,7 +41,7 @@ inline std::string MakeSound(const std::filesystem::path& path, const std::vecto
     return path.string();
 }
 
-// Every sample of a file, exactly.
+/// Every sample of a file, exactly.
 inline std::vector<double> ReadSamples(const std::filesystem::path& path)
 {
     SF_INFO info{};
@@ -56,7 +56,7 @@ inline std::vector<double> ReadSamples(const std::filesystem::path& path)
     return samples;
 }
 
-// Samples of which no two stretches are alike, exact in 16 bits. Another seed makes other samples.
+/// Samples of which no two stretches are alike, exact in 16 bits. Another seed makes other samples.
 inline std::vector<double> Noise(std::size_t nSamples, unsigned nSeed = 1)
 {
     std::vector<double> samples(nSamples);

@@ -9,8 +9,8 @@
 namespace TarvaneTest
 {
 
-// Whole-number samples, no two neighbours alike, from -2^31 to 2^31 - 1 in steps that reach every
-// bit. The lowest bits that a form does not keep are cleared by its width.
+/// Whole-number samples, no two neighbours alike, from -2^31 to 2^31 - 1 in steps that reach every
+/// bit. The lowest bits that a form does not keep are cleared by its width.
 inline std::vector<int> KnownSamples(size_t nCount)
 {
     std::vector<int> samples(nCount);

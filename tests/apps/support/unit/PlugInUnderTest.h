@@ -21,9 +21,9 @@ struct Notification
 {
     AudioUnitPropertyID nId;
     std::thread::id thread;
-    SInt32 nNext;   // 64007 at that moment
-    UInt8 fArmed;   // 64004
-    double dLength; // 64010
+    SInt32 nNext;   ///< 64007 at that moment
+    UInt8 fArmed;   ///< 64004
+    double dLength; ///< 64010
 };
 
 class CPlugInUnderTest
@@ -100,7 +100,7 @@ public:
         return sources / strName;
     }
 
-    // Arms with the file and waits until it is published.
+    /// Arms with the file and waits until it is published.
     void Capture(const std::filesystem::path& file, double dPosition = 0)
     {
         const size_t nBefore = Count(TNProperty_Elements);
@@ -109,7 +109,7 @@ public:
         WaitFor([&] { return CountLocked(TNProperty_Elements) > nBefore; });
     }
 
-    // Waits, woken by every notification, for a state that is sure to come.
+    /// Waits, woken by every notification, for a state that is sure to come.
     void WaitFor(const std::function<bool()>& fReached)
     {
         std::unique_lock lock(m_mutex);
@@ -125,7 +125,7 @@ public:
         std::lock_guard lock(m_mutex);
         return m_notifications;
     }
-    // The ids in order, each run of progress notifications as one.
+    /// The ids in order, each run of progress notifications as one.
     std::vector<AudioUnitPropertyID> HeardIds() const
     {
         std::vector<AudioUnitPropertyID> ids;
@@ -154,7 +154,7 @@ public:
         return nCount;
     }
 
-    // What the observer was told last of the capture of this number; waits for the first word.
+    /// What the observer was told last of the capture of this number; waits for the first word.
     Tarvane::CCaptureReport Report(size_t nNumber)
     {
         WaitFor([&] { return m_reports.count(nNumber) != 0; });
@@ -162,13 +162,13 @@ public:
         return m_reports[nNumber];
     }
 
-    // Called on the notifying thread, after the notification has been noted.
+    /// Called on the notifying thread, after the notification has been noted.
     std::function<void(AudioUnitPropertyID)> onNotification;
-    // Called on the observed thread, before the report is noted.
+    /// Called on the observed thread, before the report is noted.
     std::function<void(const Tarvane::CCaptureReport&)> onReport;
 
     CTemporaryFolder sources, captures;
-    // Where captures go from the next SetSpeed on.
+    /// Where captures go from the next SetSpeed on.
     std::filesystem::path captureFolder = captures.Path();
 
 private:
@@ -209,8 +209,8 @@ private:
     }
 
     AudioUnit m_pUnit = nullptr;
-    // Whether a notification reads what it may have changed: a unit that is being disposed of
-    // answers nothing. Held while one reads, so that none reads across the disposal.
+    /// Whether a notification reads what it may have changed: a unit that is being disposed of
+    /// answers nothing. Held while one reads, so that none reads across the disposal.
     std::mutex m_reading;
     bool m_fReads = true;
     Tarvane::CSignalSettings m_settings;

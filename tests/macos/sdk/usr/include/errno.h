@@ -1,6 +1,6 @@
 #pragma once
 
-// The numbers are those of macOS, which differ from Linux beyond ERANGE.
+/// The numbers are those of macOS, which differ from Linux beyond ERANGE.
 extern "C" int* __error(void);
 #define errno (*__error())
 

@@ -16,6 +16,6 @@ extern "C"
     intptr_t dispatch_semaphore_signal(dispatch_semaphore_t);
     intptr_t dispatch_semaphore_wait(dispatch_semaphore_t, dispatch_time_t);
     dispatch_time_t dispatch_time(dispatch_time_t when, int64_t nanoseconds);
-    // Takes any of dispatch's objects.
+    /// Takes any of dispatch's objects.
     void dispatch_release(dispatch_semaphore_t);
 }

@@ -67,7 +67,7 @@ static const NSControlSize NSRegularControlSize OUT_OF_DATE = NSControlSizeRegul
 static const NSControlSize NSSmallControlSize OUT_OF_DATE = NSControlSizeSmall;
 static const NSControlSize NSMiniControlSize OUT_OF_DATE = NSControlSizeMini;
 
-// Centre and right change places between the processors.
+/// Centre and right change places between the processors.
 typedef enum NSTextAlignment : NSInteger NSTextAlignment;
 enum NSTextAlignment : NSInteger
 {
@@ -96,7 +96,7 @@ enum NSLineBreakMode : NSUInteger
     NSLineBreakByTruncatingTail,
     NSLineBreakByTruncatingMiddle
 };
-// A set of bits and so a number in C++, like window styles, masks and modifier flags.
+/// A set of bits and so a number in C++, like window styles, masks and modifier flags.
 typedef NSInteger NSStringDrawingOptions;
 typedef enum NSCompositingOperation : NSUInteger NSCompositingOperation;
 enum NSCompositingOperation : NSUInteger

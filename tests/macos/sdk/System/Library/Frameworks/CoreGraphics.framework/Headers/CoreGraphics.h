@@ -31,7 +31,7 @@ typedef struct CGGradient* CGGradientRef;
 typedef struct CGFunction* CGFunctionRef;
 typedef struct CGShading* CGShadingRef;
 
-// A set of bits, and so a number in C++.
+/// A set of bits, and so a number in C++.
 typedef uint32_t CGGradientDrawingOptions;
 enum : CGGradientDrawingOptions
 {

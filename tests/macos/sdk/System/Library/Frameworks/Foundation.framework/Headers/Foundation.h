@@ -193,7 +193,7 @@ __attribute__((objc_root_class))
 - (void)appendString:(NSString*)string;
 @end
 
-// What the compiler makes of a literal.
+/// What the compiler makes of a literal.
 @interface NSSimpleCString : NSString
 @end
 @interface NSConstantString : NSSimpleCString
