@@ -246,6 +246,12 @@ TEST_F(CaptureCommands, UpdateCountIsAskedWithoutSelectingADocument)
     EXPECT_EQ(m_events.Commands()[0].m_nTimeoutTicks, -1);
 }
 
+TEST_F(CaptureCommands, UpdateCountIsCutToAWholeNumber)
+{
+    m_events.Print("7.9\n");
+    EXPECT_EQ(m_script.GetUpdateCount(), 7);
+}
+
 TEST_F(CaptureCommands, NoUpdateCountIsZero)
 {
     m_events.Print("");
