@@ -338,6 +338,26 @@ TEST_F(LinkView, DeallocRemovesTheListenersInTheirOrder)
     EXPECT_EQ([TestLinkView liveViews], 0);
 }
 
+// Nibs may make it by either of the two.
+TEST_F(LinkView, ViewFromAnArchiveHearsItsPlugInLikeAnyOther)
+{
+    NSAutoreleasePool* pPool = [[NSAutoreleasePool alloc] init];
+    NSView* pPlain = [[[TarvaneLink_CocoaView alloc] initWithFrame:NSZeroRect] autorelease];
+    NSData* pData = [NSKeyedArchiver archivedDataWithRootObject:pPlain];
+    TarvaneLink_CocoaView* pView = [NSKeyedUnarchiver unarchiveObjectWithData:pData];
+    ASSERT_TRUE([pView isMemberOfClass:[TarvaneLink_CocoaView class]]);
+    PlayTracks({"Vox"}, 3);
+    [pView setAU:m_plugIn.Unit()];
+    m_plugIn.ForgetRecords();
+    Raise(TNProperty_ArmCapture);
+    Raise(kTNProperty_CurrentCaptureLength);
+    RunQueuedCalls();
+    EXPECT_EQ(CountOf("Get", TNProperty_ArmCapture), 1);
+    EXPECT_EQ(ProgressReads(), 1);
+    [pPool drain];
+    EXPECT_EQ(m_plugIn.ListenerCount(), 0u);
+}
+
 TEST_F(LinkView, ViewThatNeverHadAPlugInGoesQuietly)
 {
     [m_pView release];
