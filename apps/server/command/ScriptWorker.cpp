@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <initializer_list>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/time.h>
@@ -28,7 +29,8 @@ constexpr std::int64_t kGraceMilliseconds = 500;
 
 constexpr std::size_t kReadAtOnce = 65536;
 
-// On the socket: a header of fixed size, then the bytes that it counts. Both ends are one program.
+// On the socket: a header of fixed size, then the bytes that it counts, written together, so that
+// the other end wakes once. Both ends are one program.
 struct Request
 {
     Trouble trouble;
@@ -54,12 +56,11 @@ struct Header
     std::size_t nError = 0;
 };
 
-bool WriteAll(int nFile, const void* pBytes, std::size_t nBytes)
+bool WriteAll(int nFile, std::string_view bytes)
 {
-    const char* pNext = static_cast<const char*>(pBytes);
-    while (nBytes > 0)
+    while (!bytes.empty())
     {
-        const ssize_t nWritten = write(nFile, pNext, nBytes);
+        const ssize_t nWritten = write(nFile, bytes.data(), bytes.size());
         if (nWritten < 0 && errno == EINTR)
             continue;
         if (nWritten < 0 && (errno == EAGAIN || errno == EWOULDBLOCK))
@@ -70,10 +71,18 @@ bool WriteAll(int nFile, const void* pBytes, std::size_t nBytes)
         }
         if (nWritten <= 0)
             return false;
-        pNext += nWritten;
-        nBytes -= static_cast<std::size_t>(nWritten);
+        bytes.remove_prefix(static_cast<std::size_t>(nWritten));
     }
     return true;
+}
+
+template <typename HEADER>
+std::string Message(const HEADER& header, std::initializer_list<std::string_view> texts)
+{
+    std::string strMessage(reinterpret_cast<const char*>(&header), sizeof header);
+    for (const std::string_view text : texts)
+        strMessage += text;
+    return strMessage;
 }
 
 bool ReadAll(int nFile, void* pBytes, std::size_t nBytes)
@@ -112,9 +121,7 @@ bool Send(int nSocket, Kind kind, const Execution& execution, const FileIdentity
                         identity,
                         reply.strResult.size(),
                         reply.strError.size()};
-    return WriteAll(nSocket, &header, sizeof header) &&
-           WriteAll(nSocket, reply.strResult.data(), reply.strResult.size()) &&
-           WriteAll(nSocket, reply.strError.data(), reply.strError.size());
+    return WriteAll(nSocket, Message(header, {reply.strResult, reply.strError}));
 }
 
 bool AskToTryAgain(int nSocket)
@@ -122,7 +129,7 @@ bool AskToTryAgain(int nSocket)
     Header blocked;
     blocked.kind = Kind::Blocked;
     char fTryAgain = 0;
-    return WriteAll(nSocket, &blocked, sizeof blocked) && ReadAll(nSocket, &fTryAgain, 1) &&
+    return WriteAll(nSocket, Message(blocked, {})) && ReadAll(nSocket, &fTryAgain, 1) &&
            fTryAgain != 0;
 }
 
@@ -267,14 +274,13 @@ void CScriptWorker::Begin(std::string_view strScript, const Trouble& trouble)
     m_fBusy = true;
     const Request request{trouble, strScript.size()};
     // A worker that has ended is told of by Receive.
-    if (WriteAll(m_nSocket, &request, sizeof request))
-        WriteAll(m_nSocket, strScript.data(), strScript.size());
+    WriteAll(m_nSocket, Message(request, {strScript}));
 }
 
 void CScriptWorker::TryAgain(bool fTryAgain)
 {
     const char cAnswer = fTryAgain ? 1 : 0;
-    WriteAll(m_nSocket, &cAnswer, 1);
+    WriteAll(m_nSocket, {&cAnswer, 1});
 }
 
 std::optional<WorkerReport> CScriptWorker::Receive()
