@@ -1,8 +1,10 @@
 #include "signal/TakeFile.h"
 
+#include "tests/apps/support/FailingCalls.h"
 #include "tests/signal/CoreUnderTest.h"
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -156,4 +158,20 @@ TEST(TakeFile, BehindTheLastWholeFrameThatAFullDiskTakesNothingIsLeft)
     EXPECT_EQ(ExamineTakeFile(file.Path()).nFrames, 110U);
     EXPECT_EQ(file.Write(samples.data(), 100), 0U) << "nothing goes behind the gap";
     EXPECT_NE(file.Failure(), "");
+}
+
+TEST(TakeFile, IsPublishedWhenTheDiskHasItAndItsName)
+{
+    CTemporaryFolder folder;
+    CTakeFormat format;
+    format.nChannels = kChannels;
+    for (const int nSync : {1, 2})
+    {
+        CTakeFile file(folder.Path(), format, kPosition);
+        ASSERT_EQ(file.Write(BlockAt(0).data(), kBlock), kBlock);
+        CFailingCall fail("fsync", nSync, EIO);
+        file.Publish();
+        EXPECT_TRUE(fail.HasFailed()) << "the file, and then its folder";
+        EXPECT_EQ(file.Failure().empty(), nSync == 2);
+    }
 }

@@ -1,10 +1,12 @@
 #include "signal/TakeJournal.h"
 
 #include "signal/TakeFolder.h"
+#include "tests/apps/support/FailingCalls.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
+#include <cerrno>
 #include <fstream>
 #include <sstream>
 #include <thread>
@@ -237,4 +239,17 @@ TEST(TakeJournal, ManyWritersOfTheIndexDoNotSpoilIt)
                       1);
         }
     }
+}
+
+TEST(TakeJournal, ALineIsWrittenWhenTheDiskHasIt)
+{
+    CTemporaryFolder folder;
+    CTakeJournal journal(folder.Path(), kJournalUuid);
+    const std::uint64_t nTake = journal.Moved(TakeAt(100));
+    ASSERT_NE(nTake, 0U);
+    CFailingCall fail("fsync", 1, EIO);
+    EXPECT_FALSE(journal.Ended(nTake, "refused", "no room", 0));
+    EXPECT_TRUE(fail.HasFailed());
+    EXPECT_NE(journal.Failure(), "");
+    EXPECT_TRUE(journal.CatchUp());
 }
