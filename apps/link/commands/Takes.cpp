@@ -51,6 +51,14 @@ std::string StateOf(const KeptTake& kept)
     return kept.take.strOutcome.empty() ? "waiting" : kept.take.strOutcome;
 }
 
+// Of a take that its host's disk was too slow or too full for. Empty for any other.
+std::string LossOf(const CJournalTake& take)
+{
+    if (take.nLostFrames == 0)
+        return "";
+    return ", " + std::to_string(take.nLostFrames) + " frames behind it are lost";
+}
+
 nlohmann::ordered_json FieldsOf(const KeptTake& kept)
 {
     const CJournalTake& take = kept.take;
@@ -66,7 +74,7 @@ std::string LineOf(const KeptTake& kept)
     std::snprintf(szPlace, sizeof szPlace, "\t%.0f\t%.0f\t%llu\t", take.dPosition, take.dRate,
                   static_cast<unsigned long long>(take.nFrames));
     return take.file.string() + szPlace + StateOf(kept) +
-           (take.strWords.empty() ? "" : ": " + take.strWords) + "\n";
+           (take.strWords.empty() ? "" : ": " + take.strWords) + LossOf(take) + "\n";
 }
 
 Answer List()
@@ -190,7 +198,7 @@ Finding CheckTakes()
     return {"takes", Verdict::Warning,
             std::to_string(nLeft) + (nLeft == 1 ? " take waits" : " takes wait") +
                 " for a server, the first " + first->take.file.string() + szPosition + ", " +
-                StateOf(*first),
+                StateOf(*first) + LossOf(first->take),
             "Open the host's session again, which sends them, or list them with tarvane-link takes "
             "and send them by hand."};
 }

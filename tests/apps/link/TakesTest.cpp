@@ -1,6 +1,7 @@
 // The takes that wait on this machine, with real journals and the real server.
 
 #include "signal/CaptureCore.h"
+#include "signal/TakeJournal.h"
 #include "tests/apps/link/ProgramFixture.h"
 
 #include <cmath>
@@ -141,6 +142,21 @@ TEST_F(TakesTest, WhatWaitsIsListedWithItsPlace)
     EXPECT_EQ(TakesFinding("verdict"), "warning");
     EXPECT_THAT(TakesFinding("text"), HasSubstr("2 takes wait for a server, the first " + File(1) +
                                                 " from sample 96000, waiting"));
+}
+
+TEST_F(TakesTest, WhatADiskCouldNotKeepIsTold)
+{
+    fs::create_directories(m_captures);
+    CTake take;
+    take.file = File(1);
+    take.dPosition = 96000;
+    take.dRate = kRate;
+    take.nFrames = kFrames;
+    take.nLostFrames = 960;
+    ASSERT_NE(CTakeJournal(m_captures, CTakeJournal::NewUuid()).Moved(take), 0U);
+    constexpr const char* kLoss = "waiting, 960 frames behind it are lost";
+    EXPECT_EQ(RunLink({"takes"}).strOutput, File(1) + "\t96000\t48000\t4800\t" + kLoss + "\n");
+    EXPECT_THAT(TakesFinding("text"), HasSubstr(kLoss));
 }
 
 TEST_F(TakesTest, OneIsSentToItsPlaceOnATrackAndWaitsNoMore)
