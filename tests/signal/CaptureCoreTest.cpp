@@ -48,6 +48,25 @@ TEST(CaptureCore, ATakeIsWhatWasPlayedWhileArmedAtSpeed1)
     EXPECT_EQ(host.core->LostFrames(), 0U);
 }
 
+TEST(CaptureCore, NoTakeBeginsBeforeItIsToldThatItIsArmed)
+{
+    CCoreUnderTest host;
+    host.onNotification = [&](std::uint32_t nId)
+    {
+        if (nId == TNProperty_ArmCapture && host.core->IsArmed())
+        {
+            host.Process({true, false, 1, 1000}, 512);
+        }
+    };
+    host.core->SetArmed(true);
+    host.Play(1512, 1000);
+    host.core->SetArmed(false);
+    host.StopTransport();
+    const auto takes = host.Published(1);
+    ASSERT_THAT(takes, SizeIs(1));
+    ExpectTake(takes[0], 1512, 1000);
+}
+
 TEST(CaptureCore, NoOtherSpeedIsATake)
 {
     CCoreUnderTest host;

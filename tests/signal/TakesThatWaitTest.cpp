@@ -263,6 +263,30 @@ TEST(TakesThatWait, ACopyOfAnInstanceGetsAUuidOfItsOwn)
     EXPECT_THAT(PositionsOf(copy.Published(1)), ElementsAre(5000));
 }
 
+TEST(TakesThatWait, CopiesThatHadNoTakesYetHaveAJournalEach)
+{
+    CTemporaryFolder folder;
+    CCaptureSettings settings;
+    settings.captureFolder = folder.Path();
+    settings.strUuid = kUuid;
+    CCaptureCore host(settings), copy(settings);
+    for (CCaptureCore* pCore : {&host, &copy})
+    {
+        const std::vector<float> samples(512, 0.25F);
+        const float* const channels[] = {samples.data(), samples.data()};
+        pCore->SetArmed(true);
+        pCore->Process({true, false, 1, 100}, channels, 512);
+        pCore->EndTake();
+        pCore->WaitUntilWritten();
+    }
+    EXPECT_EQ(host.Uuid(), kUuid);
+    EXPECT_NE(copy.Uuid(), kUuid);
+    for (const CCaptureCore* pCore : {&host, &copy})
+    {
+        EXPECT_EQ(CTakeJournal(folder.Path(), pCore->Uuid()).Open().size(), 1U);
+    }
+}
+
 TEST(TakesThatWait, AKillLosesNoTakeAndOfTheOneUnderWayNoWholeBlock)
 {
     CTemporaryFolder folder;
