@@ -16,6 +16,7 @@
 #include <fcntl.h>
 #include <fstream>
 #include <map>
+#include <optional>
 #include <random>
 #include <sstream>
 #include <sys/file.h>
@@ -182,15 +183,43 @@ bool IsSettled(const std::string& strOutcome)
            strOutcome == CTakeJournal::kForgotten;
 }
 
-std::map<std::uint64_t, CJournalTake> ReadTakes(const fs::path& path)
+// Empty when the file is none, or cannot be read to its end.
+std::optional<std::string> BytesOf(int nFile)
 {
-    std::map<std::uint64_t, CJournalTake> takes;
-    std::error_code error;
-    if (fs::file_size(path, error) > kMaxJournalBytes || error)
+    struct stat status
     {
-        return takes;
+    };
+    if (::fstat(nFile, &status) != 0 || !S_ISREG(status.st_mode) ||
+        static_cast<std::uintmax_t>(status.st_size) > kMaxJournalBytes)
+    {
+        return std::nullopt;
     }
-    std::ifstream journal(path, std::ios::binary);
+    std::string strBytes(static_cast<std::size_t>(status.st_size), '\0');
+    for (std::size_t nDone = 0; nDone < strBytes.size();)
+    {
+        const ssize_t nRead = ::pread(nFile, strBytes.data() + nDone, strBytes.size() - nDone,
+                                      static_cast<off_t>(nDone));
+        if (nRead <= 0)
+        {
+            return std::nullopt;
+        }
+        nDone += static_cast<std::size_t>(nRead);
+    }
+    return strBytes;
+}
+
+using Takes = std::map<std::uint64_t, CJournalTake>;
+
+// Empty when the journal cannot be read, which says nothing of what is in it.
+std::optional<Takes> ReadTakes(int nFile)
+{
+    const std::optional<std::string> bytes = BytesOf(nFile);
+    if (!bytes)
+    {
+        return std::nullopt;
+    }
+    Takes takes;
+    std::istringstream journal(*bytes);
     for (std::string strLine; std::getline(journal, strLine);)
     {
         const Json line = Parse(strLine);
@@ -203,6 +232,18 @@ std::map<std::uint64_t, CJournalTake> ReadTakes(const fs::path& path)
         }
     }
     return takes;
+}
+
+// Without a place there is nothing to look for: only an outcome was readable.
+bool IsOpen(const CJournalTake& take)
+{
+    return !IsSettled(take.strOutcome) && !take.file.empty();
+}
+
+// Not blocking: the opening of a pipe would wait for a writer.
+int OpenToRead(const fs::path& path)
+{
+    return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW);
 }
 
 // One write, so that lines of several writers never mix.
@@ -268,7 +309,9 @@ void CTakeJournal::GiveBack()
         return;
     }
     CatchUp();
-    if (Open().empty())
+    const std::optional<Takes> takes = ReadTakes(m_nFile);
+    if (takes && std::none_of(takes->begin(), takes->end(),
+                              [](const auto& entry) { return IsOpen(entry.second); }))
     {
         ::unlink(m_path.c_str());
     }
@@ -284,7 +327,7 @@ bool CTakeJournal::Hold()
     }
     while (m_nFile < 0)
     {
-        m_nFile = ::open(m_path.c_str(), O_RDWR | O_APPEND | O_CLOEXEC | O_NOFOLLOW);
+        m_nFile = ::open(m_path.c_str(), O_RDWR | O_APPEND | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW);
         if (m_nFile < 0)
         {
             return errno == ENOENT;
@@ -306,16 +349,20 @@ bool CTakeJournal::Hold()
             m_nFile = -1;
         }
     }
-    for (const auto& [nTake, take] : ReadTakes(m_path))
+    const std::optional<Takes> takes = ReadTakes(m_nFile);
+    if (!takes)
     {
-        m_nLastTake = std::max(m_nLastTake, nTake);
+        ::close(m_nFile);
+        m_nFile = -1;
+        return false;
     }
+    m_nLastTake = takes->empty() ? m_nLastTake : std::max(m_nLastTake, takes->rbegin()->first);
     return true;
 }
 
 bool CTakeJournal::IsHeld(const fs::path& journal)
 {
-    const int nFile = ::open(journal.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    const int nFile = OpenToRead(journal);
     if (nFile < 0)
     {
         return false;
@@ -433,13 +480,20 @@ bool CTakeJournal::Ended(std::uint64_t nTake, const std::string& strOutcome,
 std::vector<CJournalTake> CTakeJournal::Open() const
 {
     std::vector<CJournalTake> open;
-    for (const auto& [nTake, take] : ReadTakes(m_path))
+    const int nFile = m_nFile >= 0 ? m_nFile : OpenToRead(m_path);
+    if (const std::optional<Takes> takes = ReadTakes(nFile))
     {
-        // Without a place there is nothing to look for: only an outcome was readable.
-        if (!IsSettled(take.strOutcome) && !take.file.empty())
+        for (const auto& [nTake, take] : *takes)
         {
-            open.push_back(take);
+            if (IsOpen(take))
+            {
+                open.push_back(take);
+            }
         }
+    }
+    if (nFile != m_nFile)
+    {
+        ::close(nFile);
     }
     return open;
 }
@@ -474,7 +528,10 @@ std::string CTakeJournal::UuidOf(const fs::path& journal)
 std::vector<fs::path> JournalFolders()
 {
     std::vector<fs::path> folders;
-    std::ifstream index(TakeStateFolder() / kIndexName, std::ios::binary);
+    const fs::path file = TakeStateFolder() / kIndexName;
+    std::error_code ignored;
+    // The opening of a pipe would wait for a writer.
+    std::ifstream index(fs::is_regular_file(file, ignored) ? file : fs::path(), std::ios::binary);
     for (std::string strLine; std::getline(index, strLine);)
     {
         const Json folder = Parse(strLine);
@@ -511,17 +568,42 @@ void NoteJournalFolder(const fs::path& folder)
     }
 }
 
+namespace
+{
+
+// A disk that is not there now, for instance, takes no take away for good.
+bool IsGone(const fs::path& file)
+{
+    struct stat status
+    {
+    };
+    if (::stat(file.c_str(), &status) == 0)
+    {
+        return false;
+    }
+    if (errno == ENOENT && ::stat(file.parent_path().c_str(), &status) == 0)
+    {
+        return true;
+    }
+    throw std::runtime_error("cannot look at the take " + file.string() + " (" +
+                             std::strerror(errno) + ") - it waits until that can be done.");
+}
+
+} // namespace
+
 bool RecoverTake(CJournalTake& take)
 {
     struct stat status
     {
     };
+    const bool fGone = IsGone(take.file);
     if (take.fFinished)
     {
-        return ::stat(take.file.c_str(), &status) == 0;
+        return !fGone;
     }
-    if (::stat(take.file.c_str(), &status) == 0)
+    if (!fGone)
     {
+        ::stat(take.file.c_str(), &status);
         if (status.st_size == 0)
         {
             ::unlink(take.file.c_str());

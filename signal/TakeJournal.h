@@ -70,7 +70,7 @@ public:
     static std::string NewUuid();
 
     /// Takes the journal that is there. True as well when there is none yet; false when somebody
-    /// else holds it for more than a moment, or it cannot be opened.
+    /// else holds it for more than a moment, or it cannot be opened and read.
     bool Hold();
     /// Whether somebody holds this journal now.
     static bool IsHeld(const std::filesystem::path& journal);
@@ -116,7 +116,7 @@ void NoteJournalFolder(const std::filesystem::path& folder);
 
 /// Brings a take that was not finished to its end: mends its file, or finds it under the name that
 /// it had been given. False when there is nothing left of it. Throws std::runtime_error, in words
-/// for the user, when there is a file that cannot be read.
+/// for the user, when there is a file that cannot be read, or no telling whether there is one.
 bool RecoverTake(CJournalTake& take);
 
 } // namespace Tarvane

@@ -9,6 +9,9 @@
 #include <cerrno>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <thread>
 
 using namespace Tarvane;
@@ -112,6 +115,47 @@ TEST(TakeJournal, GoesWhenNothingInItIsOpen)
     EXPECT_THAT(folder.Files(), IsEmpty());
 }
 
+TEST(TakeJournal, StaysWhenItCannotBeReadAtItsEnd)
+{
+    const LeftJournal left;
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    {
+        CTakeJournal journal(left.folder.Path(), kJournalUuid);
+        ASSERT_TRUE(journal.Hold());
+        rlimit none = before;
+        none.rlim_cur = 0;
+        setrlimit(RLIMIT_NOFILE, &none);
+    }
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(PositionsIn(left.folder.Path()), left.positions);
+}
+
+TEST(TakeJournal, WhatIsNoJournalIsHeldByNobodyAndStaysAsItIs)
+{
+    const LeftJournal left;
+    const auto expectLeft = [&](const char* szWhat)
+    {
+        {
+            CTakeJournal journal(left.folder.Path(), kJournalUuid);
+            EXPECT_FALSE(journal.Hold()) << szWhat;
+            EXPECT_EQ(journal.Moved(TakeAt(1)), 0U) << szWhat;
+            EXPECT_THAT(journal.Open(), IsEmpty()) << szWhat;
+        }
+        EXPECT_FALSE(CTakeJournal::IsHeld(left.path)) << szWhat;
+        EXPECT_TRUE(fs::exists(fs::symlink_status(left.path))) << szWhat;
+        fs::remove(left.path);
+    };
+    fs::resize_file(left.path, (64 << 20) + 1);
+    expectLeft("one that is too large to be ours");
+    mkfifo(left.path.c_str(), 0600);
+    expectLeft("a pipe");
+    fs::create_directory(left.path);
+    expectLeft("a folder");
+    fs::create_symlink("elsewhere", left.path);
+    expectLeft("a link");
+}
+
 TEST(TakeJournal, CutOffAnywhereItLosesTheLineThatIsCutAndNoOther)
 {
     const LeftJournal left;
@@ -208,6 +252,25 @@ TEST(TakeJournal, EveryFolderWithAJournalIsInTheIndexOnce)
     EXPECT_EQ(std::count(folders.begin(), folders.end(), first.Path()), 1);
     EXPECT_EQ(std::count(folders.begin(), folders.end(), second.Path()), 1);
     EXPECT_THAT(CTakeJournal::In(first.Path()), SizeIs(1));
+}
+
+TEST(TakeJournal, ATakeWhoseFolderIsAwayIsNotGone)
+{
+    const CTemporaryFolder folder;
+    for (const bool fFinished : {true, false})
+    {
+        CJournalTake take;
+        take.fFinished = fFinished;
+        take.strStem = "take";
+        take.file = folder / "disk" / "take-001.wav";
+        EXPECT_THROW(RecoverTake(take), std::runtime_error) << fFinished;
+        std::ofstream(folder / "disk") << "no folder";
+        EXPECT_THROW(RecoverTake(take), std::runtime_error) << fFinished;
+        fs::remove(folder / "disk");
+        fs::create_directory(folder / "disk");
+        EXPECT_FALSE(RecoverTake(take)) << fFinished;
+        fs::remove(folder / "disk");
+    }
 }
 
 TEST(TakeJournal, ManyWritersOfTheIndexDoNotSpoilIt)
