@@ -46,13 +46,14 @@ void CServedSession::Look()
 {
     if (m_pDatabase == nullptr && IsOurs())
         Open();
-    if (m_pDatabase == nullptr || !m_strRefusal.empty() || IsOurs())
+    if (m_pDatabase == nullptr || IsOurs())
         return;
     try
     {
+        // What stood in the way before may not any more.
         if (IdentityOf(m_file).IsNone())
             PutBack();
-        else
+        else if (m_strRefusal.empty())
             KeepBoth();
     }
     catch (const std::exception& error)
@@ -68,8 +69,10 @@ void CServedSession::PutBack()
     std::filesystem::remove(neighbour);
     m_pDatabase->CopyTo(neighbour);
     CSessionDatabase::UseLog(neighbour);
-    m_pDatabase.reset();
+    CSessionDatabase::RemoveLog(m_file);
     MoveNeighbourIntoPlace(m_file);
+    // Not before: until then what is open is all that there is.
+    m_pDatabase.reset();
     m_identity = IdentityOf(m_file);
     Open();
 }

@@ -92,6 +92,12 @@ void CSessionDatabase::UseLog(const std::filesystem::path& file)
     CSessionDatabase(file, SQLite::OPEN_READWRITE).m_database.exec("PRAGMA journal_mode=WAL");
 }
 
+void CSessionDatabase::RemoveLog(const std::filesystem::path& file)
+{
+    std::filesystem::remove(file.string() + "-wal");
+    std::filesystem::remove(file.string() + "-shm");
+}
+
 CSession CSessionDatabase::Load(const std::filesystem::path& file)
 {
     CSessionDatabase database(file, SQLite::OPEN_READONLY | SQLite::OPEN_URI);

@@ -59,6 +59,9 @@ public:
     static void Make(const std::filesystem::path& file, const CSession& content);
     /// Gives a copy (CopyTo) the write-ahead log that every session has.
     static void UseLog(const std::filesystem::path& file);
+    /// Takes away what a session that was under this name has left beside it, before another gets
+    /// the name: it would be taken for that one's.
+    static void RemoveLog(const std::filesystem::path& file);
     /// All that is in the file, which is not touched. Throws as the constructor does, and
     /// CSessionFlaw for what is not sound.
     static CSession Load(const std::filesystem::path& file);

@@ -151,9 +151,7 @@ void CSessionStore::Save(const CSession& session)
         RemoveDatabase(neighbour);
         throw std::runtime_error("cannot write " + neighbour.string() + ": " + error.what());
     }
-    // A log that is left over would be taken for the new one's.
-    std::filesystem::remove(LogOf(m_file));
-    std::filesystem::remove(m_file.string() + "-shm");
+    CSessionDatabase::RemoveLog(m_file);
     MoveNeighbourIntoPlace(m_file);
 }
 

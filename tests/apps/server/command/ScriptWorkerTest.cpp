@@ -133,6 +133,33 @@ TEST_F(ScriptWorker, AFileThatIsGoneIsMadeAnew)
     EXPECT_EQ(StoredRegions(), 3u);
 }
 
+TEST_F(ScriptWorker, OfAFileThatIsGoneNothingThatIsLeftBesideItGetsIntoTheNewOne)
+{
+    CScriptWorker worker(m_settings);
+    Run(worker, Adding());
+    std::filesystem::remove(m_file);
+    ASSERT_TRUE(std::filesystem::exists(m_file.string() + "-wal"));
+    EXPECT_EQ(Run(worker, Adding()).reply.strError, "");
+    worker.Kill("as a crash would");
+    EXPECT_EQ(CSessionDatabase(m_file).Flaw(), std::nullopt);
+    EXPECT_EQ(StoredRegions(), 2u);
+}
+
+TEST_F(ScriptWorker, AFileThatIsGoneAndCannotBeMadeAnewIsMadeAsSoonAsItCan)
+{
+    CScriptWorker worker(m_settings);
+    Run(worker, Adding());
+    const std::filesystem::path inTheWay = m_file.string() + ".saving";
+    std::filesystem::create_directories(inTheWay / "full");
+    std::filesystem::remove(m_file);
+    const CommandReply reply = Run(worker, Adding()).reply;
+    EXPECT_THAT(reply.strError, testing::HasSubstr("cannot be made anew"));
+    EXPECT_TRUE(reply.fRefused);
+    std::filesystem::remove_all(inTheWay);
+    EXPECT_EQ(Run(worker, Adding()).reply.strError, "");
+    EXPECT_EQ(StoredRegions(), 2u);
+}
+
 TEST_F(ScriptWorker, AFileThatAnotherProgramHasPutThereIsLeftAndBothAreKept)
 {
     CScriptWorker worker(m_settings);
