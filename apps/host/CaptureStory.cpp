@@ -106,7 +106,8 @@ bool CCaptureEntry::IsGood() const
 {
     const bool fThere =
         Outcome() == CaptureOutcome::Delivered || Outcome() == CaptureOutcome::Duplicate;
-    return fThere && report.outcome != TakeOutcome::PlacedWithoutOffset;
+    const bool fWhole = report.strFailure.empty() && report.nLostFrames == 0;
+    return fThere && fWhole && report.outcome != TakeOutcome::PlacedWithoutOffset;
 }
 
 std::string WordOfDelivery(const CCaptureEntry& entry)

@@ -41,7 +41,8 @@ int main(int argc, char** argv)
     CLI::App app("Opens the link view beside a plug-in that captures from sound files: plays each "
                  "file, writes what it captures, and has the view send it to Tarvane.",
                  "tarvane-host");
-    Tarvane::AddCommonOptions(app, "some capture was neither delivered nor a duplicate");
+    Tarvane::AddCommonOptions(app,
+                              "some capture was neither delivered nor a duplicate, or not whole");
     Tarvane::HostOptions options;
     Tarvane::DeclareOptions(app, options);
     return Tarvane::RunProgram(app, argc, argv, [&] { return RunHost(options, argv); });

@@ -157,6 +157,17 @@ TEST(CaptureStory, LostSamplesAreCounted)
     EXPECT_EQ(DescribeCapture(entry)["lost"], 77);
 }
 
+TEST(CaptureStory, ACaptureThatIsNotWholeIsNotGoodWhereverItWent)
+{
+    CCaptureEntry entry = Entry();
+    entry.report.nLostFrames = 77;
+    EXPECT_FALSE(entry.IsGood());
+    entry = Entry();
+    entry.report.strFailure = "the disk is full";
+    EXPECT_FALSE(entry.IsGood());
+    EXPECT_EQ(entry.Outcome(), CaptureOutcome::Delivered);
+}
+
 TEST(CaptureStory, IsToldInPlainLines)
 {
     EXPECT_EQ(TellCapture(Entry()), "Capture 5: hello.wav\n"

@@ -164,8 +164,10 @@ TEST_F(HostUsage, HelpAndVersionNeedNothing)
 {
     const ProcessOutcome help = RunToEnd(Host({"--help"}));
     EXPECT_EQ(help.nCode, 0);
-    EXPECT_THAT(help.strOutput,
-                HasSubstr("0 done, 1 some capture was neither delivered nor a duplicate, 2 wrong"));
+    EXPECT_THAT(
+        help.strOutput,
+        HasSubstr(
+            "0 done, 1 some capture was neither delivered nor a duplicate, or not whole, 2 wrong"));
     const ProcessOutcome version = RunToEnd(Host({"--version"}));
     EXPECT_EQ(version.nCode, 0);
     EXPECT_THAT(version.strOutput, StartsWith("tarvane-host "));

@@ -177,7 +177,7 @@ protected:
     HostCommandLine()
     {
         DeclareOptions(m_app, m_options);
-        AddCommonOptions(m_app, "some capture was neither delivered nor a duplicate");
+        AddCommonOptions(m_app, "some capture was neither delivered nor a duplicate, or not whole");
     }
 
     CLI::App m_app{"", "tarvane-host"};
