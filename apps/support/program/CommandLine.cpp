@@ -121,7 +121,7 @@ int RunProgram(CLI::App& app, int argc, char** argv, const std::function<int()>&
     }
     catch (const std::exception& error)
     {
-        return Complain(app, error.what(), kExitFailed);
+        return Complain(app, LastWordsOf(error), kExitFailed);
     }
 }
 

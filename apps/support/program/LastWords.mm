@@ -7,6 +7,8 @@
 
 #include <cstdio>
 #include <exception>
+#include <new>
+#include <system_error>
 #include <unistd.h>
 
 namespace Tarvane
@@ -46,7 +48,7 @@ void EndByObject(NSException* exception)
     }
     catch (const std::exception& error)
     {
-        EndWith(error.what());
+        EndWith(LastWordsOf(error));
     }
     catch (...)
     {
@@ -61,6 +63,17 @@ void SayLastWords(const std::string& strProgram)
     strName = strProgram;
     std::set_terminate(&EndByTermination);
     SayLastWordsAgain();
+}
+
+std::string LastWordsOf(const std::exception& error)
+{
+    if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr)
+        return "memory is short (" + std::string(error.what()) + ").";
+    const auto* const pError = dynamic_cast<const std::system_error*>(&error);
+    if (pError == nullptr || pError->code() != std::errc::resource_unavailable_try_again)
+        return error.what();
+    return "no further thread or process can be made: memory is short, or as many run as may (" +
+           std::string(error.what()) + ").";
 }
 
 void SayLastWordsAgain() { NSSetUncaughtExceptionHandler(&EndByObject); }

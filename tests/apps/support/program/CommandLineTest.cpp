@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <initializer_list>
 #include <sys/resource.h>
+#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -112,6 +113,16 @@ TEST(CommandLine, AnyOtherFailureIsItsLineAndCodeOne)
     const Outcome outcome = RunIt({}, []() -> int { throw std::runtime_error("first\nsecond\n"); });
     EXPECT_EQ(outcome.nCode, kExitFailed);
     EXPECT_EQ(outcome.strError, "tarvane-try: first second\n");
+}
+
+TEST(CommandLine, WhereNoThreadCanBeMadeItNamesWhatIsShort)
+{
+    const Outcome outcome =
+        RunIt({}, []() -> int { throw std::system_error(EAGAIN, std::generic_category()); });
+    EXPECT_EQ(outcome.nCode, kExitFailed);
+    EXPECT_THAT(
+        outcome.strError,
+        StartsWith("tarvane-try: no further thread or process can be made: memory is short"));
 }
 
 TEST(CommandLine, AFileThatMayGrowNoFurtherIsAnErrorOfTheWriteAndEndsNothing)

@@ -9,7 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <new>
 #include <stdexcept>
+#include <system_error>
 #include <thread>
 
 using namespace Tarvane;
@@ -54,4 +57,23 @@ TEST(LastWords, ExceptionOfTheObjectSystemIsTold)
 {
     EXPECT_EXIT(OnAThreadOf(&Raise), ExitedWithCode(kExitFailed),
                 "tarvane-try: NSTryException: no room\n");
+}
+
+TEST(LastWords, WhereThereIsNoMemoryTheySaySo)
+{
+    EXPECT_EQ(LastWordsOf(std::bad_alloc()), "memory is short (std::bad_alloc).");
+}
+
+TEST(LastWords, WhereNoThreadCanBeMadeTheyNameWhatIsShort)
+{
+    // As std::thread throws it.
+    const std::error_code code(EAGAIN, std::generic_category());
+    EXPECT_EQ(LastWordsOf(std::system_error(code)),
+              "no further thread or process can be made: memory is short, or as many run as may (" +
+                  code.message() + ").");
+    EXPECT_EQ(LastWordsOf(std::system_error(EACCES, std::generic_category(), "the pipe")),
+              "the pipe: " + std::generic_category().message(EACCES));
+    EXPECT_EXIT(OnAThreadOf([] { throw std::system_error(EAGAIN, std::generic_category()); }),
+                ExitedWithCode(kExitFailed),
+                "tarvane-try: no further thread or process can be made: memory is short");
 }
