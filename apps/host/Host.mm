@@ -45,18 +45,6 @@ CRecorder* MakeRecorder(const std::string& strFile)
     return strFile.empty() ? nullptr : new CRecorder(strFile, "tarvane-host");
 }
 
-// What has been handed to the main thread already, and what that hands over in turn.
-void RunWhatWaits()
-{
-    constexpr int kPasses = 8;
-    for (int nPass = 0; nPass < kPasses; ++nPass)
-    {
-        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-        [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate date]];
-        [pool drain];
-    }
-}
-
 } // namespace
 
 CHost::CHost(const HostOptions& options, const HostPlan& plan)
@@ -311,13 +299,7 @@ void CHost::Begin(const CCaptureSource& source)
         return;
     }
     const size_t nBegun = m_plugIn->CapturesBegun();
-    if (!m_pView->PressToggle())
-    {
-        // A view without a toggle: the host arms by itself.
-        const TNArmRequest request{1, 0};
-        AudioUnitSetProperty(m_plugIn.Unit(), TNProperty_SetArmCapture, kAudioUnitScope_Global, 0,
-                             &request, sizeof request);
-    }
+    m_pView->Arm(m_plugIn.Unit());
     // A capture may be over by now.
     if (!m_plugIn->IsArmed() && m_plugIn->CapturesBegun() == nBegun)
     {

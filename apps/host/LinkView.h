@@ -35,6 +35,8 @@ class CLinkView
 
     /// As a click on the capture toggle. False when the view has none.
     bool PressToggle();
+    /// Asks the plug-in to arm: as a hand would, or, where the view has no toggle, by itself.
+    void Arm(AudioUnit pUnit);
     /// As a choice in the track menu. False when the menu has no such item.
     bool ChooseTrack(int nTrack);
     /// Opens the track menu, which the view fills as it opens, and closes it without a choice.

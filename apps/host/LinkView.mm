@@ -1,5 +1,6 @@
 #import "apps/host/LinkView.h"
 
+#include "TarvaneLinkAU/TarvaneLinkProperties.h"
 #include "apps/support/program/CommandLine.h"
 #import "apps/support/window/Application.h"
 #import "apps/support/window/ViewFactory.h"
@@ -124,6 +125,16 @@ bool CLinkView::PressToggle()
     [toggle mouseDown:MouseEvent(NSLeftMouseDown, toggle)];
     [toggle mouseUp:MouseEvent(NSLeftMouseUp, toggle)];
     return true;
+}
+
+void CLinkView::Arm(AudioUnit pUnit)
+{
+    if (!PressToggle())
+    {
+        const TNArmRequest request{1, 0};
+        AudioUnitSetProperty(pUnit, TNProperty_SetArmCapture, kAudioUnitScope_Global, 0, &request,
+                             sizeof request);
+    }
 }
 
 bool CLinkView::ChooseTrack(int nTrack)

@@ -13,22 +13,6 @@
 
 namespace Tarvane
 {
-namespace
-{
-
-// What has been handed to the main thread already, and what that hands over in turn.
-void RunWhatWaits()
-{
-    constexpr int kPasses = 8;
-    for (int nPass = 0; nPass < kPasses; ++nPass)
-    {
-        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-        [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate date]];
-        [pool drain];
-    }
-}
-
-} // namespace
 
 CMakersHost::CUnit::CUnit(AudioComponent pComponent)
 {
@@ -121,14 +105,11 @@ void CMakersHost::End(int nExitCode)
     m_fEnded = true;
 }
 
-// As a hand would, unless the view has no toggle.
 void CMakersHost::Arm()
 {
-    if (!IsArmed() && !m_pView->PressToggle())
+    if (!IsArmed())
     {
-        const TNArmRequest request{1, 0};
-        AudioUnitSetProperty(m_unit.pUnit, TNProperty_SetArmCapture, kAudioUnitScope_Global, 0,
-                             &request, sizeof request);
+        m_pView->Arm(m_unit.pUnit);
     }
 }
 

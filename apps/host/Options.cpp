@@ -1,6 +1,7 @@
 #include "apps/host/Options.h"
 
 #include "apps/support/process/ChildProcess.h"
+#include "apps/support/program/KindHelp.h"
 #include "apps/support/sound/CaptureFolder.h"
 #include "apps/support/text/DecimalNumber.h"
 
@@ -17,18 +18,6 @@ namespace Tarvane
 {
 namespace
 {
-
-std::string FaultHelp()
-{
-    std::string strHelp = "Let the plug-in do these things wrong, all together. It";
-    const char* szBefore = "\n";
-    for (const SignalFaultKind& kind : SignalFaultKinds())
-    {
-        strHelp += szBefore + std::string(kind.szName) + ": " + kind.szMeaning;
-        szBefore = ",\n";
-    }
-    return strHelp;
-}
 
 void ReadFaults(const std::string& strNames, SignalFaults& faults)
 {
@@ -182,7 +171,8 @@ void DeclareMisbehaviour(CLI::App& app, HostOptions& options)
     app.add_option_function<std::string>(
            "--misbehave",
            [&options](const std::string& strNames) { ReadFaults(strNames, options.faults); },
-           FaultHelp())
+           HelpWithKinds("Let the plug-in do these things wrong, all together. It",
+                         SignalFaultKinds()))
         ->type_name("NAME[,NAME...]")
         ->group("Misbehaviour, for tests");
 }

@@ -2,6 +2,7 @@
 
 #include "apps/server/session/Session.h"
 #include "apps/support/program/CommandLine.h"
+#include "apps/support/program/KindHelp.h"
 
 #include <CLI/CLI.hpp>
 
@@ -29,20 +30,6 @@ std::string CheckLinkOffset(double dSeconds)
 std::string CheckFileName(const std::string& strFile)
 {
     return strFile.empty() ? "a file's name is empty" : std::string();
-}
-
-std::string FaultHelp()
-{
-    std::string strHelp =
-        "Fail in these ways, all together, from the N-th event on, counted from 1, or "
-        "up to the M-th (repeatable). With --seed, at random. The server";
-    const char* szBefore = "\n";
-    for (const FaultKind& kind : FaultKinds())
-    {
-        strHelp += szBefore + std::string(kind.szName) + ": " + kind.szMeaning;
-        szBefore = ",\n";
-    }
-    return strHelp;
 }
 
 FaultPlan FaultsOrParseError(const std::string& strFaults)
@@ -88,6 +75,24 @@ void DeclareSession(CLI::App& app, Options& options)
         ->type_name("SECONDS");
 }
 
+// How scripts are served, and what becomes of what they change.
+void DeclareServing(CLI::App& app, Options& options)
+{
+    app.add_flag("--read-only", options.fReadOnly, "Refuse every change that a script asks for");
+    app.add_flag("--no-delete", options.fNoDelete, "Refuse to delete regions and marker areas");
+    app.add_option("--render-folder", options.strRenderFolder,
+                   "Put exported and rendered audio into this folder (default: FILE.audio beside "
+                   "the session file, a new folder of the user's own without one)")
+        ->type_name("FOLDER");
+    app.add_option("--editor", options.strEditor,
+                   "Put what comes in into an editor's session as well: ardour:FOLDER or "
+                   "audacity:PROJECT.aup3. What it does not take is refused")
+        ->type_name("KIND:WHERE");
+    app.add_option("--log", options.strLogFile,
+                   "Record every event in and out in this file; - is the standard output")
+        ->type_name("FILE");
+}
+
 // What ends as soon as it is done.
 void DeclareExchange(CLI::App& app, Options& options)
 {
@@ -129,7 +134,10 @@ void DeclareMisbehaviour(CLI::App& app, Options& options)
                for (const std::string& strFaults : faults)
                    options.faults.push_back(FaultsOrParseError(strFaults));
            },
-           FaultHelp())
+           HelpWithKinds(
+               "Fail in these ways, all together, from the N-th event on, counted from 1, or "
+               "up to the M-th (repeatable). With --seed, at random. The server",
+               FaultKinds()))
         ->type_name("NAME[,NAME...][@N[-M]]")
         ->allow_extra_args(false)
         ->group(kMisbehaviour);
@@ -152,19 +160,7 @@ void DeclareOptions(CLI::App& app, Options& options)
 {
     AddHelpAll(app);
     DeclareSession(app, options);
-    app.add_flag("--read-only", options.fReadOnly, "Refuse every change that a script asks for");
-    app.add_flag("--no-delete", options.fNoDelete, "Refuse to delete regions and marker areas");
-    app.add_option("--render-folder", options.strRenderFolder,
-                   "Put exported and rendered audio into this folder (default: FILE.audio beside "
-                   "the session file, a new folder of the user's own without one)")
-        ->type_name("FOLDER");
-    app.add_option("--editor", options.strEditor,
-                   "Put what comes in into an editor's session as well: ardour:FOLDER or "
-                   "audacity:PROJECT.aup3. What it does not take is refused")
-        ->type_name("KIND:WHERE");
-    app.add_option("--log", options.strLogFile,
-                   "Record every event in and out in this file; - is the standard output")
-        ->type_name("FILE");
+    DeclareServing(app, options);
     DeclareExchange(app, options);
     DeclareListing(app, options);
     DeclareMisbehaviour(app, options);

@@ -1,11 +1,9 @@
 #include "apps/support/unit/FaultyUnit.h"
 
 #include "apps/support/UnitComponent.h"
-#include "apps/support/unit/HeardByViews.h"
 #include "apps/support/unit/SignalSide.h"
 
 #include <filesystem>
-#include <stdexcept>
 
 namespace Tarvane
 {
@@ -28,15 +26,8 @@ AudioComponent CFaultyUnit::Register()
 }
 
 CFaultyUnit::CFaultyUnit()
+    : m_inner(CSignalSide::Register(), [this](AudioUnitPropertyID nId) { PassOn(nId); })
 {
-    if (AudioComponentInstanceNew(CSignalSide::Register(), &m_pInner) != noErr)
-    {
-        throw std::runtime_error("the signal side cannot be opened.");
-    }
-    for (const AudioUnitPropertyID nId : kHeardByViews)
-    {
-        AudioUnitAddPropertyListener(m_pInner, nId, &Hear, this);
-    }
 }
 
 CFaultyUnit::~CFaultyUnit()
@@ -46,7 +37,7 @@ CFaultyUnit::~CFaultyUnit()
     {
         thread.join();
     }
-    AudioComponentInstanceDispose(m_pInner);
+    m_inner.Close();
     if (Has(SignalFault::NotifiesAfterDisposal))
     {
         NotifyFromBeyond();
@@ -100,12 +91,6 @@ void CFaultyUnit::Storm(int nTimesAMillisecond)
     }
 }
 
-void CFaultyUnit::Hear(void* pUserData, AudioUnit, AudioUnitPropertyID nId, AudioUnitScope,
-                       AudioUnitElement)
-{
-    static_cast<CFaultyUnit*>(pUserData)->PassOn(nId);
-}
-
 bool CFaultyUnit::IsDropped(AudioUnitPropertyID nId)
 {
     return (nId == TNProperty_Elements && Has(SignalFault::ElementsUnannounced)) ||
@@ -119,7 +104,7 @@ bool CFaultyUnit::IsFirstDisarming()
 {
     UInt8 nArmed = 0;
     UInt32 nSize = sizeof nArmed;
-    AudioUnitGetProperty(m_pInner, TNProperty_ArmCapture, kAudioUnitScope_Global, 0, &nArmed,
+    AudioUnitGetProperty(m_inner.Unit(), TNProperty_ArmCapture, kAudioUnitScope_Global, 0, &nArmed,
                          &nSize);
     return m_fArmReported.exchange(nArmed != 0) && nArmed == 0;
 }
@@ -187,8 +172,8 @@ void CFaultyUnit::ForgetEarlier(SInt32 nElement)
     for (SInt32 nNext; (nNext = NextOfInner()) >= 0 && nNext < nElement;)
     {
         const TNElementAck ack{nNext, 1, 1, 1};
-        AudioUnitSetProperty(m_pInner, TNProperty_ElementDone, kAudioUnitScope_Global, 0, &ack,
-                             sizeof ack);
+        AudioUnitSetProperty(m_inner.Unit(), TNProperty_ElementDone, kAudioUnitScope_Global, 0,
+                             &ack, sizeof ack);
     }
 }
 

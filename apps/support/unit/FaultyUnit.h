@@ -5,6 +5,7 @@
 #include "TarvaneLinkAU/TarvaneLinkProperties.h"
 #include "apps/support/unit/FaultyListeners.h"
 #include "apps/support/unit/SignalFaults.h"
+#include "apps/support/unit/UnitBehind.h"
 
 #include <AudioUnit/AudioUnit.h>
 
@@ -55,9 +56,6 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    static void Hear(void* pUserData, AudioUnit, AudioUnitPropertyID nId, AudioUnitScope,
-                     AudioUnitElement);
-
     bool Has(SignalFault fault) const { return m_faults.count(fault) != 0; }
     void Begin(const SignalFaults& faults);
     void Storm(int nTimesAMillisecond);
@@ -85,7 +83,6 @@ private:
     void PutFirst(SInt32 nElement);
 
     AudioUnit m_pUnit = nullptr;
-    AudioUnit m_pInner = nullptr;
     /// Outlives the unit where that is the fault.
     const std::shared_ptr<CFaultyListeners> m_pListeners = std::make_shared<CFaultyListeners>();
     SignalFaults m_faults; ///< does not change any more once somebody listens
@@ -97,6 +94,7 @@ private:
     mutable std::mutex m_mutex;
     std::vector<TNCaptureElement> m_records; ///< in the order of delivery; guarded by the mutex
     std::vector<std::thread> m_threads;
+    CUnitBehind m_inner; ///< the last: it notifies from its beginning to its end
 };
 
 } // namespace Tarvane

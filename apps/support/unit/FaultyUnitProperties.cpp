@@ -88,15 +88,15 @@ SInt32 CFaultyUnit::NextOfInner() const
 {
     SInt32 nElement = -1;
     UInt32 nSize = sizeof nElement;
-    AudioUnitGetProperty(m_pInner, TNProperty_NextElement, kAudioUnitScope_Global, 0, &nElement,
-                         &nSize);
+    AudioUnitGetProperty(m_inner.Unit(), TNProperty_NextElement, kAudioUnitScope_Global, 0,
+                         &nElement, &nSize);
     return nElement;
 }
 
 OSStatus CFaultyUnit::RecordOfInner(SInt32 nElement, TNCaptureElement& record) const
 {
     UInt32 nSize = sizeof record;
-    return AudioUnitGetProperty(m_pInner, TNProperty_ElementInfo, kAudioUnitScope_Global,
+    return AudioUnitGetProperty(m_inner.Unit(), TNProperty_ElementInfo, kAudioUnitScope_Global,
                                 static_cast<AudioUnitElement>(nElement), &record, &nSize);
 }
 
@@ -108,7 +108,7 @@ OSStatus CFaultyUnit::GetPropertyInfo(AudioUnitPropertyID nId, AudioUnitScope nS
     {
         return kAudioUnitErr_InvalidProperty;
     }
-    return AudioUnitGetPropertyInfo(m_pInner, nId, nScope, nElement, pnSize, pfWritable);
+    return AudioUnitGetPropertyInfo(m_inner.Unit(), nId, nScope, nElement, pnSize, pfWritable);
 }
 
 bool CFaultyUnit::IsRefused(AudioUnitPropertyID nId) const
@@ -137,7 +137,8 @@ OSStatus CFaultyUnit::GetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope
     {
         return GetShortLength(pData, pnSize);
     }
-    const OSStatus nStatus = AudioUnitGetProperty(m_pInner, nId, nScope, nElement, pData, pnSize);
+    const OSStatus nStatus =
+        AudioUnitGetProperty(m_inner.Unit(), nId, nScope, nElement, pData, pnSize);
     if (nStatus == kAudioUnitErr_InvalidProperty && Has(SignalFault::UnknownAccepted))
     {
         return noErr;
@@ -165,7 +166,7 @@ OSStatus CFaultyUnit::GetShortLength(void* pData, UInt32* pnSize) const
 {
     Float64 dLength = 0.0;
     UInt32 nSize = sizeof dLength;
-    const OSStatus nStatus = AudioUnitGetProperty(m_pInner, kTNProperty_CurrentCaptureLength,
+    const OSStatus nStatus = AudioUnitGetProperty(m_inner.Unit(), kTNProperty_CurrentCaptureLength,
                                                   kAudioUnitScope_Global, 0, &dLength, &nSize);
     if (nStatus != noErr || *pnSize < sizeof(Float32))
     {
@@ -180,8 +181,8 @@ OSStatus CFaultyUnit::GetWhole(AudioUnitPropertyID nId, AudioUnitElement nElemen
 {
     std::array<std::byte, sizeof(TNCaptureElement)> value;
     UInt32 nSize = value.size();
-    const OSStatus nStatus =
-        AudioUnitGetProperty(m_pInner, nId, kAudioUnitScope_Global, nElement, value.data(), &nSize);
+    const OSStatus nStatus = AudioUnitGetProperty(m_inner.Unit(), nId, kAudioUnitScope_Global,
+                                                  nElement, value.data(), &nSize);
     if (nStatus == noErr)
     {
         std::memcpy(pData, value.data(), nSize);
@@ -249,8 +250,8 @@ OSStatus CFaultyUnit::TakeAck(TNElementAck ack)
     {
         ack.nElement = NextOfInner();
     }
-    return AudioUnitSetProperty(m_pInner, TNProperty_ElementDone, kAudioUnitScope_Global, 0, &ack,
-                                sizeof ack);
+    return AudioUnitSetProperty(m_inner.Unit(), TNProperty_ElementDone, kAudioUnitScope_Global, 0,
+                                &ack, sizeof ack);
 }
 
 OSStatus CFaultyUnit::SetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope,
@@ -263,7 +264,7 @@ OSStatus CFaultyUnit::SetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope
     }
     if (IsIgnored(nId, pData))
     {
-        CSignalSide::Of(m_pInner)->Log(DescribeWrite(nId, pData, nSize) + " - ignored");
+        CSignalSide::Of(m_inner.Unit())->Log(DescribeWrite(nId, pData, nSize) + " - ignored");
         return noErr;
     }
     if (nId == TNProperty_ElementDone && nSize == sizeof(TNElementAck))
@@ -278,7 +279,8 @@ OSStatus CFaultyUnit::SetProperty(AudioUnitPropertyID nId, AudioUnitScope nScope
     {
         m_fArmReported = false;
     }
-    const OSStatus nStatus = AudioUnitSetProperty(m_pInner, nId, nScope, nElement, pData, nSize);
+    const OSStatus nStatus =
+        AudioUnitSetProperty(m_inner.Unit(), nId, nScope, nElement, pData, nSize);
     return nStatus == kAudioUnitErr_InvalidProperty && Has(SignalFault::UnknownAccepted) ? noErr
                                                                                          : nStatus;
 }

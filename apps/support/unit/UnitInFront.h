@@ -3,6 +3,7 @@
 #pragma once
 
 #include "apps/support/PropertyListeners.h"
+#include "apps/support/unit/UnitBehind.h"
 
 #include <AudioUnit/AudioUnit.h>
 
@@ -15,7 +16,7 @@ class CUnitInFront
 public:
     /// Opens the unit behind. Throws std::runtime_error when it is not to be had.
     explicit CUnitInFront(AudioComponent pBehind);
-    virtual ~CUnitInFront();
+    virtual ~CUnitInFront() = default;
     CUnitInFront(const CUnitInFront&) = delete;
     CUnitInFront& operator=(const CUnitInFront&) = delete;
 
@@ -36,19 +37,16 @@ protected:
     virtual void PassOn(AudioUnitPropertyID nId) { Notify(nId); }
 
     void Notify(AudioUnitPropertyID nId);
-    AudioUnit Behind() const { return m_pBehind; }
+    AudioUnit Behind() const { return m_behind.Unit(); }
 
     /// Disposes of the unit behind: no notification comes from it any more. A class that overrides
     /// PassOn calls it in its destructor.
-    void CloseBehind();
+    void CloseBehind() { m_behind.Close(); }
 
 private:
-    static void Hear(void* pUserData, AudioUnit, AudioUnitPropertyID nId, AudioUnitScope,
-                     AudioUnitElement);
-
     AudioUnit m_pUnit = nullptr;
-    AudioUnit m_pBehind = nullptr;
     CPropertyListeners m_listeners;
+    CUnitBehind m_behind; ///< the last: it notifies from its beginning to its end
 };
 
 } // namespace Tarvane

@@ -40,6 +40,9 @@ MainThreadCall* MakeCall(std::function<void()> fnCall);
 /// been handed to it before, by whomever.
 void CallOnMainThread(std::function<void()> fnCall);
 
+/// Main thread. Runs what has been handed to it already, and what that hands over in turn.
+void RunWhatWaits();
+
 /// In both of which the main run loop is to hear from outside: it waits for events, or has a menu
 /// open. Autoreleased.
 NSArray* MainThreadModes();

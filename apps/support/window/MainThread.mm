@@ -66,6 +66,17 @@ void CallOnMainThread(std::function<void()> fnCall)
     [pool drain];
 }
 
+void RunWhatWaits()
+{
+    constexpr int kPasses = 8;
+    for (int nPass = 0; nPass < kPasses; ++nPass)
+    {
+        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+        [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate date]];
+        [pool drain];
+    }
+}
+
 NSArray* MainThreadModes()
 {
     return [NSArray arrayWithObjects:NSDefaultRunLoopMode, NSEventTrackingRunLoopMode, nil];

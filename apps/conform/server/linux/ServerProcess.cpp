@@ -1,9 +1,9 @@
 #include "apps/conform/server/ServerProcess.h"
 
 #include "apps/conform/shared/Rule.h"
+#include "apps/support/event/linux/BusHandles.h"
 
 #include <TarvanePlatform/EventBus.h>
-#include <systemd/sd-bus.h>
 
 #include <cstdlib>
 #include <ctime>
@@ -25,17 +25,6 @@ using Clock = std::chrono::steady_clock;
 constexpr char szServerName[] = "org.tarvane.AppleEvent._546b4e65"; // 'TkNe'
 constexpr char szEventsToServer[] =
     "type='method_call',destination='org.tarvane.AppleEvent._546b4e65'";
-
-struct BusCloser
-{
-    void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
-};
-struct MessageReleaser
-{
-    void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
-};
-using BusRef = std::unique_ptr<sd_bus, BusCloser>;
-using MessageRef = std::unique_ptr<sd_bus_message, MessageReleaser>;
 
 void MustWork(int result)
 {

@@ -1,9 +1,8 @@
 // A server owns a name on the session bus for as long as it receives events.
 #include "apps/support/delivery/ServerWatch.h"
 
+#include "apps/support/event/linux/BusHandles.h"
 #include "apps/support/process/Pipe.h"
-
-#include <systemd/sd-bus.h>
 
 #include <cstdint>
 #include <poll.h>
@@ -25,12 +24,6 @@ constexpr const char* kMatch =
 constexpr int kRetryMilliseconds = 1000;
 constexpr int kForEver = -1;
 
-struct CBusCloser
-{
-    void operator()(sd_bus* pBus) const { sd_bus_close_unref(pBus); }
-};
-using CBus = std::unique_ptr<sd_bus, CBusCloser>;
-
 } // namespace
 
 class CServerWatch::CThread
@@ -51,19 +44,19 @@ private:
     {
         do
         {
-            const CBus pBus = Connect();
+            const BusRef pBus = Connect();
             if (pBus && !Listen(pBus.get()))
                 return;
         } while (Wait(-1, 0, kRetryMilliseconds));
     }
 
     // Nothing here waits for the bus, which may be mute.
-    CBus Connect()
+    BusRef Connect()
     {
         sd_bus* pOpened = nullptr;
         if (sd_bus_open_user(&pOpened) < 0)
             return nullptr;
-        CBus pBus(pOpened);
+        BusRef pBus(pOpened);
         // The answer to the second comes when the first is in force.
         const bool fAsked =
             sd_bus_add_match_async(pOpened, nullptr, kMatch, &OwnerChanged, nullptr, this) >= 0 &&

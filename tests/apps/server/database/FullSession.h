@@ -2,7 +2,7 @@
 #pragma once
 
 #include "apps/server/session/Session.h"
-#include "tests/apps/server/session/MadeSession.h"
+#include "tests/apps/server/database/MadeSession.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 
 #include "apps/server/database/SessionStore.h"
 #include "tests/apps/server/database/FullSession.h"
+#include "tests/apps/server/session/SoundRegion.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -19,18 +20,6 @@ using testing::HasSubstr;
 
 constexpr DocumentKind kScript = DocumentKind::Script;
 constexpr DocumentKind kAudioSuite = DocumentKind::AudioSuite;
-
-Region SoundRegion(std::int64_t nTrackId)
-{
-    Region region;
-    region.nTrackId = nTrackId;
-    region.strPath = "/audio/take.wav";
-    region.nStart = 10;
-    region.nEnd = 30;
-    region.nPosition = 1000;
-    region.nSampleRate = 48000;
-    return region;
-}
 
 std::vector<std::string> Names(CSessionDatabase& session)
 {

@@ -1,6 +1,6 @@
 #include "apps/server/faults/SessionMishaps.h"
 
-#include "tests/apps/server/session/MadeSession.h"
+#include "tests/apps/server/database/MadeSession.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 #include "apps/server/session/SessionListing.h"
 
-#include "tests/apps/server/session/MadeSession.h"
+#include "tests/apps/server/database/MadeSession.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

@@ -1,5 +1,7 @@
 #include "apps/server/session/Session.h"
 
+#include "tests/apps/server/session/SoundRegion.h"
+
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -11,18 +13,6 @@ namespace
 {
 
 using testing::HasSubstr;
-
-Region SoundRegion(std::int64_t nTrackId)
-{
-    Region region;
-    region.nTrackId = nTrackId;
-    region.strPath = "/audio/take.wav";
-    region.nStart = 10;
-    region.nEnd = 30;
-    region.nPosition = 1000;
-    region.nSampleRate = 48000;
-    return region;
-}
 
 TEST(Session, ANewSessionHasItsTracksInBothDocuments)
 {

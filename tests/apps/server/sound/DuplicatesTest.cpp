@@ -1,7 +1,7 @@
 #include "apps/server/sound/Duplicates.h"
 
 #include "apps/server/sound/SoundFiles.h"
-#include "tests/apps/server/session/MadeSession.h"
+#include "tests/apps/server/database/MadeSession.h"
 #include "tests/apps/server/sound/SoundMaker.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
