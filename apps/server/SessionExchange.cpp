@@ -37,14 +37,13 @@ void RequireNew(const std::filesystem::path& file)
 
 } // namespace
 
-int ExportSession(const Options& options)
+int ExportSession(const Options& options, std::size_t nMost)
 {
     RequireNew(options.strExportFile);
     CSessionStore store(options.strSessionFile);
     const std::string strBytes = EncodeSession(LoadOrComplain(store));
-    if (strBytes.size() > kLargestSessionFile)
-        throw std::runtime_error("it would be larger than " +
-                                 std::to_string(kLargestSessionFile >> 20) +
+    if (strBytes.size() > nMost)
+        throw std::runtime_error("it would be larger than " + std::to_string(nMost >> 20) +
                                  " MiB, and could not be imported again");
     ReplaceFile(options.strExportFile, strBytes);
     return kExitDone;

@@ -12,8 +12,9 @@ CSession LoadOrComplain(CSessionStore& store);
 
 /// Writes the session of the options to the new file that they name for export, as a binary
 /// session. Throws CUsageError for a session or a file that will not do, std::runtime_error when
-/// nothing can be written. Returns the exit code.
-int ExportSession(const Options& options);
+/// nothing can be written, and for one of more than nMost bytes, which could not be imported again.
+/// Returns the exit code.
+int ExportSession(const Options& options, std::size_t nMost = kLargestSessionFile);
 
 /// Makes the new session of the options from the file that they name for import, of any form that
 /// the server reads. Throws alike.

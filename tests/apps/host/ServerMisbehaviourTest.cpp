@@ -86,6 +86,21 @@ TEST_F(ServerMisbehaviour, RepliesWithoutAResultAreFailedCommands)
     }
 }
 
+TEST_F(ServerMisbehaviour, ACaptureThatIsPlacedWithoutTheOffsetEndsTheHostWithCode1)
+{
+    StartServerWith(
+        {"--track", "Dialogue", "--link-offset", "2.0", "--misbehave", "no-result@6-6"});
+    const ProcessOutcome outcome = RunHost({One(), "--position", "100"});
+    EXPECT_EQ(outcome.nCode, 1) << outcome.strError;
+    const json captures = CapturesIn(folder / "out");
+    ASSERT_THAT(captures, SizeIs(1));
+    EXPECT_EQ(captures[0]["outcome"], "delivered");
+    EXPECT_EQ(captures[0]["withoutOffset"], true);
+    ASSERT_THAT(Regions(), SizeIs(1));
+    EXPECT_EQ(Regions()[0].nPosition, 100);
+    EXPECT_THAT(outcome.strOutput, HasSubstr("placed without the offset"));
+}
+
 TEST_F(ServerMisbehaviour, EmptyResultsAreNoDuplicateAndNoOffset)
 {
     StartBoth("empty-result@5-7");
