@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <string>
-#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -209,13 +209,16 @@ TEST_F(Lv2Link, ATakesRateIsTheHosts)
     EXPECT_EQ(nRate, 96000);
 }
 
-// The writer stands still where it reads the index of the journals: here a pipe that nobody writes.
+// The writer stands still where it opens the index of the journals: the lease makes it wait.
 TEST_F(Lv2Link, AHostThatFreewheelsIsHeldUntilTheDiskTakesMore)
 {
     const CTemporaryFolder state;
     std::filesystem::create_directory(state / "tarvane-link");
     const std::string strIndex = state / "tarvane-link/capture-folders";
-    ASSERT_EQ(::mkfifo(strIndex.c_str(), 0600), 0);
+    const int nIndex = ::open(strIndex.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    ASSERT_GE(nIndex, 0);
+    std::signal(SIGIO, SIG_IGN); // tells the owner of the lease that somebody waits
+    ASSERT_EQ(::fcntl(nIndex, F_SETLEASE, F_WRLCK), 0);
     const std::string strStateBefore = ::getenv("XDG_STATE_HOME");
     ::setenv("XDG_STATE_HOME", state.Path().c_str(), 1);
     OpenArmed();
@@ -231,7 +234,7 @@ TEST_F(Lv2Link, AHostThatFreewheelsIsHeldUntilTheDiskTakesMore)
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }
     EXPECT_LT(nDone, kCycles);
-    ::close(::open(strIndex.c_str(), O_WRONLY));
+    ::close(nIndex);
     player.join();
     EXPECT_EQ(Takes(), (TakeList{{0, kCycles * kCycle}}));
     ::setenv("XDG_STATE_HOME", strStateBefore.c_str(), 1);
