@@ -221,6 +221,28 @@ TEST(CaptureCore, ATakeOfAHostThatStopsCallingEndsAllTheSame)
     ExpectTake(host.Published(1)[0], 0, 4096);
 }
 
+TEST(CaptureCore, TheObserverIsToldOfEachChangeBehindTheListeners)
+{
+    std::vector<std::string> told; // by the writer, which has nothing to do when we acknowledge
+    CCoreUnderTest host;
+    host.onNotification = [&](std::uint32_t nId) { told.push_back(std::to_string(nId)); };
+    host.core->SetArmed(true);
+    told.clear();
+    host.core->SetObserver(
+        [&](const CTake& take)
+        {
+            constexpr const char* kStates[] = {"running", "waiting", "acknowledged", "failed"};
+            told.push_back(kStates[static_cast<int>(take.state)]);
+        });
+    host.Play(0, 512);
+    host.StopTransport();
+    host.core->WaitUntilWritten();
+    EXPECT_THAT(told, ElementsAre("running", "64010", "64000", "waiting"));
+    told.clear();
+    host.Acknowledge(0);
+    EXPECT_THAT(told, ElementsAre("64004", "acknowledged"));
+}
+
 TEST(CaptureCore, TheFileIsBroadcastWavWithItsPosition)
 {
     CCoreUnderTest host;

@@ -177,6 +177,22 @@ TEST(TakesThatWait, DuplicatesRefusalsAndPlacedOnesAreNotOfferedAgain)
     EXPECT_EQ(last.strWords, "why");
 }
 
+TEST(TakesThatWait, ATakeThatIsOfferedAgainHasNothingOfTheFormerAnswer)
+{
+    CCoreUnderTest host;
+    Take(host, 100);
+    host.core->TellOutcome(0, TakeOutcome::Unreachable, "away", 96'000);
+    host.Acknowledge(0, 1);
+    EXPECT_EQ(host.Seen().back().strWords, "away");
+    host.core->ServerAppeared();
+    // Nobody has words for it this time.
+    host.Acknowledge(1, 0);
+    const CTake take = host.Seen().back();
+    EXPECT_EQ(take.outcome, TakeOutcome::Delivered);
+    EXPECT_EQ(take.strWords, "");
+    EXPECT_EQ(take.dExpectedPosition, 0);
+}
+
 TEST(TakesThatWait, AnAcknowledgeAloneTellsDeliveredFromUnreachable)
 {
     CCoreUnderTest host;
