@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -268,11 +269,11 @@ void CCaptureCore::Parts::Handle(const CRingEvent& event)
         TakeIn(event);
         break;
     case CRingEvent::End:
-        if (event.nLostFrames > 0)
+        if (event.nLostFrames > 0 && m_writer.IsOpen())
         {
-            m_writer.Lose(event.nLostFrames);
             Log("the disk is too slow: a take has ended early, and frames behind it are lost");
         }
+        m_writer.Lose(event.nLostFrames + std::exchange(m_nLostBehindTake, 0));
         EndTake();
         break;
     }
@@ -311,6 +312,7 @@ void CCaptureCore::Parts::TakeIn(const CRingEvent& event)
     if (!m_writer.IsOpen())
     {
         m_nLostToDisk += event.nFrames;
+        m_nLostBehindTake += event.nFrames;
         return;
     }
     Interleave(m_planar.data(), m_interleaved.data(), nSampleBytes, format.nChannels,

@@ -82,7 +82,8 @@ public:
     CTakeWriter m_writer;
     std::uint32_t m_nTakes = 0;
     std::uint32_t m_nTakeArm = 0;
-    std::uint64_t m_nUntold = 0; ///< frames that no 64010 has told of
+    std::uint64_t m_nUntold = 0;         ///< frames that no 64010 has told of
+    std::uint64_t m_nLostBehindTake = 0; ///< that came when the disk had refused the take
     std::vector<std::byte> m_planar, m_interleaved;
     std::chrono::steady_clock::time_point m_lastEvent;
 

@@ -53,8 +53,8 @@ void CCaptureGate::Process(const CTransport& transport, const Sample* const* ppC
     const std::uint32_t nArm = m_nArm.load();
     const bool fRuns =
         IsArmed(nArm) && m_nOpen.load() == nArm && fPosition && transport.dSpeed == 1;
-    if (m_fTaking && (!fRuns || nArm != m_nTakeArm ||
-                      transport.dPosition != m_dStart + static_cast<double>(m_nFrames)))
+    if (!fRuns || (m_fTaking && (nArm != m_nTakeArm ||
+                                 transport.dPosition != m_dStart + static_cast<double>(m_nFrames))))
     {
         EndTake();
     }
@@ -101,10 +101,10 @@ void CCaptureGate::Put(const CTransport& transport, const Sample* const* ppChann
 {
     if (!m_fTaking)
     {
+        EndTake();
         m_fTaking = true;
         m_dStart = transport.dPosition + nOffset;
         m_nFrames = 0;
-        m_nLostBehindTake = 0;
         PutEvent({CRingEvent::Begin, 0, m_nTakeArm, m_dStart, 0});
         m_wake.Wake();
     }
@@ -118,8 +118,9 @@ void CCaptureGate::Put(const CTransport& transport, const Sample* const* ppChann
 
 bool CCaptureGate::FindRoom(bool fFreewheeling, std::size_t nEvents, std::size_t nBytes) noexcept
 {
-    // One more for the beginning, and one for the end, which must always find room.
-    nEvents += 2;
+    // One more for what was lost behind the take before, one for the beginning, and one for the
+    // end, which must always find room.
+    nEvents += 3;
     if (nBytes > m_ring.Capacity())
     {
         return false;
@@ -147,18 +148,23 @@ bool CCaptureGate::FindRoom(bool fFreewheeling, std::size_t nEvents, std::size_t
 void CCaptureGate::Lose(std::uint32_t nFrames) noexcept
 {
     m_fOverrun = true;
-    m_nLostBehindTake = nFrames;
-    EndTake();
+    m_nLostBehindTake += nFrames;
     m_nLost.fetch_add(nFrames, std::memory_order_relaxed);
+    if (m_fTaking)
+    {
+        EndTake();
+    }
     m_wake.Wake();
 }
 
 void CCaptureGate::EndTake() noexcept
 {
-    if (m_fTaking)
+    // Room was kept for the end of a take, and for nothing else.
+    if (m_fTaking || (m_nLostBehindTake > 0 && m_ring.HasRoom(1, 0)))
     {
         m_fTaking = false;
         PutEvent({CRingEvent::End, 0, 0, 0, m_nLostBehindTake});
+        m_nLostBehindTake = 0;
         m_nFramesSinceWake = 0;
         m_wake.Wake();
     }

@@ -27,7 +27,7 @@ public:
     template <typename Sample>
     void Process(const CTransport& transport, const Sample* const* ppChannels,
                  std::uint32_t nFrames) noexcept;
-    /// Ends the take that runs.
+    /// Ends the take that runs, and tells what has been lost since the last one ended.
     void EndTake() noexcept;
 
     // --- Beside no call of Process
@@ -76,7 +76,7 @@ private:
     std::uint32_t m_nTakeArm = 0;
     double m_dStart = 0;
     std::uint64_t m_nFrames = 0;
-    std::uint64_t m_nLostBehindTake = 0;
+    std::uint64_t m_nLostBehindTake = 0; ///< and not told yet
     std::uint32_t m_nFramesSinceWake = 0;
     std::uint64_t m_nEventsPut = 0;
 };

@@ -16,13 +16,14 @@ struct CRingEvent
     {
         Begin, ///< a take, at dPosition
         Audio, ///< nFrames of it: the samples of the first channel, then those of the next
-        End,   ///< of the take
+        End,   ///< of the take; another one behind it tells of what else was lost
     };
     Kind kind = End;
     std::uint32_t nFrames = 0;
     std::uint32_t nArm = 0; ///< of Begin: the arming under which it is taken
     double dPosition = 0;
-    std::uint64_t nLostFrames = 0; ///< of End: that came behind the take and found no room
+    std::uint64_t nLostFrames = 0; ///< of End: that came behind the take and found no room; each
+                                   ///< of them is in one event
 };
 
 /// One thread puts, one takes; neither locks nor allocates. An event is visible only when the

@@ -151,6 +151,7 @@ void Read(const Json& line, CJournalTake& take)
         ReadPlace(*finished, take);
         take.nFrames = ValueOf<std::uint64_t>(*finished, "frames");
         take.nLostFrames = ValueOf<std::uint64_t>(*finished, "lost");
+        take.nFinishedTime = ValueOf<std::int64_t>(*finished, "time");
     }
     if (line.contains("outcome"))
     {
@@ -240,6 +241,19 @@ bool IsOpen(const CJournalTake& take)
     return !IsSettled(take.strOutcome) && !take.file.empty();
 }
 
+std::int64_t SecondsSince1970()
+{
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::seconds>(now).count();
+}
+
+bool IsLossTold(const CJournalTake& take)
+{
+    constexpr std::int64_t kSeconds = std::chrono::seconds(CTakeJournal::kLossTold).count();
+    return take.nLostFrames > 0 && take.strOutcome != CTakeJournal::kForgotten &&
+           take.nFinishedTime > SecondsSince1970() - kSeconds;
+}
+
 // Not blocking: the opening of a pipe would wait for a writer.
 int OpenToRead(const fs::path& path)
 {
@@ -311,7 +325,8 @@ void CTakeJournal::GiveBack()
     CatchUp();
     const std::optional<Takes> takes = ReadTakes(m_nFile);
     if (takes && std::none_of(takes->begin(), takes->end(),
-                              [](const auto& entry) { return IsOpen(entry.second); }))
+                              [](const auto& entry)
+                              { return IsOpen(entry.second) || IsLossTold(entry.second); }))
     {
         ::unlink(m_path.c_str());
     }
@@ -458,7 +473,8 @@ bool CTakeJournal::Finished(std::uint64_t nTake, const CTake& take)
                          {"position", take.dPosition},
                          {"rate", take.dRate},
                          {"frames", take.nFrames},
-                         {"lost", take.nLostFrames}}}}
+                         {"lost", take.nLostFrames},
+                         {"time", SecondsSince1970()}}}}
                       .dump());
 }
 
@@ -479,15 +495,25 @@ bool CTakeJournal::Ended(std::uint64_t nTake, const std::string& strOutcome,
 
 std::vector<CJournalTake> CTakeJournal::Open() const
 {
-    std::vector<CJournalTake> open;
+    return TakesThat(&IsOpen);
+}
+
+std::vector<CJournalTake> CTakeJournal::Losses() const
+{
+    return TakesThat(&IsLossTold);
+}
+
+std::vector<CJournalTake> CTakeJournal::TakesThat(bool (*fnAre)(const CJournalTake&)) const
+{
+    std::vector<CJournalTake> found;
     const int nFile = m_nFile >= 0 ? m_nFile : OpenToRead(m_path);
     if (const std::optional<Takes> takes = ReadTakes(nFile))
     {
         for (const auto& [nTake, take] : *takes)
         {
-            if (IsOpen(take))
+            if (fnAre(take))
             {
-                open.push_back(take);
+                found.push_back(take);
             }
         }
     }
@@ -495,7 +521,7 @@ std::vector<CJournalTake> CTakeJournal::Open() const
     {
         ::close(nFile);
     }
-    return open;
+    return found;
 }
 
 std::vector<fs::path> CTakeJournal::In(const fs::path& folder)

@@ -3,6 +3,7 @@
 
 #include "signal/Take.h"
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -20,17 +21,19 @@ class CTakeFile;
 ///   <CRC-32 of the JSON, 8 hexadecimal digits> <JSON on one line>\n
 ///
 ///   {"take":N,"begun":{"file":...,"inode":...,"stem":...,"guide":...,"position":P,"rate":R}}
-///   {"take":N,"finished":{"file":...,"guide":...,"position":P,"rate":R,"frames":F,"lost":L}}
+///   {"take":N,"finished":{"file":...,"guide":...,"position":P,"rate":R,"frames":F,"lost":L,
+///                         "time":T}}
 ///   {"take":N,"outcome":"delivered"|"duplicate"|...|"forgotten","words":...,"expected":X}
 ///
 /// A line that is cut off or flawed is passed over. Any two of the lines of a take are enough: the
-/// last outcome says whether it is settled; "finished", or else "begun" and what is in the folder,
-/// where it is.
+/// last outcome says whether it is settled; the last "finished", or else "begun" and what is in the
+/// folder, where it is. A second "finished" tells of frames that were lost behind the take since
+/// the first. Its time is when the line was written, in seconds since 1970.
 ///
 /// The journal of an instance is called ".takes-<uuid>.journal". Who holds it has it locked, so
 /// that two instances never write one, in whatever process they are; the operating system gives it
-/// back when its holder is killed. It is made with its first line, and goes when nothing in it is
-/// open any more.
+/// back when its holder is killed. It is made with its first line, and goes with its holder when
+/// nothing in it is open any more and no loss is to be told.
 ///
 /// One thread at a time.
 struct CJournalTake
@@ -44,8 +47,9 @@ struct CJournalTake
     double dPosition = 0;
     double dRate = 0;
     std::uint64_t nFrames = 0;
-    std::uint64_t nLostFrames = 0;
-    std::string strOutcome; ///< the last; empty when there was none
+    std::uint64_t nLostFrames = 0;  ///< behind it, that could not be kept
+    std::int64_t nFinishedTime = 0; ///< seconds since 1970
+    std::string strOutcome;         ///< the last; empty when there was none
     std::string strWords;
 };
 
@@ -54,10 +58,12 @@ class CTakeJournal
 public:
     /// The outcome that ends the life of a take in the journal without a server.
     static constexpr const char* kForgotten = "forgotten";
+    /// How long frames that were lost are told of.
+    static constexpr std::chrono::hours kLossTold{24};
 
     /// Touches nothing.
     CTakeJournal(const std::filesystem::path& folder, const std::string& strUuid);
-    /// Gives the journal back, and removes it when nothing in it is open.
+    /// Gives the journal back, and removes it when nothing in it is open or told of by Losses().
     ~CTakeJournal();
     CTakeJournal(const CTakeJournal&) = delete;
     CTakeJournal& operator=(const CTakeJournal&) = delete;
@@ -77,6 +83,9 @@ public:
     /// What is in it and neither settled nor forgotten, in the order of the takes. Refused ones are
     /// among them.
     std::vector<CJournalTake> Open() const;
+    /// The takes behind which frames were lost within kLossTold, in their order, whatever has
+    /// become of them; but not those that were forgotten.
+    std::vector<CJournalTake> Losses() const;
 
     /// These hold the journal first, and make it where there is none. False, with a reason in
     /// Failure(), when the line did not get to the disk. Begun answers 0 then, and its take is not
@@ -98,6 +107,7 @@ public:
 private:
     bool Make();
     bool Append(const std::string& strJson);
+    std::vector<CJournalTake> TakesThat(bool (*fnAre)(const CJournalTake&)) const;
     void GiveBack();
 
     const std::filesystem::path m_folder;

@@ -75,6 +75,15 @@ bool CTakeWriter::Write(const void* pInterleaved, std::uint64_t nFrames)
     return nWritten == nFrames;
 }
 
+void CTakeWriter::Lose(std::uint64_t nFrames)
+{
+    m_take.nLostFrames += nFrames;
+    if (nFrames > 0 && !IsOpen() && m_nJournal != 0 && m_take.nFrames > 0)
+    {
+        Note(m_pJournal->Finished(m_nJournal, m_take));
+    }
+}
+
 CQueuedTake CTakeWriter::End()
 {
     if (m_take.nFrames > 0)
@@ -122,6 +131,7 @@ bool CTakeWriter::TurnTo(const fs::path& folder, const std::string& strUuid, CTa
         pJournal = std::make_unique<CTakeJournal>(m_folder, CTakeJournal::NewUuid());
     }
     pJournal.swap(m_pJournal);
+    m_nJournal = 0;
     m_known.clear();
     queue.ForEach(
         [&](CQueuedTake& queued)

@@ -34,7 +34,8 @@ public:
     const CTake& Begin(std::uint32_t nNumber, double dPosition);
     /// False from the first sample on that the disk does not take.
     bool Write(const void* pInterleaved, std::uint64_t nFrames);
-    void Lose(std::uint64_t nFrames) { m_take.nLostFrames += nFrames; }
+    /// Frames behind the take that began last, which may be over, could not be kept.
+    void Lose(std::uint64_t nFrames);
     /// Whether there is a take that takes samples.
     bool IsOpen() const { return m_pFile != nullptr; }
     const CTake& Current() const { return m_take; }

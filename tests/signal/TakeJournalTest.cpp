@@ -4,9 +4,11 @@
 #include "tests/apps/support/FailingCalls.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
+#include <boost/crc.hpp>
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -77,6 +79,38 @@ struct LeftJournal
     std::string strBytes;
 };
 
+CTake LossyTakeAt(double dPosition)
+{
+    CTake take = TakeAt(dPosition);
+    take.nLostFrames = 960;
+    return take;
+}
+
+// As if each line had been written at another time.
+void SetTimes(const fs::path& journal, std::int64_t nSecondsSince1970)
+{
+    std::istringstream lines(BytesOf(journal));
+    std::string strBytes;
+    for (std::string strLine; std::getline(lines, strLine);)
+    {
+        std::string strJson = strLine.substr(strLine.find('{'));
+        const std::string strKey = "\"time\":";
+        const std::size_t nTime = strJson.find(strKey);
+        if (nTime != std::string::npos)
+        {
+            const std::size_t nFrom = nTime + strKey.size();
+            strJson.replace(nFrom, strJson.find('}', nFrom) - nFrom,
+                            std::to_string(nSecondsSince1970));
+        }
+        boost::crc_32_type crc;
+        crc.process_bytes(strJson.data(), strJson.size());
+        char szCrc[16];
+        std::snprintf(szCrc, sizeof szCrc, "%08x ", static_cast<unsigned>(crc.checksum()));
+        strBytes += szCrc + strJson + "\n";
+    }
+    Write(journal, strBytes);
+}
+
 } // namespace
 
 TEST(TakeJournal, KeepsWhatIsOpenAndForgetsWhatIsSettled)
@@ -113,6 +147,52 @@ TEST(TakeJournal, GoesWhenNothingInItIsOpen)
         journal.Ended(nTake, "delivered", "", 0);
     }
     EXPECT_THAT(folder.Files(), IsEmpty());
+}
+
+TEST(TakeJournal, TellsADayLongOfWhatWasLostBehindATakeThatIsSettled)
+{
+    CTemporaryFolder folder;
+    {
+        CTakeJournal journal(folder.Path(), kJournalUuid);
+        for (const char* szOutcome : {"delivered", CTakeJournal::kForgotten})
+        {
+            journal.Ended(journal.Moved(LossyTakeAt(7)), szOutcome, "", 0);
+        }
+        journal.Ended(journal.Moved(TakeAt(8)), "delivered", "", 0);
+    }
+    const CTakeJournal left(folder.Path(), kJournalUuid);
+    EXPECT_THAT(left.Open(), IsEmpty());
+    const auto losses = left.Losses();
+    ASSERT_THAT(losses, SizeIs(1)) << "not of the one that is forgotten";
+    EXPECT_EQ(losses[0].dPosition, 7);
+    EXPECT_EQ(losses[0].nLostFrames, 960U);
+    const std::int64_t nNow = losses[0].nFinishedTime;
+    EXPECT_GT(nNow, 0);
+
+    constexpr std::int64_t kHour = 3600;
+    SetTimes(left.Path(), nNow - 23 * kHour);
+    EXPECT_TRUE(CTakeJournal(folder.Path(), kJournalUuid).Hold());
+    EXPECT_THAT(left.Losses(), SizeIs(1));
+    SetTimes(left.Path(), nNow - 25 * kHour);
+    EXPECT_THAT(left.Losses(), IsEmpty());
+    EXPECT_TRUE(CTakeJournal(folder.Path(), kJournalUuid).Hold());
+    EXPECT_THAT(folder.Files(), IsEmpty()) << "its next holder takes it away";
+}
+
+TEST(TakeJournal, WhatIsLostLaterChangesNothingElseOfATake)
+{
+    CTemporaryFolder folder;
+    CTakeJournal journal(folder.Path(), kJournalUuid);
+    const std::uint64_t nSettled = journal.Moved(TakeAt(7));
+    journal.Ended(nSettled, "delivered", "", 0);
+    const std::uint64_t nWaiting = journal.Moved(TakeAt(8));
+    journal.Finished(nSettled, LossyTakeAt(7));
+    journal.Finished(nWaiting, LossyTakeAt(8));
+    const auto open = journal.Open();
+    ASSERT_THAT(open, SizeIs(1));
+    EXPECT_EQ(open[0].dPosition, 8);
+    EXPECT_EQ(open[0].nLostFrames, 960U);
+    EXPECT_THAT(journal.Losses(), SizeIs(2));
 }
 
 TEST(TakeJournal, StaysWhenItCannotBeReadAtItsEnd)

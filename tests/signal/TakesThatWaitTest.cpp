@@ -65,6 +65,17 @@ CCaptureSettings SettingsIn(const fs::path& folder)
     return settings;
 }
 
+// What the journal says is lost behind the take at this position.
+std::uint64_t LostBehind(const CCoreUnderTest& host, double dPosition)
+{
+    std::uint64_t nLost = 0;
+    for (const CJournalTake& take : CTakeJournal(host.captures.Path(), host.core->Uuid()).Losses())
+    {
+        nLost += take.dPosition == dPosition ? take.nLostFrames : 0;
+    }
+    return nLost;
+}
+
 // Runs the work in a process of its own until it says so, and kills it there.
 void KillWhenDone(const std::function<void()>& work)
 {
@@ -402,6 +413,7 @@ TEST(TakesThatWait, AFullDiskEndsTheTakeAtItsLastWholeFrameAndCountsTheRest)
     EXPECT_THAT(host.core->StatusText(), HasSubstr("make room there"));
     Take(host, 90'000);
     EXPECT_EQ(SamplesThatAreRight(host.Published(2)[1].file, 90'000), 2000U);
+    EXPECT_EQ(LostBehind(host, 300), host.core->LostFrames());
 }
 
 // Else another start would send it again, to whatever session is open by then.
@@ -469,6 +481,7 @@ TEST(TakesThatWait, ADiskThatIsTooSlowEndsTheTakeAndTheNextBeginsAtItsOwnPlace)
         EXPECT_EQ(SamplesThatAreRight(take.file, take.dPosition), take.nFrames * 2);
     }
     EXPECT_THAT(host.LogLines(), testing::Contains(HasSubstr("too slow")));
+    EXPECT_EQ(LostBehind(host, 1000), nLost);
 }
 
 TEST(TakesThatWait, AFolderThatIsMissingFailsTheTakeDisarmsAndSaysWhy)

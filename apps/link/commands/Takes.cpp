@@ -42,6 +42,32 @@ std::vector<KeptTake> AllKept()
     return all;
 }
 
+// Behind how many takes frames were lost of late, and the last of these takes.
+struct Losses
+{
+    std::size_t nTakes = 0;
+    CJournalTake last;
+};
+
+Losses AllLosses()
+{
+    Losses losses;
+    for (const fs::path& folder : JournalFolders())
+    {
+        for (const fs::path& journal : CTakeJournal::In(folder))
+        {
+            for (const CJournalTake& take :
+                 CTakeJournal(folder, CTakeJournal::UuidOf(journal)).Losses())
+            {
+                ++losses.nTakes;
+                if (take.nFinishedTime >= losses.last.nFinishedTime)
+                    losses.last = take;
+            }
+        }
+    }
+    return losses;
+}
+
 std::string StateOf(const KeptTake& kept)
 {
     if (kept.fHeld)
@@ -201,6 +227,23 @@ Finding CheckTakes()
                 StateOf(*first) + LossOf(first->take),
             "Open the host's session again, which sends them, or list them with tarvane-link takes "
             "and send them by hand."};
+}
+
+Finding CheckLosses()
+{
+    const Losses losses = AllLosses();
+    if (losses.nTakes == 0)
+        return {"losses", Verdict::Good, "no disk has lost frames within a day"};
+    const CJournalTake& last = losses.last;
+    char szFrames[128];
+    std::snprintf(szFrames, sizeof szFrames, ", %llu frames from sample %.0f on",
+                  static_cast<unsigned long long>(last.nLostFrames),
+                  last.dPosition + static_cast<double>(last.nFrames));
+    return {"losses", Verdict::Warning,
+            "within a day a disk was too slow or too full for what followed " +
+                std::to_string(losses.nTakes) + (losses.nTakes == 1 ? " take" : " takes") +
+                ", the last time for what followed " + last.file.string() + szFrames,
+            "Play that again; make room on the disk, or have captures written to a faster one."};
 }
 
 } // namespace Tarvane::Link

@@ -49,6 +49,7 @@ Findings Examine(const Options& options)
         findings.push_back(check(examiner));
     }
     findings.push_back(CheckTakes());
+    findings.push_back(CheckLosses());
     return findings;
 }
 

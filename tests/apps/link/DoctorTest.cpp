@@ -160,7 +160,7 @@ TEST_F(DoctorTest, AGoodServerIsFound)
     EXPECT_EQ(ran.Json()["outcome"], "done");
     EXPECT_THAT(Checks(ran),
                 ElementsAre("bus", "server", "version", "silence", "errors", "speed", "functions",
-                            "document", "capture-folder", "rates", "takes"));
+                            "document", "capture-folder", "rates", "takes", "losses"));
     for (const auto& finding : ran.Findings())
     {
         EXPECT_EQ(finding["verdict"], "ok") << finding;
@@ -195,6 +195,7 @@ TEST_F(DoctorTest, FindingsReadAsLines)
         "                         Came back: status -600. Nobody receives events under the "
         "server's name: it is not running, is on another bus, or has asked for another name.\n"
         "ok       takes           no take waits that no running host would send\n"
+        "ok       losses          no disk has lost frames within a day\n"
         "TARVANE_AE_TRACE=1 in the environment, or --trace, shows every event and reply.\n");
 }
 
@@ -277,7 +278,7 @@ TEST_F(DoctorTest, NoBusIsToldFromNoServer)
     busState = {BusState::Absent, "there is no bus", "start one"};
     const Ran ran = Examine();
     EXPECT_EQ(ran.nExitCode, 3);
-    EXPECT_THAT(Checks(ran), ElementsAre("bus", "takes"));
+    EXPECT_THAT(Checks(ran), ElementsAre("bus", "takes", "losses"));
     ExpectFinding(ran, "bus", "problem", "there is no bus");
     EXPECT_THAT(m_events.Commands(), IsEmpty());
 }
@@ -293,7 +294,7 @@ TEST_F(DoctorTest, AHungServerIsAskedOnce)
     AnswerStatus("", -1712);
     const Ran ran = Examine();
     EXPECT_EQ(ran.nExitCode, 4);
-    EXPECT_THAT(Checks(ran), ElementsAre("bus", "server", "takes"));
+    EXPECT_THAT(Checks(ran), ElementsAre("bus", "server", "takes", "losses"));
     EXPECT_EQ(m_events.Commands().size(), 1U);
 }
 
@@ -304,7 +305,7 @@ TEST_F(DoctorTest, AServerThatGoesAwayEndsTheExamination)
     EXPECT_EQ(ran.nExitCode, 5);
     ExpectFinding(ran, "functions", "problem", "AEError ID:-609");
     EXPECT_THAT(Checks(ran), ElementsAre("bus", "server", "version", "silence", "errors", "speed",
-                                         "functions", "takes"));
+                                         "functions", "takes", "losses"));
 }
 
 TEST_F(DoctorTest, EventsThatTheSystemForbidsAreToldWithTheRemedy)

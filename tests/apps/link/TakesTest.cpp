@@ -100,14 +100,14 @@ protected:
     {
         return (m_captures / ("take-00" + std::to_string(nTake) + ".wav")).string();
     }
-    std::string TakesFinding(const char* szWhat) const
+    std::string TakesFinding(const char* szWhat) const { return Doctor()["takes"][szWhat]; }
+    // Its findings by their names.
+    static nlohmann::json Doctor()
     {
+        nlohmann::json findings;
         for (const auto& finding : RunLink({"doctor", "--json"}).Findings())
-        {
-            if (finding["check"] == "takes")
-                return finding[szWhat];
-        }
-        return "no such finding";
+            findings[finding["check"].get<std::string>()] = finding;
+        return findings;
     }
 
     const fs::path m_captures = m_folder / "captures";
@@ -120,7 +120,9 @@ TEST_F(TakesTest, NothingWaitsAtFirst)
     const Ended ended = RunLink({"takes"});
     EXPECT_EQ(ended.nExitCode, 0);
     EXPECT_EQ(ended.strOutput + ended.strError, "");
-    EXPECT_EQ(TakesFinding("verdict"), "ok");
+    const nlohmann::json findings = Doctor();
+    EXPECT_EQ(findings["takes"]["verdict"], "ok");
+    EXPECT_EQ(findings["losses"]["verdict"], "ok");
 }
 
 TEST_F(TakesTest, WhatWaitsIsListedWithItsPlace)
@@ -153,10 +155,29 @@ TEST_F(TakesTest, WhatADiskCouldNotKeepIsTold)
     take.dRate = kRate;
     take.nFrames = kFrames;
     take.nLostFrames = 960;
-    ASSERT_NE(CTakeJournal(m_captures, CTakeJournal::NewUuid()).Moved(take), 0U);
+    const std::string strUuid = CTakeJournal::NewUuid();
+    const std::uint64_t nTake = CTakeJournal(m_captures, strUuid).Moved(take);
+    ASSERT_NE(nTake, 0U);
     constexpr const char* kLoss = "waiting, 960 frames behind it are lost";
     EXPECT_EQ(RunLink({"takes"}).strOutput, File(1) + "\t96000\t48000\t4800\t" + kLoss + "\n");
     EXPECT_THAT(TakesFinding("text"), HasSubstr(kLoss));
+
+    // Also when the take itself has been delivered, and its host is gone.
+    {
+        CTakeJournal journal(m_captures, strUuid);
+        ASSERT_TRUE(journal.Hold());
+        ASSERT_TRUE(journal.Ended(nTake, "delivered", "", 0));
+    }
+    EXPECT_EQ(RunLink({"takes"}).strOutput, "");
+    const nlohmann::json findings = Doctor();
+    EXPECT_EQ(findings["takes"]["verdict"], "ok");
+    EXPECT_EQ(findings["losses"]["verdict"], "warning");
+    EXPECT_EQ(
+        findings["losses"]["text"],
+        "within a day a disk was too slow or too full for what followed 1 take, the last time "
+        "for what followed " +
+            File(1) + ", 960 frames from sample 100800 on");
+    EXPECT_THAT(findings["losses"]["advice"], HasSubstr("Play that again"));
 }
 
 TEST_F(TakesTest, OneIsSentToItsPlaceOnATrackAndWaitsNoMore)
