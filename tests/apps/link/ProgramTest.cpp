@@ -211,7 +211,7 @@ TEST_F(RealServerTest, DoctorFindsTheServerWell)
     const auto before = Session();
     const Ended ended = RunLink({"doctor", "--capture-folder", m_folder.Path().string(), "--json"});
     EXPECT_EQ(ended.nExitCode, 0) << ended.strOutput;
-    EXPECT_EQ(ended.Findings().size(), 11U);
+    EXPECT_EQ(ended.Findings().size(), 12U);
     EXPECT_EQ(ended.Findings()[2]["text"], "the server's version is \"" PROJECT_VERSION "\"");
     for (const auto& finding : ended.Findings())
     {
