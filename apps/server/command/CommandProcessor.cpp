@@ -21,14 +21,14 @@ CCommandProcessor::CCommandProcessor(CSessionDatabase& database, CRenderFolder f
                                      bool fHasDocuments, const SandboxLimits& limits,
                                      const Access& access)
     : m_database(database), m_folder(std::move(folder)), m_fHasDocuments(fHasDocuments),
-      m_limits(limits), m_access(access)
+      m_sandbox(limits), m_access(access)
 {
 }
 
 ScriptResult CCommandProcessor::RunInSession(std::string_view strScript, const Trouble& trouble)
 {
     CScriptContext context(m_database, m_folder, m_fHasDocuments && !trouble.fNoDocument);
-    ScriptResult result = RunScript(strScript, Functions(context, trouble), m_limits);
+    ScriptResult result = m_sandbox.Run(strScript, Functions(context, trouble));
     if (result.strError.empty() && result.strOutput.empty() && !result.fChangeCalled &&
         context.SelectionFailed() && AsksForChange(strScript, result))
         result.strError = kNoDocument;

@@ -81,6 +81,9 @@ public:
     Execution Execute(std::string_view strScript, const Trouble& trouble);
     void Conclude(Execution& execution);
 
+    /// Does ahead what the next command needs before its script runs.
+    void GetReady() { m_sandbox.GetReady(); }
+
     /// Both. A command in conflict with another is not run again, and changes nothing.
     CommandReply Run(std::string_view strScript, const Trouble& trouble = {});
 
@@ -100,7 +103,7 @@ private:
     CEditorFeed* m_pFeed = nullptr;
     CRenderFolder m_folder;
     bool m_fHasDocuments;
-    SandboxLimits m_limits;
+    CLuaSandbox m_sandbox;
     Access m_access;
     std::string m_strRefusal;
     std::string m_strFailure; ///< of the database in this command; empty for none

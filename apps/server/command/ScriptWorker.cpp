@@ -161,6 +161,13 @@ public:
         return !execution.reply.fChanged ? Answer(execution) : Save(execution);
     }
 
+    // While nobody waits.
+    void GetReady()
+    {
+        if (m_processor)
+            m_processor->GetReady();
+    }
+
 private:
     void Connect()
     {
@@ -264,6 +271,7 @@ void CScriptWorker::Serve(int nSocket)
             if (!ReadAll(nSocket, strScript.data(), strScript.size()) ||
                 !work.RunOne(strScript, request.trouble))
                 break;
+            work.GetReady();
         }
     }
     _exit(0);

@@ -38,11 +38,6 @@ private:
     locale_t m_before;
 };
 
-struct StateCloser
-{
-    void operator()(lua_State* pState) const { lua_close(pState); }
-};
-
 struct Job
 {
     std::string_view strScript;
@@ -76,10 +71,15 @@ int CallFunction(lua_State* pState)
     return std::holds_alternative<std::monostate>(state.CallResult()) ? 0 : 1;
 }
 
+int OpenLibraries(lua_State* pState)
+{
+    OpenSafeLibraries(pState);
+    return 0;
+}
+
 int RunJob(lua_State* pState)
 {
     const auto* pJob = static_cast<const Job*>(lua_touserdata(pState, 1));
-    OpenSafeLibraries(pState);
     for (const ScriptFunction& function : pJob->functions)
     {
         lua_pushlightuserdata(pState, const_cast<ScriptFunction*>(&function));
@@ -130,36 +130,62 @@ std::string ErrorText(lua_State* pState)
     return strText;
 }
 
-std::string RunJobBounded(Job& job, CSandboxState& state)
+std::unique_ptr<CSandboxState> FreshState(const SandboxLimits& limits)
 {
-    const std::unique_ptr<lua_State, StateCloser> pState(state.NewState());
+    auto pState = std::make_unique<CSandboxState>(limits);
     int nStatus = LUA_ERRMEM;
-    if (pState != nullptr)
+    if (lua_State* const pLua = pState->Lua())
     {
-        lua_pushcfunction(pState.get(), RunJob);
-        lua_pushlightuserdata(pState.get(), &job);
-        nStatus = lua_pcall(pState.get(), 1, 0, 0);
+        lua_pushcfunction(pLua, OpenLibraries);
+        nStatus = lua_pcall(pLua, 0, 0, 0);
     }
+    // Nothing else can fail in there.
+    if (nStatus != LUA_OK)
+        pState->NoteOutOfMemory();
+    return pState;
+}
+
+std::string RunBounded(Job& job, CSandboxState& state)
+{
+    if (state.IsOver())
+        return state.BoundText();
+    lua_State* const pLua = state.Lua();
+    lua_pushcfunction(pLua, RunJob);
+    lua_pushlightuserdata(pLua, &job);
+    const int nStatus = lua_pcall(pLua, 1, 0, 0);
     if (nStatus == LUA_ERRMEM)
         state.NoteOutOfMemory();
     if (state.IsOver())
         return state.BoundText();
-    return nStatus == LUA_OK ? std::string() : ErrorText(pState.get());
+    return nStatus == LUA_OK ? std::string() : ErrorText(pLua);
 }
 
 } // namespace
 
-ScriptResult RunScript(std::string_view strScript, const std::vector<ScriptFunction>& functions,
-                       const SandboxLimits& limits)
+CLuaSandbox::CLuaSandbox(const SandboxLimits& limits) : m_limits(limits) {}
+
+CLuaSandbox::~CLuaSandbox() = default;
+
+void CLuaSandbox::GetReady()
 {
-    if (strScript.size() > limits.nScriptBytes)
-        return {"", "the script is longer than " + std::to_string(limits.nScriptBytes) + " bytes",
+    m_pSpent.reset();
+    if (!m_pFresh)
+        m_pFresh = FreshState(m_limits);
+}
+
+ScriptResult CLuaSandbox::Run(std::string_view strScript,
+                              const std::vector<ScriptFunction>& functions)
+{
+    if (strScript.size() > m_limits.nScriptBytes)
+        return {"", "the script is longer than " + std::to_string(m_limits.nScriptBytes) + " bytes",
                 false};
+    GetReady();
+    m_pSpent = std::move(m_pFresh);
+    m_pSpent->StartClock();
     const CPlainLocale plain;
-    CSandboxState state(limits);
     Job job{strScript, functions};
-    std::string strError = RunJobBounded(job, state);
-    return {state.Output(), std::move(strError), state.ChangeCalled()};
+    std::string strError = RunBounded(job, *m_pSpent);
+    return {m_pSpent->Output(), std::move(strError), m_pSpent->ChangeCalled()};
 }
 
 } // namespace Tarvane::Server

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -55,15 +56,32 @@ struct ScriptResult
 /// What is said of a script that has passed the bound of time.
 std::string ProcessorTimeText(std::int64_t nMilliseconds);
 
-/// Runs the script in a fresh state, which offers the given functions and these of Lua 5.4: assert,
-/// error, ipairs, next, pairs, pcall, print, rawequal, rawget, rawlen, rawset, select, tonumber,
-/// tostring, type, _VERSION, and string, table and math without what reaches bytecode. There are no
-/// metatables but that of strings, no coroutines, no loading, no files, no processes.
+class CSandboxState;
+
+/// Runs scripts, each in a fresh state, which offers the given functions and these of Lua 5.4:
+/// assert, error, ipairs, next, pairs, pcall, print, rawequal, rawget, rawlen, rawset, select,
+/// tonumber, tostring, type, _VERSION, and string, table and math without what reaches bytecode.
+/// There are no metatables but that of strings, no coroutines, no loading, no files, no processes.
 ///
 /// The script is text, UTF-8. print writes one line a call: its arguments with a tab between them,
-/// numbers as NumberText writes them, and a space for each line end and NUL within. Never throws
-/// for anything that a script does. One thread at a time for one set of functions.
-ScriptResult RunScript(std::string_view strScript, const std::vector<ScriptFunction>& functions,
-                       const SandboxLimits& limits = {});
+/// numbers as NumberText writes them, and a space for each line end and NUL within. One thread at a
+/// time, for one set of functions too.
+class CLuaSandbox
+{
+public:
+    explicit CLuaSandbox(const SandboxLimits& limits = {});
+    ~CLuaSandbox();
+
+    /// Frees the state of the last script and makes that of the next ahead, which takes longer than
+    /// a short script does. Run does it where it was not called.
+    void GetReady();
+
+    /// Never throws for anything that a script does.
+    ScriptResult Run(std::string_view strScript, const std::vector<ScriptFunction>& functions);
+
+private:
+    const SandboxLimits m_limits;
+    std::unique_ptr<CSandboxState> m_pFresh, m_pSpent;
+};
 
 } // namespace Tarvane::Server

@@ -36,19 +36,19 @@ std::string ProcessorTimeText(std::int64_t nMilliseconds)
 }
 
 CSandboxState::CSandboxState(const SandboxLimits& limits)
-    : m_limits(limits), m_nTimeAtStart(ProcessorMilliseconds())
+    : m_limits(limits), m_pLua(lua_newstate(Allocate, this))
 {
+    if (m_pLua == nullptr)
+        return;
+    CSandboxState* pSelf = this;
+    std::memcpy(lua_getextraspace(m_pLua), &pSelf, sizeof pSelf);
+    lua_sethook(m_pLua, CountInstructions, LUA_MASKCOUNT, kInstructionsBetweenChecks);
 }
 
-lua_State* CSandboxState::NewState()
+CSandboxState::~CSandboxState()
 {
-    lua_State* pState = lua_newstate(Allocate, this);
-    if (pState == nullptr)
-        return nullptr;
-    CSandboxState* pSelf = this;
-    std::memcpy(lua_getextraspace(pState), &pSelf, sizeof pSelf);
-    lua_sethook(pState, CountInstructions, LUA_MASKCOUNT, kInstructionsBetweenChecks);
-    return pState;
+    if (m_pLua != nullptr)
+        lua_close(m_pLua);
 }
 
 CSandboxState& CSandboxState::Of(lua_State* pState)
@@ -84,6 +84,11 @@ void CSandboxState::CountInstructions(lua_State* pState, lua_Debug*)
     if (self.m_nInstructions > self.m_limits.nInstructions)
         self.Raise(pState, Bound::Instructions);
     self.CheckTime(pState);
+}
+
+void CSandboxState::StartClock()
+{
+    m_nTimeAtStart = ProcessorMilliseconds();
 }
 
 void CSandboxState::CheckTime(lua_State* pState)

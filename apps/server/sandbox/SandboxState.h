@@ -1,4 +1,5 @@
-// What one running script has used so far, and the bounds that stop it.
+// The state that one script runs in: Lua's, what the script has used so far, and the bounds that
+// stop it.
 #pragma once
 
 #include "apps/server/sandbox/LuaSandbox.h"
@@ -16,16 +17,19 @@ class CSandboxState
 {
 public:
     explicit CSandboxState(const SandboxLimits& limits);
+    ~CSandboxState();
     CSandboxState(const CSandboxState&) = delete;
     CSandboxState& operator=(const CSandboxState&) = delete;
 
     const SandboxLimits& Limits() const { return m_limits; }
 
-    /// A new Lua state on the bounded allocator, which the caller closes before this object goes.
-    /// Null when the bound leaves no room for it.
-    lua_State* NewState();
+    /// Lua's state, without libraries, on the bounded allocator. Null when the bound leaves no room
+    /// for it.
+    lua_State* Lua() const { return m_pLua; }
     static CSandboxState& Of(lua_State* pState);
 
+    /// The script's time begins.
+    void StartClock();
     /// Raises when the script has used up its time.
     void CheckTime(lua_State* pState);
     /// Raises when there is no room left. Line ends and NULs come out as spaces.
@@ -66,7 +70,7 @@ private:
     int Raise(lua_State* pState, Bound bound);
 
     const SandboxLimits m_limits;
-    const std::int64_t m_nTimeAtStart;
+    std::int64_t m_nTimeAtStart = 0;
     std::size_t m_nMemory = 0;
     std::int64_t m_nInstructions = 0;
     Bound m_bound = Bound::None;
@@ -74,6 +78,7 @@ private:
     ScriptValue m_callResult;
     std::string m_strCallError;
     bool m_fChangeCalled = false;
+    lua_State* m_pLua;
 };
 
 } // namespace Tarvane::Server

@@ -91,6 +91,36 @@ TEST(LuaSandbox, ScriptsShareNothing)
     EXPECT_EQ(Output("print(x, ('abc'):find('b'))"), "nil\t2\t2\n");
 }
 
+TEST(LuaSandbox, EachScriptHasAFreshStateAndItsOwnBounds)
+{
+    SandboxLimits limits;
+    limits.nInstructions = 1000;
+    limits.nOutputBytes = 10;
+    CLuaSandbox sandbox(limits);
+    for (const bool fReady : {false, true})
+    {
+        EXPECT_EQ(sandbox.Run("x = 1 print('12345678')", {}).strOutput, "12345678\n");
+        if (fReady)
+            sandbox.GetReady();
+        EXPECT_EQ(sandbox.Run("print(x)", {}).strOutput, "nil\n");
+        EXPECT_EQ(sandbox.Run("while true do end", {}).strError,
+                  "the script runs longer than 1000 instructions");
+        if (fReady)
+            sandbox.GetReady();
+        EXPECT_EQ(sandbox.Run("print(2)", {}).strOutput, "2\n");
+    }
+}
+
+TEST(LuaSandbox, AStateThatHasNoRoomIsToldOfByTheScript)
+{
+    SandboxLimits limits;
+    limits.nMemoryBytes = 10'000;
+    CLuaSandbox sandbox(limits);
+    sandbox.GetReady();
+    EXPECT_EQ(sandbox.Run("print(1)", {}).strError,
+              "the script needs more than 10000 bytes of memory");
+}
+
 TEST(LuaSandbox, BytecodeIsRefused)
 {
     EXPECT_THAT(Error("\x1bLua"), HasSubstr("attempt to load a binary chunk"));

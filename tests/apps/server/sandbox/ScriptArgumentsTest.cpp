@@ -1,4 +1,4 @@
-#include "apps/server/sandbox/LuaSandbox.h"
+#include "tests/apps/server/sandbox/ScriptRuns.h"
 
 #include <gmock/gmock.h>
 

@@ -7,9 +7,17 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Tarvane::Server
 {
+
+inline ScriptResult RunScript(std::string_view strScript,
+                              const std::vector<ScriptFunction>& functions,
+                              const SandboxLimits& limits = {})
+{
+    return CLuaSandbox(limits).Run(strScript, functions);
+}
 
 /// What it prints; it must not fail.
 inline std::string Output(std::string_view strScript)
