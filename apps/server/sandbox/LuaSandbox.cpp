@@ -73,7 +73,9 @@ int CallFunction(lua_State* pState)
 
 int OpenLibraries(lua_State* pState)
 {
+    lua_gc(pState, LUA_GCSTOP);
     OpenSafeLibraries(pState);
+    lua_gc(pState, LUA_GCRESTART);
     return 0;
 }
 

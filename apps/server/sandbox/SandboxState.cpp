@@ -1,6 +1,5 @@
 #include "apps/server/sandbox/SandboxState.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
 
@@ -65,13 +64,13 @@ void* CSandboxState::Allocate(void* pState, void* pBlock, std::size_t nOld, std:
     const std::size_t nHeld = pBlock == nullptr ? 0 : nOld;
     if (nNew == 0)
     {
-        std::free(pBlock);
+        self.m_memory.Free(pBlock);
         self.m_nMemory -= nHeld;
         return nullptr;
     }
     if (nNew > nHeld && nNew - nHeld > self.m_limits.nMemoryBytes - self.m_nMemory)
         return nullptr;
-    void* pNew = std::realloc(pBlock, nNew);
+    void* pNew = self.m_memory.Resize(pBlock, nHeld, nNew);
     if (pNew != nullptr)
         self.m_nMemory += nNew - nHeld;
     return pNew;

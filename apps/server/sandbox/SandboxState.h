@@ -3,6 +3,7 @@
 #pragma once
 
 #include "apps/server/sandbox/LuaSandbox.h"
+#include "apps/server/sandbox/ScriptMemory.h"
 
 #include <lua.hpp>
 #include <string>
@@ -71,6 +72,7 @@ private:
 
     const SandboxLimits m_limits;
     std::int64_t m_nTimeAtStart = 0;
+    CScriptMemory m_memory;
     std::size_t m_nMemory = 0;
     std::int64_t m_nInstructions = 0;
     Bound m_bound = Bound::None;
