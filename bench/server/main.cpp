@@ -1,7 +1,9 @@
 // bench-server: what a command costs the server in sessions of 100, 10,000 and 1,000,000 regions.
-// Needs a bus of its own:
+// Needs a bus of its own. Interleaved, so that a machine whose pace changes is the same to both
+// sides of a ratio:
 //
-//     scripts/with-desktop --private build/bench/bin/bench-server
+//     scripts/with-desktop --private build/bench/bin/bench-server \
+//         --benchmark_repetitions=15 --benchmark_enable_random_interleaving=true
 //
 // Commands go to a worker, without the bus, whose cost is the same for every session (bench-link
 // has it). A delivery is the three commands of the view: the question for duplicates, which finds
@@ -40,7 +42,7 @@ constexpr int kTracks = 100;
 constexpr int kDeliveries = 20; // a repetition
 constexpr int kQuestions = 100;
 constexpr int kClients = 8;
-constexpr int kOfAClient = 10; // commands
+constexpr int kOfAClient = 50; // commands
 constexpr std::int64_t kTakeFrames = 4800;
 constexpr std::int64_t kMostMemory = std::int64_t(64) << 20;
 
