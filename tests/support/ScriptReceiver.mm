@@ -13,22 +13,22 @@ namespace TarvaneTests
 namespace
 {
 
-std::string ScriptIn(const AppleEvent* pEvent)
+OSErr HandleCommand(const AppleEvent* pEvent, AppleEvent* pReply, void* pAnswer)
+{
+    return (*static_cast<ScriptAnswer*>(pAnswer))(Utf8FromUtf16(ScriptIn(pEvent)), pReply);
+}
+
+} // namespace
+
+std::u16string ScriptIn(const AppleEvent* pEvent)
 {
     Size nBytes = 0;
     AESizeOfParam(pEvent, keyDirectObject, nullptr, &nBytes);
     std::u16string script(nBytes / sizeof(char16_t), u'\0');
     AEGetParamPtr(pEvent, keyDirectObject, typeUnicodeText, nullptr, script.data(), nBytes,
                   nullptr);
-    return Utf8FromUtf16(script);
+    return script;
 }
-
-OSErr HandleCommand(const AppleEvent* pEvent, AppleEvent* pReply, void* pAnswer)
-{
-    return (*static_cast<ScriptAnswer*>(pAnswer))(ScriptIn(pEvent), pReply);
-}
-
-} // namespace
 
 OSErr PutText(AppleEvent* pReply, AEKeyword key, const std::string& text)
 {
@@ -39,10 +39,15 @@ OSErr PutText(AppleEvent* pReply, AEKeyword key, const std::string& text)
 
 int ReceiveScripts(const char* szReady, ScriptAnswer answer)
 {
+    return ReceiveCommands(szReady, HandleCommand, &answer);
+}
+
+int ReceiveCommands(const char* szReady, AEEventHandlerProcPtr handler, void* pRefcon)
+{
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     TarvaneSetApplicationSignature('TkNe');
     const OSErr status =
-        AEInstallEventHandler('TKNE', 'LCmd', NewAEEventHandlerUPP(HandleCommand), &answer, false);
+        AEInstallEventHandler('TKNE', 'LCmd', NewAEEventHandlerUPP(handler), pRefcon, false);
     std::puts(status == noErr ? szReady : "the handler could not be installed");
     std::fflush(stdout);
     while (status == noErr)

@@ -2,14 +2,11 @@
 // script is looked through for the one word that tells what it asks for, and nothing is run.
 // Two scripts speak to the receiver itself: "tracks N" has it list so many tracks, and "scripts"
 // answers with those that it has had since then, a unit separator behind each.
+#include "tests/support/ScriptReceiver.h"
 #include "tests/support/Utf16.h"
 
 #include <Carbon/Carbon.h>
-#include <TarvanePlatform/Application.h>
 
-#import <Foundation/Foundation.h>
-
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -26,16 +23,6 @@ void MakeTracks(long nTracks)
         strList += "Track " + std::to_string(n) + "\n";
     trackList = TarvaneTests::Utf16FromUtf8(strList);
     scriptsSeen.clear();
-}
-
-std::u16string ScriptIn(const AppleEvent* pEvent)
-{
-    Size nBytes = 0;
-    AESizeOfParam(pEvent, keyDirectObject, nullptr, &nBytes);
-    std::u16string script(nBytes / sizeof(char16_t), u'\0');
-    AEGetParamPtr(pEvent, keyDirectObject, typeUnicodeText, nullptr, script.data(), nBytes,
-                  nullptr);
-    return script;
 }
 
 const std::u16string& AnswerTo(const std::u16string& script)
@@ -58,7 +45,7 @@ OSErr Put(AppleEvent* pReply, const std::u16string& text)
 
 OSErr HandleCommand(const AppleEvent* pEvent, AppleEvent* pReply, void*)
 {
-    const std::u16string script = ScriptIn(pEvent);
+    const std::u16string script = TarvaneTests::ScriptIn(pEvent);
     if (script.starts_with(u"tracks "))
         MakeTracks(std::strtol(TarvaneTests::Utf8FromUtf16(script).c_str() + 7, nullptr, 10));
     else if (script == u"scripts")
@@ -72,19 +59,6 @@ OSErr HandleCommand(const AppleEvent* pEvent, AppleEvent* pReply, void*)
 
 int main()
 {
-    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     MakeTracks(3);
-    TarvaneSetApplicationSignature('TkNe');
-    const OSErr status =
-        AEInstallEventHandler('TKNE', 'LCmd', NewAEEventHandlerUPP(HandleCommand), nullptr, false);
-    std::puts(status == noErr ? "ready" : "the name of the server is taken");
-    std::fflush(stdout);
-    while (status == noErr)
-    {
-        NSAutoreleasePool* passPool = [[NSAutoreleasePool alloc] init];
-        [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate distantFuture]];
-        [passPool drain];
-    }
-    [pool drain];
-    return 1;
+    return TarvaneTests::ReceiveCommands("ready", HandleCommand, nullptr);
 }
