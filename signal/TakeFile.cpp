@@ -275,26 +275,42 @@ void CutBehindSamples(const fs::path& file, std::uint64_t nFrames)
     }
 }
 
-// A header that was to count them in the end (FLAC) is had by writing the file anew, as far as it
-// can be read.
-std::uint64_t WriteAnew(const fs::path& file)
+// A new file beside a leftover, gone with the object unless it has got another name. Its name is
+// always the same, so that it takes the place of one that a killed process has left.
+class CCopy
+{
+public:
+    explicit CCopy(const fs::path& leftover) : path(leftover.string() + "-mended")
+    {
+        ::unlink(path.c_str());
+        nFile = ::open(path.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0644);
+    }
+    ~CCopy()
+    {
+        if (nFile >= 0)
+        {
+            ::close(nFile);
+            ::unlink(path.c_str());
+        }
+    }
+    CCopy(const CCopy&) = delete;
+    CCopy& operator=(const CCopy&) = delete;
+
+    const fs::path path;
+    int nFile = -1;
+};
+
+// As far as the file can be read. False when the copy does not take all of that.
+bool CopyFrames(const fs::path& file, int nCopy, std::uint64_t* pFrames)
 {
     SF_INFO info{};
     const Sound pFrom(sf_open(file.c_str(), SFM_READ, &info));
-    std::string strCopy = (file.parent_path() / ".capture-XXXXXX").string();
-    const int nCopy = ::mkstemp(strCopy.data());
-    if (!pFrom || nCopy < 0)
-    {
-        return 0;
-    }
-    ::fchmod(nCopy, 0644);
     SF_INFO copyInfo = info;
     copyInfo.frames = 0;
-    Sound pTo(sf_open_fd(nCopy, SFM_WRITE, &copyInfo, SF_TRUE));
+    Sound pTo(sf_open_fd(nCopy, SFM_WRITE, &copyInfo, SF_FALSE));
     constexpr sf_count_t kFrames = 4096;
     std::vector<int> block(static_cast<std::size_t>(kFrames * info.channels));
-    std::uint64_t nFrames = 0;
-    bool fWhole = pTo != nullptr;
+    bool fWhole = pFrom != nullptr && pTo != nullptr;
     while (fWhole)
     {
         const sf_count_t nRead = sf_readf_int(pFrom.get(), block.data(), kFrames);
@@ -303,13 +319,32 @@ std::uint64_t WriteAnew(const fs::path& file)
             break;
         }
         fWhole = sf_writef_int(pTo.get(), block.data(), nRead) == nRead;
-        nFrames += static_cast<std::uint64_t>(nRead);
+        *pFrames += static_cast<std::uint64_t>(nRead);
     }
-    fWhole = sf_close(pTo.release()) == 0 && fWhole;
-    if (!fWhole || nFrames == 0 || ::rename(strCopy.c_str(), file.c_str()) != 0)
+    return sf_close(pTo.release()) == 0 && fWhole;
+}
+
+// A header that was to count them in the end (FLAC) is had by writing the file anew.
+std::uint64_t WriteAnew(const fs::path& file, const std::function<void(ino_t)>& fnReplacing)
+{
+    std::uint64_t nFrames = 0;
+    errno = 0;
+    const CCopy copy(file);
+    struct stat status
     {
-        ::unlink(strCopy.c_str());
-        return 0;
+    };
+    bool fMended = copy.nFile >= 0 && CopyFrames(file, copy.nFile, &nFrames) &&
+                   ::fchmod(copy.nFile, 0644) == 0 && TarvaneSyncFile(copy.nFile) == 0 &&
+                   ::fstat(copy.nFile, &status) == 0;
+    if (fMended && nFrames > 0)
+    {
+        fnReplacing(status.st_ino);
+        fMended = ::rename(copy.path.c_str(), file.c_str()) == 0;
+    }
+    if (!fMended)
+    {
+        throw std::runtime_error("cannot mend the capture " + file.string() + Reason() +
+                                 " - make room there; it stays as it is.");
     }
     return nFrames;
 }
@@ -329,16 +364,19 @@ CMendedFile ExamineTakeFile(const fs::path& file)
     return {file, fCounted ? static_cast<std::uint64_t>(info.frames) : 0};
 }
 
-CMendedFile MendTakeFile(const fs::path& leftover, const std::string& strStem)
+CMendedFile MendTakeFile(const fs::path& leftover, const std::string& strStem,
+                         const std::function<void(ino_t)>& fnReplacing)
 {
     CMendedFile mended = ExamineTakeFile(leftover);
     if (mended.nFrames > 0)
     {
         CutBehindSamples(leftover, mended.nFrames);
+        // Of an AIFF file that ends in more the library does not cut that off, but counts it too.
+        mended.nFrames = ExamineTakeFile(leftover).nFrames;
     }
     else
     {
-        mended.nFrames = WriteAnew(leftover);
+        mended.nFrames = WriteAnew(leftover, fnReplacing);
     }
     if (mended.nFrames == 0)
     {

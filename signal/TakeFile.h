@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -78,8 +79,12 @@ struct CMendedFile
 CMendedFile ExamineTakeFile(const std::filesystem::path& file);
 
 /// A file that was left unfinished by a process that is gone: brings its header into line with what
-/// it holds, and gives it its name. Answers its path, and how many frames it holds. Throws
-/// std::runtime_error when it holds nothing that can be read; it then stays as it is.
-CMendedFile MendTakeFile(const std::filesystem::path& leftover, const std::string& strStem);
+/// it holds, and gives it its name. Answers its path, and how many frames it holds. Where that
+/// takes another file in the leftover's place, fnReplacing is told its inode first. A process that
+/// is killed meanwhile leaves the leftover, the file under its name, or both. Throws
+/// std::runtime_error when it holds nothing that can be read, or cannot be mended, and what
+/// fnReplacing throws; it then stays as it is.
+CMendedFile MendTakeFile(const std::filesystem::path& leftover, const std::string& strStem,
+                         const std::function<void(ino_t)>& fnReplacing);
 
 } // namespace Tarvane

@@ -85,6 +85,31 @@ fs::path UserFolder(const char* szVariable, const char* szInHome)
     return home.empty() ? fs::path() : home / szInHome / "tarvane-link";
 }
 
+// Never a name that exists: two captures never get the same. Whoever looks sees the whole file
+// under it, or nothing, but where the file system has no links: there an empty one keeps the place.
+bool GiveName(const fs::path& file, const fs::path& path)
+{
+    if (::link(file.c_str(), path.c_str()) == 0)
+    {
+        ::unlink(file.c_str());
+        return true;
+    }
+    const int nPlace = ::open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
+    if (nPlace < 0)
+    {
+        return false;
+    }
+    ::close(nPlace);
+    if (::rename(file.c_str(), path.c_str()) == 0)
+    {
+        return true;
+    }
+    const int nError = errno;
+    ::unlink(path.c_str());
+    errno = nError;
+    return false;
+}
+
 } // namespace
 
 fs::path TakeStateFolder()
@@ -172,25 +197,15 @@ fs::path NameTake(const fs::path& file, const std::string& strStem, const std::s
         char szNumber[16];
         std::snprintf(szNumber, sizeof szNumber, "-%03zu.", nNumber);
         const fs::path path = folder / (strStem + szNumber + strExtension);
-        // Creating it is what makes the name ours: two captures never get the same.
-        const int nFile = ::open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
-        if (nFile < 0 && errno == EEXIST)
+        if (GiveName(file, path))
         {
-            continue;
+            return path;
         }
-        if (nFile >= 0)
+        if (errno != EEXIST)
         {
-            ::close(nFile);
-            if (::rename(file.c_str(), path.c_str()) == 0)
-            {
-                return path;
-            }
-            const int nError = errno;
-            ::unlink(path.c_str());
-            errno = nError;
+            throw std::runtime_error("cannot give the capture " + file.string() + " its name (" +
+                                     std::strerror(errno) + ") - it stays there.");
         }
-        throw std::runtime_error("cannot give the capture " + file.string() + " its name (" +
-                                 std::strerror(errno) + ") - it stays there.");
     }
     throw std::runtime_error("no name is free for a capture in " + folder.string() +
                              " - clear it up, or name another folder.");

@@ -29,8 +29,9 @@ std::string TakeStem(const std::string& strStem);
 std::string TakeExtension(int nFileFormat);
 
 /// Gives the finished file the first free name "<stem>-<number>.<extension>" in its folder, never
-/// one that exists, and returns its path. Throws std::runtime_error when there is none, or the disk
-/// takes no more names; the file then stays where it is.
+/// one that exists, and returns its path. A process that is killed meanwhile may leave it under
+/// both names. Throws std::runtime_error when there is none, or the disk takes no more names; the
+/// file then stays where it is.
 std::filesystem::path NameTake(const std::filesystem::path& file, const std::string& strStem,
                                const std::string& strExtension);
 

@@ -447,21 +447,40 @@ std::uint64_t CTakeJournal::Begun(const CTakeFile& file, const std::string& strS
     {
         return 0;
     }
-    const Json line{{"take", ++m_nLastTake},
+    CJournalTake begun;
+    begun.nTake = ++m_nLastTake;
+    begun.file = file.Path();
+    begun.guide = take.guide;
+    begun.nInode = file.Inode();
+    begun.strStem = TakeStem(strStem);
+    begun.dPosition = take.dPosition;
+    begun.dRate = take.dRate;
+    return AppendBegun(begun) ? begun.nTake : 0;
+}
+
+bool CTakeJournal::Replaced(CJournalTake take, ino_t nInode)
+{
+    take.nInode = nInode;
+    return AppendBegun(take);
+}
+
+bool CTakeJournal::AppendBegun(const CJournalTake& take)
+{
+    const Json line{{"take", take.nTake},
                     {"begun",
-                     {{"file", PathJson(file.Path())},
-                      {"inode", file.Inode()},
-                      {"stem", TakeStem(strStem)},
+                     {{"file", PathJson(take.file)},
+                      {"inode", take.nInode},
+                      {"stem", take.strStem},
                       {"guide", PathJson(take.guide)},
                       {"position", take.dPosition},
                       {"rate", take.dRate}}}};
     const std::string strBefore = m_strUnwritten;
     if (Append(line.dump()))
     {
-        return m_nLastTake;
+        return true;
     }
     m_strUnwritten = strBefore;
-    return 0;
+    return false;
 }
 
 bool CTakeJournal::Finished(std::uint64_t nTake, const CTake& take)
@@ -615,9 +634,31 @@ bool IsGone(const fs::path& file)
                              std::strerror(errno) + ") - it waits until that can be done.");
 }
 
+// Of a take that had got its name when the process ended, so that only the line was missing. Empty
+// when it has none.
+fs::path NamedFile(const CJournalTake& take)
+{
+    std::error_code error;
+    for (fs::directory_iterator entry(take.file.parent_path(), error), end; !error && entry != end;
+         entry.increment(error))
+    {
+        const fs::path& path = entry->path();
+        struct stat status
+        {
+        };
+        if (path != take.file && ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+            status.st_ino == take.nInode &&
+            path.filename().string().starts_with(take.strStem + "-"))
+        {
+            return path;
+        }
+    }
+    return {};
+}
+
 } // namespace
 
-bool RecoverTake(CJournalTake& take)
+bool RecoverTake(CJournalTake& take, CTakeJournal& journal)
 {
     struct stat status
     {
@@ -627,37 +668,41 @@ bool RecoverTake(CJournalTake& take)
     {
         return !fGone;
     }
-    if (!fGone)
+    const bool fLeft = !fGone && ::stat(take.file.c_str(), &status) == 0;
+    if (fLeft && status.st_size == 0)
     {
-        ::stat(take.file.c_str(), &status);
-        if (status.st_size == 0)
-        {
-            ::unlink(take.file.c_str());
-            return false;
-        }
-        const CMendedFile mended = MendTakeFile(take.file, take.strStem);
-        take.file = mended.path;
-        take.nFrames = mended.nFrames;
-        take.fFinished = true;
-        return true;
+        ::unlink(take.file.c_str());
+        return false;
     }
-    // It had got its name when the process ended, and only the line was missing.
-    std::error_code error;
-    for (fs::directory_iterator entry(take.file.parent_path(), error), end; !error && entry != end;
-         entry.increment(error))
+    if (!fLeft || status.st_nlink > 1)
     {
-        const fs::path& path = entry->path();
-        if (::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-            status.st_ino == take.nInode && path.filename().string().starts_with(take.strStem))
+        take.nInode = fLeft ? status.st_ino : take.nInode;
+        if (const fs::path named = NamedFile(take); !named.empty())
         {
-            const CMendedFile sound = ExamineTakeFile(path);
-            take.file = path;
+            const CMendedFile sound = ExamineTakeFile(named);
+            ::unlink(take.file.c_str());
+            take.file = named;
             take.nFrames = sound.nFrames;
             take.fFinished = true;
             return sound.nFrames > 0;
         }
     }
-    return false;
+    if (!fLeft)
+    {
+        return false;
+    }
+    const CMendedFile mended = MendTakeFile(take.file, take.strStem,
+                                            [&](ino_t nInode)
+                                            {
+                                                if (!journal.Replaced(take, nInode))
+                                                {
+                                                    throw std::runtime_error(journal.Failure());
+                                                }
+                                            });
+    take.file = mended.path;
+    take.nFrames = mended.nFrames;
+    take.fFinished = true;
+    return true;
 }
 
 } // namespace Tarvane

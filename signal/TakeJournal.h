@@ -25,10 +25,11 @@ class CTakeFile;
 ///                         "time":T}}
 ///   {"take":N,"outcome":"delivered"|"duplicate"|...|"forgotten","words":...,"expected":X}
 ///
-/// A line that is cut off or flawed is passed over. Any two of the lines of a take are enough: the
-/// last outcome says whether it is settled; the last "finished", or else "begun" and what is in the
-/// folder, where it is. A second "finished" tells of frames that were lost behind the take since
-/// the first. Its time is when the line was written, in seconds since 1970.
+/// "begun" comes again when another file is about to take the place of an unfinished one. A line
+/// that is cut off or flawed is passed over. Any two of the lines of a take are enough: the last
+/// outcome says whether it is settled; the last "finished", or else the last "begun" and what is in
+/// the folder, where it is. A second "finished" tells of frames that were lost behind the take
+/// since the first. Its time is when the line was written, in seconds since 1970.
 ///
 /// The journal of an instance is called ".takes-<uuid>.journal". Who holds it has it locked, so
 /// that two instances never write one, in whatever process they are; the operating system gives it
@@ -89,8 +90,11 @@ public:
 
     /// These hold the journal first, and make it where there is none. False, with a reason in
     /// Failure(), when the line did not get to the disk. Begun answers 0 then, and its take is not
-    /// known here; the lines of the others are kept for CatchUp, or the next line.
+    /// known here; Replaced has said nothing either; the lines of the others are kept for CatchUp,
+    /// or the next line.
     std::uint64_t Begun(const CTakeFile& file, const std::string& strStem, const CTake& take);
+    /// The file of this take, which is not finished, is about to be the one of that inode.
+    bool Replaced(CJournalTake take, ino_t nInode);
     bool Finished(std::uint64_t nTake, const CTake& take);
     /// A finished take of another journal; its number in this one, or 0.
     std::uint64_t Moved(const CTake& take);
@@ -107,6 +111,7 @@ public:
 private:
     bool Make();
     bool Append(const std::string& strJson);
+    bool AppendBegun(const CJournalTake& take);
     std::vector<CJournalTake> TakesThat(bool (*fnAre)(const CJournalTake&)) const;
     void GiveBack();
 
@@ -124,9 +129,11 @@ private:
 std::vector<std::filesystem::path> JournalFolders();
 void NoteJournalFolder(const std::filesystem::path& folder);
 
-/// Brings a take that was not finished to its end: mends its file, or finds it under the name that
-/// it had been given. False when there is nothing left of it. Throws std::runtime_error, in words
-/// for the user, when there is a file that cannot be read, or no telling whether there is one.
-bool RecoverTake(CJournalTake& take);
+/// Brings a take of this journal that was not finished to its end: mends its file, or finds it
+/// under the name that it had been given; the line that it is finished is the caller's. A process
+/// that is killed at any instant of this leaves what the next call brings to its end. False when
+/// there is nothing left of it. Throws std::runtime_error, in words for the user, when there is a
+/// file that cannot be read or mended, or no telling whether there is one.
+bool RecoverTake(CJournalTake& take, CTakeJournal& journal);
 
 } // namespace Tarvane

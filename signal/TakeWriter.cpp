@@ -168,7 +168,7 @@ std::vector<CQueuedTake> CTakeWriter::Recover()
         take.fRecovered = true;
         try
         {
-            if (!RecoverTake(kept))
+            if (!RecoverTake(kept, *m_pJournal))
             {
                 m_log("nothing is left of the take " + kept.file.string());
                 Note(m_pJournal->Ended(kept.nTake, CTakeJournal::kForgotten, "", 0));

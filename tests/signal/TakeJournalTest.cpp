@@ -337,18 +337,19 @@ TEST(TakeJournal, EveryFolderWithAJournalIsInTheIndexOnce)
 TEST(TakeJournal, ATakeWhoseFolderIsAwayIsNotGone)
 {
     const CTemporaryFolder folder;
+    CTakeJournal journal(folder.Path(), kJournalUuid);
     for (const bool fFinished : {true, false})
     {
         CJournalTake take;
         take.fFinished = fFinished;
         take.strStem = "take";
         take.file = folder / "disk" / "take-001.wav";
-        EXPECT_THROW(RecoverTake(take), std::runtime_error) << fFinished;
+        EXPECT_THROW(RecoverTake(take, journal), std::runtime_error) << fFinished;
         std::ofstream(folder / "disk") << "no folder";
-        EXPECT_THROW(RecoverTake(take), std::runtime_error) << fFinished;
+        EXPECT_THROW(RecoverTake(take, journal), std::runtime_error) << fFinished;
         fs::remove(folder / "disk");
         fs::create_directory(folder / "disk");
-        EXPECT_FALSE(RecoverTake(take)) << fFinished;
+        EXPECT_FALSE(RecoverTake(take, journal)) << fFinished;
         fs::remove(folder / "disk");
     }
 }

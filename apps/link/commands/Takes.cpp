@@ -143,7 +143,7 @@ void Settle(CTakeJournal& journal, const CJournalTake& take, const char* szOutco
 void Finish(CTakeJournal& journal, CJournalTake& take)
 {
     const bool fFinished = take.fFinished;
-    if (!RecoverTake(take))
+    if (!RecoverTake(take, journal))
         throw CUsageError("nothing is left of the take " + take.file.string() +
                           " - tarvane-link takes --forget forgets it.");
     if (fFinished)

@@ -42,6 +42,7 @@ extern "C"
     ssize_t __real_write(int nFile, const void* pBytes, size_t nBytes);
     int __real_fsync(int nFile);
     int __real_rename(const char* szFrom, const char* szTo);
+    int __real_link(const char* szFrom, const char* szTo);
 
     ssize_t __wrap_write(int nFile, const void* pBytes, size_t nBytes)
     {
@@ -56,6 +57,11 @@ extern "C"
     int __wrap_rename(const char* szFrom, const char* szTo)
     {
         return Fails("rename") ? -1 : __real_rename(szFrom, szTo);
+    }
+
+    int __wrap_link(const char* szFrom, const char* szTo)
+    {
+        return Fails("link") ? -1 : __real_link(szFrom, szTo);
     }
 }
 

@@ -7,8 +7,8 @@
 namespace TarvaneTest
 {
 
-/// For the life of the object the n-th call from now on (from 1) of "write", "fsync" or "rename"
-/// fails with the error. One at a time.
+/// For the life of the object the n-th call from now on (from 1) of "write", "fsync", "rename" or
+/// "link" fails with the error. One at a time.
 class CFailingCall
 {
 public:
