@@ -372,6 +372,8 @@ bool CTakeJournal::Hold()
         return false;
     }
     m_nLastTake = takes->empty() ? m_nLastTake : std::max(m_nLastTake, takes->rbegin()->first);
+    // Of one that is there already as well: the index may have lost it.
+    NoteJournalFolder(m_folder);
     return true;
 }
 
@@ -410,7 +412,6 @@ bool CTakeJournal::Make()
         m_strFailure = "the journal " + m_path.string() + " is another instance's";
         return false;
     }
-    NoteJournalFolder(m_folder);
     return true;
 }
 

@@ -76,8 +76,9 @@ public:
     static bool IsUuid(const std::string& strUuid);
     static std::string NewUuid();
 
-    /// Takes the journal that is there. True as well when there is none yet; false when somebody
-    /// else holds it for more than a moment, or it cannot be opened and read.
+    /// Takes the journal that is there, and has its folder in the index. True as well when there is
+    /// none yet; false when somebody else holds it for more than a moment, or it cannot be opened
+    /// and read.
     bool Hold();
     /// Whether somebody holds this journal now.
     static bool IsHeld(const std::filesystem::path& journal);
@@ -125,7 +126,8 @@ private:
 };
 
 /// Every folder of this user in which an instance has kept a journal, whether or not there is one
-/// now, as the index in TakeStateFolder() has them. Concurrent writers are safe.
+/// now, as the index in TakeStateFolder() has them. A line of it that is cut off or flawed is
+/// passed over, and comes back when a journal of its folder is held. Concurrent writers are safe.
 std::vector<std::filesystem::path> JournalFolders();
 void NoteJournalFolder(const std::filesystem::path& folder);
 

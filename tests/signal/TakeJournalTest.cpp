@@ -111,6 +111,30 @@ void SetTimes(const fs::path& journal, std::int64_t nSecondsSince1970)
     Write(journal, strBytes);
 }
 
+// An index of this test's own, of four folders.
+struct LeftIndex
+{
+    LeftIndex() : strStateBefore(std::getenv("XDG_STATE_HOME"))
+    {
+        ::setenv("XDG_STATE_HOME", state.Path().c_str(), 1);
+        for (const fs::path& folder : folders)
+        {
+            NoteJournalFolder(folder);
+        }
+        path = TakeStateFolder() / "capture-folders";
+        strBytes = BytesOf(path);
+    }
+    ~LeftIndex() { ::setenv("XDG_STATE_HOME", strStateBefore.c_str(), 1); }
+    LeftIndex(const LeftIndex&) = delete;
+    LeftIndex& operator=(const LeftIndex&) = delete;
+
+    const std::string strStateBefore;
+    CTemporaryFolder state;
+    const std::vector<fs::path> folders = {"/takes/1", "/takes/2", "/takes/3", "/takes/4"};
+    fs::path path;
+    std::string strBytes;
+};
+
 } // namespace
 
 TEST(TakeJournal, KeepsWhatIsOpenAndForgetsWhatIsSettled)
@@ -332,6 +356,60 @@ TEST(TakeJournal, EveryFolderWithAJournalIsInTheIndexOnce)
     EXPECT_EQ(std::count(folders.begin(), folders.end(), first.Path()), 1);
     EXPECT_EQ(std::count(folders.begin(), folders.end(), second.Path()), 1);
     EXPECT_THAT(CTakeJournal::In(first.Path()), SizeIs(1));
+}
+
+TEST(TakeJournal, AnIndexThatIsCutOffAnywhereLosesTheFolderThatIsCutAndNoOther)
+{
+    const LeftIndex left;
+    for (std::size_t nSize = 0; nSize <= left.strBytes.size(); ++nSize)
+    {
+        Write(left.path, left.strBytes.substr(0, nSize));
+        const std::string strKept = left.strBytes.substr(0, nSize + 1); // a line end may be missing
+        std::vector<fs::path> whole = left.folders;
+        whole.resize(static_cast<std::size_t>(std::count(strKept.begin(), strKept.end(), '\n')));
+        ASSERT_EQ(JournalFolders(), whole) << nSize;
+        NoteJournalFolder("/takes/new");
+        whole.emplace_back("/takes/new");
+        ASSERT_EQ(JournalFolders(), whole) << nSize << ": behind a line that is cut off";
+    }
+}
+
+TEST(TakeJournal, AnIndexThatIsFlawedAnywhereLosesTheFolderThatIsFlawedAndNoOther)
+{
+    const LeftIndex left;
+    for (std::size_t nByte = 0; nByte < left.strBytes.size(); ++nByte)
+    {
+        std::string strFlawed = left.strBytes;
+        strFlawed[nByte] = static_cast<char>(strFlawed[nByte] ^ (1 << (nByte % 8)));
+        Write(left.path, strFlawed);
+        // The end of a line joins it to the next.
+        const std::size_t nLost =
+            left.strBytes[nByte] == '\n' && nByte + 1 < left.strBytes.size() ? 2 : 1;
+        const auto read = JournalFolders();
+        ASSERT_GE(read.size() + nLost, left.folders.size()) << nByte;
+        ASSERT_THAT(read, testing::IsSubsetOf(left.folders)) << nByte << ": a flaw was believed";
+    }
+}
+
+TEST(TakeJournal, AFolderThatIsInTheIndexTwiceIsOneFolder)
+{
+    const LeftIndex left;
+    Write(left.path, left.strBytes + left.strBytes);
+    EXPECT_EQ(JournalFolders(), left.folders);
+}
+
+TEST(TakeJournal, AFolderThatTheIndexHasLostIsInItAgainWhenItsJournalIsHeld)
+{
+    const LeftIndex index;
+    const LeftJournal left;
+    for (const char* szLost : {"", "no index of ours\n"})
+    {
+        Write(index.path, szLost);
+        ASSERT_THAT(JournalFolders(), IsEmpty());
+        CTakeJournal journal(left.folder.Path(), kJournalUuid);
+        EXPECT_TRUE(journal.Hold());
+        EXPECT_THAT(JournalFolders(), ElementsAre(left.folder.Path()));
+    }
 }
 
 TEST(TakeJournal, ATakeWhoseFolderIsAwayIsNotGone)
