@@ -8,6 +8,7 @@
 #include "apps/conform/shared/ReportPage.h"
 #include "apps/support/file/AtomicFile.h"
 #include "apps/support/program/CommandLine.h"
+#include "apps/support/text/PlainText.h"
 
 #include <CLI/CLI.hpp>
 
@@ -50,8 +51,9 @@ int Tell(const Options& options, const Subject& subject, const Findings& finding
         std::cout << told.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
     }
     else
-        std::cout << FindingsText(szParty, findings)
-                  << (subject.strVersion.empty() ? "" : "Version: " + subject.strVersion + "\n");
+        std::cout << PlainText(
+            FindingsText(szParty, findings) +
+            (subject.strVersion.empty() ? "" : "Version: " + subject.strVersion + "\n"));
     if (!options.strReport.empty())
         ReplaceFile(options.strReport, ReportPage(subject, findings));
     return Conforms(findings) ? kExitDone : kExitFailed;

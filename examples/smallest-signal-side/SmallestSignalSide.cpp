@@ -7,13 +7,14 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <array>
+#include <cstdlib>
 #include <cstring>
 #include <deque>
 #include <dlfcn.h>
 #include <filesystem>
 #include <sndfile.h>
 #include <string>
-#include <unistd.h>
+#include <unistd.h> // mkstemps, on macOS
 #include <vector>
 
 namespace
@@ -58,17 +59,18 @@ struct Instance : AudioComponentPlugInInterface
     }
 };
 
+// A file that was not there: the folder may be everybody's.
 std::string WriteFile()
 {
-    static int nFile = 0;
-    const std::string strName =
-        "take-" + std::to_string(getpid()) + "-" + std::to_string(++nFile) + ".wav";
-    const std::string strPath = std::filesystem::temp_directory_path() / strName;
+    std::string strPath = std::filesystem::temp_directory_path() / "take-XXXXXX.wav";
+    const int nFile = mkstemps(strPath.data(), sizeof ".wav" - 1);
+    if (nFile < 0)
+        return "";
     SF_INFO info{};
     info.samplerate = kRate;
     info.channels = 1;
     info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-    SNDFILE* pFile = sf_open(strPath.c_str(), SFM_WRITE, &info);
+    SNDFILE* pFile = sf_open_fd(nFile, SFM_WRITE, &info, SF_TRUE);
     if (pFile == nullptr)
         return "";
     const std::array<short, kFrames> silence{};

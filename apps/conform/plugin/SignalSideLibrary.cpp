@@ -13,6 +13,7 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <filesystem>
+#include <unistd.h> // mkstemps, on macOS
 
 namespace fs = std::filesystem;
 
@@ -98,18 +99,21 @@ public:
     }
 };
 
+// A file that was not there: the folder may be everybody's.
 fs::path WrittenSound(const fs::path& folder)
 {
-    const fs::path path = folder / "played.wav";
+    std::string strPath = (folder / "played-XXXXXX.wav").string();
+    const int nFile = mkstemps(strPath.data(), sizeof ".wav" - 1);
     SF_INFO info{};
     info.samplerate = kRate;
     info.channels = 1;
     info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-    const Tarvane::SoundFileHandle pFile(sf_open(path.c_str(), SFM_WRITE, &info));
+    const Tarvane::SoundFileHandle pFile(nFile < 0 ? nullptr
+                                                   : sf_open_fd(nFile, SFM_WRITE, &info, SF_TRUE));
     const std::array<short, kFrames> silence{};
     if (pFile)
         sf_writef_short(pFile.get(), silence.data(), kFrames);
-    return path;
+    return strPath;
 }
 
 SInt32 TrackOf(AudioUnit pUnit)

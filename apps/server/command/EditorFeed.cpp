@@ -1,5 +1,7 @@
 #include "apps/server/command/EditorFeed.h"
 
+#include "apps/support/text/PlainText.h"
+
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -42,9 +44,9 @@ Editor::Model ForEditor(const std::vector<Track>& tracks, const std::vector<Regi
     {
         const Editor::Region made = ForEditor(region);
         if (const auto why = Editor::WhyUnable(table, made))
-            std::cerr << "tarvane-server: the region " << made.strName << " does not go to "
-                      << table.szName << ": " << *why << "; it is in the session alone"
-                      << std::endl;
+            std::cerr << "tarvane-server: the region " << PlainText(made.strName)
+                      << " does not go to " << table.szName << ": " << *why
+                      << "; it is in the session alone" << std::endl;
         else
             model.tracks[places.at(region.nTrackId)].regions.push_back(made);
     }

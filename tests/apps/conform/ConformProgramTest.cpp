@@ -108,6 +108,15 @@ TEST_F(ConformProgram, TrackWithRegionsIsRefusedUnlessTheyMayGo)
     EXPECT_EQ(Examine({"--clear"}).nExitCode, 1);
 }
 
+TEST_F(ConformProgram, ControlCharactersOfAServerAreToldAsPoints)
+{
+    StartScripted({"GetLinkVersion=>a\x1b[2Jb\n", "GetTrackCount=>2\n", "GetRegionCount=>0\n",
+                   "=>1\x1b[31m\n"});
+    const std::string strOutput = RunConform({"server", "--timeout", "5"}).strOutput;
+    EXPECT_THAT(strOutput, HasSubstr("1.[31m"));
+    EXPECT_EQ(strOutput.find('\x1b'), std::string::npos) << strOutput;
+}
+
 TEST_F(ConformProgram, TrackThatIsNotThereIsRefused)
 {
     StartServer();

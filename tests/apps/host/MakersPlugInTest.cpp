@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
 
 using namespace Tarvane;
@@ -90,6 +91,17 @@ TEST_F(MakersPlugIn, ATakeThatIsNotDeliveredIsToldWithWhatTheViewSays)
     EXPECT_EQ(ended.nCode, 1);
     EXPECT_THAT(ended.strOutput, AllOf(HasSubstr("  outcome      not delivered\n"),
                                        HasSubstr("Error - Tarvane not running.")));
+}
+
+// Who plays writes into a folder that may be everybody's.
+TEST_F(MakersPlugIn, NothingIsWrittenWhereALinkOfSomebodyElsesPoints)
+{
+    for (const char* szGuessed : {"played.wav", "take.wav", "take-001.wav"})
+    {
+        std::filesystem::create_symlink(folder / "mine", folder / szGuessed);
+    }
+    EXPECT_THAT(RunHost(SIGNAL_SIDE).strOutput, HasSubstr("4800 samples at 48000 Hz\n"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "mine"));
 }
 
 TEST_F(MakersPlugIn, OneWhoseCaptureIsNeverAcknowledgedIsGivenUp)

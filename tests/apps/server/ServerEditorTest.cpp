@@ -94,6 +94,18 @@ TEST_F(ServerEditor, ATakeThatTheEditorCanNeverTakeIsHereAloneAndNamed)
                 HasSubstr("the region take does not go to Ardour: it begins before the timeline"));
 }
 
+TEST_F(ServerEditor, ControlCharactersOfANameAreToldAsPoints)
+{
+    std::filesystem::rename(m_strTake, Path("a\x1b[2Jb.wav"));
+    const Child server = StartWithArdour();
+    EXPECT_EQ(SendScript("SelectScriptDocument() AddAudioRegion(GetTrackID(0), \"" +
+                         Path("a\\27[2Jb.wav") + "\", true, false, -5,0,100)")
+                  .error,
+              std::nullopt);
+    server->End(kAnyTime);
+    EXPECT_THAT(server->ErrorOutput(), HasSubstr("the region a.[2Jb does not go to Ardour"));
+}
+
 TEST_F(ServerEditor, WhatCameBeforeIsPutInAtTheStartAndOnce)
 {
     {
