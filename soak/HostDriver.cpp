@@ -280,7 +280,13 @@ nlohmann::json CHostDriver::AskWhileTheViewIsKilled(const std::string& strComman
         {
             std::this_thread::sleep_for(delay);
             const pid_t nView = AwaitViewProcess(nHost);
-            m_nViewKills += nView != 0 && ::kill(nView, SIGKILL) == 0;
+            if (nView == 0 || ::kill(nView, SIGKILL) != 0)
+                return;
+            ++m_nViewKills;
+            // Nobody is to find it again while it dies.
+            for (auto views = ChildrenOf(nHost); std::ranges::count(views, nView) != 0;
+                 views = ChildrenOf(nHost))
+                std::this_thread::sleep_for(kRest);
         });
     return m_pClient->Ask(strCommand, kPatience);
 }
