@@ -2,6 +2,7 @@
 // packages add (stripping, their dependencies) is not looked at.
 #include "apps/support/process/ChildProcess.h"
 #include "tests/apps/support/TemporaryFolder.h"
+#include "tests/apps/support/process/Ended.h"
 #include "tests/support/PrivateBus.h"
 
 #include <gmock/gmock.h>
@@ -14,6 +15,8 @@
 
 using namespace Tarvane;
 using TarvaneTest::CTemporaryFolder;
+using TarvaneTest::Ended;
+using TarvaneTest::RunToEnd;
 using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -23,20 +26,6 @@ namespace fs = std::filesystem;
 
 namespace
 {
-
-struct Ended
-{
-    int nCode;
-    std::string strOutput;
-    std::string strError;
-};
-
-Ended RunToEnd(const std::vector<std::string>& command)
-{
-    CChildProcess child(command);
-    const int nCode = child.WaitForEnd(std::chrono::seconds(300)).value_or(-1);
-    return {nCode, child.Output(), child.ErrorOutput()};
-}
 
 std::string TextOf(const fs::path& path)
 {
@@ -56,7 +45,7 @@ protected:
         {
             const Ended ended = RunToEnd({CMAKE_PROGRAM, "--install", BUILD_FOLDER, "--prefix",
                                           Root(), "--component", szComponent});
-            ASSERT_EQ(ended.nCode, 0) << ended.strError;
+            ASSERT_EQ(ended.nExitCode, 0) << ended.strError;
         }
         fs::create_directory(Captures());
         ::setenv("TMPDIR", Captures().c_str(), 1);
@@ -92,9 +81,9 @@ protected:
         Ended ended = RunToEnd({CMAKE_PROGRAM, "-S", sources, "-B", build, "-G", "Ninja",
                                 "-DCMAKE_PREFIX_PATH=" + Root().string(),
                                 "-DCMAKE_CXX_COMPILER=g++", "-DCMAKE_CXX_FLAGS=-Werror"});
-        EXPECT_EQ(ended.nCode, 0) << ended.strError;
+        EXPECT_EQ(ended.nExitCode, 0) << ended.strError;
         ended = RunToEnd({CMAKE_PROGRAM, "--build", build});
-        EXPECT_EQ(ended.nCode, 0) << ended.strOutput << ended.strError;
+        EXPECT_EQ(ended.nExitCode, 0) << ended.strOutput << ended.strError;
         return build;
     }
 
@@ -127,7 +116,7 @@ TEST_F(Installed, EveryProgramRunsWithNothingFromTheBuild)
     for (const std::string& strName : Programs())
     {
         const Ended ended = RunToEnd({Program(strName), "--version"});
-        EXPECT_EQ(ended.nCode, 0) << ended.strError;
+        EXPECT_EQ(ended.nExitCode, 0) << ended.strError;
         EXPECT_THAT(ended.strOutput, StartsWith(strName + " " VERSION));
         EXPECT_THAT(RunToEnd({"ldd", fs::canonical(Program(strName))}).strOutput,
                     AllOf(Not(HasSubstr(BUILD_FOLDER)), Not(HasSubstr("not found"))));
@@ -139,7 +128,7 @@ TEST_F(Installed, EveryProgramHasAManualPageAndCompletions)
     const fs::path share = Root() / "share";
     for (const std::string& strName : Programs())
     {
-        EXPECT_EQ(RunToEnd({"gzip", "-t", share / "man/man1" / (strName + ".1.gz")}).nCode, 0);
+        EXPECT_EQ(RunToEnd({"gzip", "-t", share / "man/man1" / (strName + ".1.gz")}).nExitCode, 0);
         EXPECT_THAT(TextOf(share / "bash-completion/completions" / strName),
                     EndsWith(" " + strName + "\n"));
         EXPECT_THAT(TextOf(Root() / ZSH_FOLDER / ("_" + strName)),
@@ -170,7 +159,7 @@ TEST_F(Installed, TheDemonstrationTakesItsRecordingsThroughTheWholeLink)
     const TarvaneTests::PrivateBus bus;
     const Ended ended = RunToEnd(
         {Program("tarvane-demo"), "--headless", "--speed", "max", "--out", *folder / "out"});
-    EXPECT_EQ(ended.nCode, 0) << ended.strError;
+    EXPECT_EQ(ended.nExitCode, 0) << ended.strError;
     EXPECT_THAT(ended.strOutput, HasSubstr("holds exactly these 2 regions"));
 }
 
@@ -179,7 +168,7 @@ TEST_F(Installed, Lv2HostsFindThePlugIn)
     ::setenv("LV2_PATH", (Root() / "lib/lv2").c_str(), 1);
     const Ended ended = RunToEnd({"lv2info", "https://tarvane.org/lv2/link#stereo"});
     ::unsetenv("LV2_PATH");
-    EXPECT_EQ(ended.nCode, 0) << ended.strError;
+    EXPECT_EQ(ended.nExitCode, 0) << ended.strError;
     EXPECT_THAT(ended.strOutput, HasSubstr("Name:              Tarvane Link\n"));
     EXPECT_THAT(ended.strOutput, HasSubstr((Root() / "lib/lv2/tarvane-link.lv2/link.so").string()));
 }
@@ -207,7 +196,7 @@ TEST_F(Installed, AProgramOfItsOwnReadsASessionAndAsksAServer)
     const fs::path build = Built("session-and-script");
     const Server server(Program("tarvane-server"), *folder / "server.session");
     const Ended ended = RunToEnd({build / "session-and-script", *folder / "tracks.session"});
-    EXPECT_EQ(ended.nCode, 0) << ended.strError;
+    EXPECT_EQ(ended.nExitCode, 0) << ended.strError;
     EXPECT_EQ(ended.strOutput, "Vox\nR\u00e4ume\n");
     EXPECT_THAT(
         RunToEnd({Program("tarvane-session"), "dump", *folder / "tracks.session"}).strOutput,
@@ -218,14 +207,14 @@ TEST_F(Installed, PkgConfigSaysWhatAProgramNeeds)
 {
     const fs::path description = Root() / LIBRARY_FOLDER / "pkgconfig/tarvane-link.pc";
     const Ended flags = RunToEnd({"pkg-config", "--cflags", "--libs", description});
-    ASSERT_EQ(flags.nCode, 0) << flags.strError;
+    ASSERT_EQ(flags.nExitCode, 0) << flags.strError;
     const fs::path program = *folder / "by-pkg-config";
     const Ended built =
         RunToEnd({"sh", "-c",
                   "exec g++ -std=c++20 -Wall -Wextra -Werror -o \"$1\" \"$2\" " +
                       flags.strOutput.substr(0, flags.strOutput.find('\n')),
                   "sh", program, fs::path(EXAMPLES_FOLDER) / "session-and-script/main.cpp"});
-    ASSERT_EQ(built.nCode, 0) << built.strError;
+    ASSERT_EQ(built.nExitCode, 0) << built.strError;
 
     const Server server(Program("tarvane-server"), *folder / "other.session");
     EXPECT_EQ(RunToEnd({program, *folder / "others.session"}).strOutput, "Vox\nR\u00e4ume\n");
@@ -236,7 +225,7 @@ TEST_F(Installed, ThePlugInToBeginWithKeepsEveryRuleAndDelivers)
     const fs::path plugIn = Built("plug-in") / "my-plug-in.so";
     fs::remove_all(State());
     const Ended ended = RunToEnd({Program("tarvane-conform"), "plugin", plugIn});
-    EXPECT_EQ(ended.nCode, 0) << ended.strError;
+    EXPECT_EQ(ended.nExitCode, 0) << ended.strError;
     EXPECT_THAT(ended.strOutput, AllOf(HasSubstr(" kept, 0 broken, 0 not examined\nSHOULD: "),
                                        EndsWith(" kept, 0 broken, 0 not examined\n")));
     EXPECT_TRUE(fs::is_empty(Captures()));
@@ -245,7 +234,7 @@ TEST_F(Installed, ThePlugInToBeginWithKeepsEveryRuleAndDelivers)
     const Server server(Program("tarvane-server"), *folder / "plug-in.session");
     const Ended hosted =
         RunToEnd({Program("tarvane-host"), "--plugin", plugIn, "--headless", "--track", "1"});
-    EXPECT_EQ(hosted.nCode, 0) << hosted.strError;
+    EXPECT_EQ(hosted.nExitCode, 0) << hosted.strError;
     EXPECT_THAT(hosted.strOutput, AllOf(HasSubstr("  sent to      track 1 \"R\u00e4ume\"\n"),
                                         HasSubstr("  outcome      delivered\n")));
 }

@@ -1,7 +1,7 @@
 // Runs tarvane-conform, and reads what it found.
 #pragma once
 
-#include "apps/support/process/ChildProcess.h"
+#include "tests/apps/support/process/Ended.h"
 
 #include <chrono>
 #include <fstream>
@@ -15,12 +15,8 @@ namespace TarvaneTest
 
 constexpr std::chrono::seconds kAnyTime{200};
 
-struct ConformEnded
+struct ConformEnded : Ended
 {
-    int nExitCode;
-    std::string strOutput;
-    std::string strError;
-
     /// The rules with this outcome.
     std::vector<std::string> Rules(const std::string& strOutcome) const
     {
@@ -54,9 +50,7 @@ inline std::string FileText(const char* szPath)
 inline ConformEnded RunConform(std::vector<std::string> arguments)
 {
     arguments.insert(arguments.begin(), CONFORM_PROGRAM);
-    Tarvane::CChildProcess conform(arguments);
-    const int nExitCode = conform.WaitForEnd(kAnyTime).value_or(-1);
-    return {nExitCode, conform.Output(), conform.ErrorOutput()};
+    return {RunToEnd(arguments)};
 }
 
 } // namespace TarvaneTest

@@ -57,8 +57,7 @@ protected:
         Tarvane::CChildProcess conform({CONFORM_PROGRAM, "server", "--json", "--wait", "100"});
         std::this_thread::sleep_for(kUntilItWaits);
         m_server = std::make_unique<Tarvane::CChildProcess>(ReferenceServer(std::move(arguments)));
-        const int nExitCode = conform.WaitForEnd(kAnyTime).value_or(-1);
-        return {nExitCode, conform.Output(), conform.ErrorOutput()};
+        return {ToItsEnd(conform)};
     }
 
     // A server that answers by rules, each a part of a script and what comes of it.

@@ -24,7 +24,7 @@ protected:
         options.insert(options.begin(), {DEMO_PROGRAM, "--speed", "max", "--out", folder / "out"});
         return options;
     }
-    ProcessOutcome RunDemo(std::vector<std::string> options) const
+    Ended RunDemo(std::vector<std::string> options) const
     {
         options.push_back("--headless");
         return RunToEnd(Command(options));
@@ -41,8 +41,8 @@ protected:
 
 TEST_F(Demo, TakesTwoRecordingsToTheSessionAndKnowsTheFirstAgain)
 {
-    const ProcessOutcome outcome = RunDemo({});
-    EXPECT_EQ(outcome.nCode, 0) << outcome.strError;
+    const Ended outcome = RunDemo({});
+    EXPECT_EQ(outcome.nExitCode, 0) << outcome.strError;
     EXPECT_THAT(outcome.strOutput,
                 AllOf(HasSubstr("Capture 1: Front_Center.wav\n  captured     1.428 s, 68545 "
                                 "samples at 48000 Hz\n  track        Dialogue\n"),
@@ -61,9 +61,9 @@ TEST_F(Demo, TakesTwoRecordingsToTheSessionAndKnowsTheFirstAgain)
 
 TEST_F(Demo, FilesOnTheCommandLineTakeTheirPlace)
 {
-    const ProcessOutcome outcome = RunDemo({One(), Two(), One()});
+    const Ended outcome = RunDemo({One(), Two(), One()});
     // The same recording at another place is no duplicate; at its own it is.
-    EXPECT_EQ(outcome.nCode, 0) << outcome.strOutput << outcome.strError;
+    EXPECT_EQ(outcome.nExitCode, 0) << outcome.strOutput << outcome.strError;
     EXPECT_THAT(outcome.strOutput,
                 AllOf(HasSubstr("Capture 4: one.wav, once more"), HasSubstr("track        Foley"),
                       HasSubstr("holds exactly these 3 regions")));
@@ -71,10 +71,10 @@ TEST_F(Demo, FilesOnTheCommandLineTakeTheirPlace)
 
 TEST_F(Demo, ASecondRunReplacesTheFirstAndNothingElse)
 {
-    EXPECT_EQ(RunDemo({One()}).nCode, 0);
+    EXPECT_EQ(RunDemo({One()}).nExitCode, 0);
     std::ofstream(folder / "out/notes.txt") << "mine";
     const auto before = fs::last_write_time(folder / "out/session.tarvane");
-    EXPECT_EQ(RunDemo({Two()}).nCode, 0);
+    EXPECT_EQ(RunDemo({Two()}).nExitCode, 0);
     EXPECT_NE(fs::last_write_time(folder / "out/session.tarvane"), before);
     EXPECT_EQ(FileText(folder / "out/notes.txt"), "mine");
     EXPECT_THAT(FileText(folder / "out/session.txt"), testing::Not(HasSubstr("one-001.wav")));
@@ -86,16 +86,16 @@ TEST_F(Demo, AFileOfSomebodyElseInTheWayIsRefusedAndKept)
 {
     fs::create_directory(folder / "out");
     std::ofstream(folder / "out/session.txt") << "mine";
-    const ProcessOutcome outcome = RunDemo({One()});
-    EXPECT_EQ(outcome.nCode, 2);
+    const Ended outcome = RunDemo({One()});
+    EXPECT_EQ(outcome.nExitCode, 2);
     EXPECT_THAT(outcome.strError, HasSubstr("is not one of our results"));
     EXPECT_EQ(FileText(folder / "out/session.txt"), "mine");
 }
 
 TEST_F(Demo, AMissingRecordingIsWrongUseAndStartsNothing)
 {
-    const ProcessOutcome outcome = RunDemo({"/nowhere.wav"});
-    EXPECT_EQ(outcome.nCode, 2);
+    const Ended outcome = RunDemo({"/nowhere.wav"});
+    EXPECT_EQ(outcome.nExitCode, 2);
     EXPECT_EQ(outcome.strError,
               "tarvane-demo: there is no file /nowhere.wav - name a sound file.\n");
     EXPECT_FALSE(fs::exists(folder / "out"));
@@ -103,12 +103,12 @@ TEST_F(Demo, AMissingRecordingIsWrongUseAndStartsNothing)
 
 TEST_F(Demo, HelpAndVersionNeedNothing)
 {
-    const ProcessOutcome help = RunToEnd({DEMO_PROGRAM, "--help"});
-    EXPECT_EQ(help.nCode, 0);
+    const Ended help = RunToEnd({DEMO_PROGRAM, "--help"});
+    EXPECT_EQ(help.nExitCode, 0);
     EXPECT_THAT(help.strOutput,
                 HasSubstr("0 done, 1 something did not come out as it should, 2 wrong use"));
-    const ProcessOutcome version = RunToEnd({DEMO_PROGRAM, "--version"});
-    EXPECT_EQ(version.nCode, 0);
+    const Ended version = RunToEnd({DEMO_PROGRAM, "--version"});
+    EXPECT_EQ(version.nExitCode, 0);
     EXPECT_THAT(version.strOutput, StartsWith("tarvane-demo "));
 }
 
@@ -134,8 +134,8 @@ TEST_F(Demo, WhatCannotBeUsedIsSaidInOneLineAndStartsNothing)
         command.insert(command.end(), options.begin(), options.end());
         if (options.size() < 3)
             command.insert(command.end(), {"--out", folder / "out"});
-        const ProcessOutcome outcome = RunToEnd(command);
-        EXPECT_EQ(outcome.nCode, 2) << strWords;
+        const Ended outcome = RunToEnd(command);
+        EXPECT_EQ(outcome.nExitCode, 2) << strWords;
         EXPECT_EQ(outcome.strOutput, "");
         EXPECT_THAT(outcome.strError, AllOf(StartsWith("tarvane-demo: "), HasSubstr(strWords)));
         EXPECT_EQ(std::count(outcome.strError.begin(), outcome.strError.end(), '\n'), 1);
@@ -149,9 +149,9 @@ TEST_F(Demo, WithoutABundleItSaysSoAndLeavesNothingRunning)
     fs::create_directory(folder / "bin");
     for (const char* szProgram : {"tarvane-demo", "tarvane-host", "tarvane-server"})
         fs::copy(fs::path(DEMO_PROGRAM).parent_path() / szProgram, folder / "bin" / szProgram);
-    const ProcessOutcome outcome =
+    const Ended outcome =
         RunToEnd({folder / "bin/tarvane-demo", "--headless", "--out", folder / "out", One()});
-    EXPECT_EQ(outcome.nCode, 1);
+    EXPECT_EQ(outcome.nExitCode, 1);
     EXPECT_THAT(outcome.strError, HasSubstr("there is no bundle"));
     EXPECT_EQ(std::count(outcome.strError.begin(), outcome.strError.end(), '\n'), 1)
         << outcome.strError;
@@ -161,8 +161,8 @@ TEST_F(Demo, WithoutABundleItSaysSoAndLeavesNothingRunning)
 TEST_F(Demo, AServerThatRunsAlreadyIsSaidAndLeftAlone)
 {
     StartServer();
-    const ProcessOutcome outcome = RunDemo({One()});
-    EXPECT_EQ(outcome.nCode, 1);
+    const Ended outcome = RunDemo({One()});
+    EXPECT_EQ(outcome.nExitCode, 1);
     EXPECT_THAT(outcome.strError, StartsWith("tarvane-demo: the server did not start: "));
     EXPECT_TRUE(server->IsRunning());
 }

@@ -41,7 +41,7 @@ protected:
         return Host(options);
     }
 
-    ProcessOutcome RunHost(std::vector<std::string> options) const
+    Ended RunHost(std::vector<std::string> options) const
     {
         options.insert(options.end(), {"--headless", "--speed", "max"});
         return RunToEnd(HostCommand(options));

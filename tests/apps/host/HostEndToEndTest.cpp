@@ -41,8 +41,8 @@ std::vector<std::string> LinesWith(const std::filesystem::path& log, const std::
 TEST_F(EndToEnd, EachFileBecomesARegionOfTheChosenTrackBehindTheOffset)
 {
     StartServer();
-    const ProcessOutcome outcome = RunHost({One(), Two(), "--track", "1", "--position", "100"});
-    EXPECT_EQ(outcome.nCode, 0) << outcome.strError;
+    const Ended outcome = RunHost({One(), Two(), "--track", "1", "--position", "100"});
+    EXPECT_EQ(outcome.nExitCode, 0) << outcome.strError;
 
     const auto regions = Regions();
     ASSERT_EQ(regions.size(), 2U);
@@ -62,8 +62,8 @@ TEST_F(EndToEnd, EachFileBecomesARegionOfTheChosenTrackBehindTheOffset)
 TEST_F(EndToEnd, TheResultsTellEachCaptureAndShowTheWindow)
 {
     StartServer();
-    const ProcessOutcome outcome = RunHost({One(), "--track", "2", "--position", "100"});
-    EXPECT_EQ(outcome.nCode, 0) << outcome.strError;
+    const Ended outcome = RunHost({One(), "--track", "2", "--position", "100"});
+    EXPECT_EQ(outcome.nExitCode, 0) << outcome.strError;
     const json captures = CapturesIn(folder / "out");
     ASSERT_EQ(captures.size(), 1U);
     const json expected = {{"source", One()},        {"dub", folder / "captures/one-001.wav"},
@@ -86,8 +86,8 @@ TEST_F(EndToEnd, TheResultsTellEachCaptureAndShowTheWindow)
 TEST_F(EndToEnd, TheSameFileAtTheSamePlaceIsADuplicate)
 {
     StartServer();
-    const ProcessOutcome outcome = RunHost({One(), One(), "--position", "0", "--position", "0"});
-    EXPECT_EQ(outcome.nCode, 0) << outcome.strError;
+    const Ended outcome = RunHost({One(), One(), "--position", "0", "--position", "0"});
+    EXPECT_EQ(outcome.nExitCode, 0) << outcome.strError;
     const json captures = CapturesIn(folder / "out");
     ASSERT_EQ(captures.size(), 2U);
     EXPECT_EQ(captures[0]["outcome"], "delivered");
@@ -101,7 +101,7 @@ TEST_F(EndToEnd, TheSameFileAtTheSamePlaceIsADuplicate)
 TEST_F(EndToEnd, TheLogShowsWhatTheViewWrites)
 {
     StartServer();
-    EXPECT_EQ(RunHost({One()}).nCode, 0);
+    EXPECT_EQ(RunHost({One()}).nExitCode, 0);
     EXPECT_EQ(FileText(folder / "host.log"),
               "64005 TNProperty_SetArmCapture: fArm 1, fShift 0\n"
               "64008 TNProperty_ElementDone: nElement 0, fHandled 1, fNotDelivered 0, fFinal 1\n");
@@ -109,8 +109,8 @@ TEST_F(EndToEnd, TheLogShowsWhatTheViewWrites)
 
 TEST_F(EndToEnd, WithoutAServerTheCaptureIsNotDeliveredAndItsFileStays)
 {
-    const ProcessOutcome outcome = RunHost({One()});
-    EXPECT_EQ(outcome.nCode, 1);
+    const Ended outcome = RunHost({One()});
+    EXPECT_EQ(outcome.nExitCode, 1);
     const json captures = CapturesIn(folder / "out");
     ASSERT_EQ(captures.size(), 1U);
     EXPECT_EQ(captures[0]["outcome"], "not delivered");
@@ -297,9 +297,9 @@ TEST_F(EndToEnd, CommandsThatMakeNoSenseAreRefusedAndTheNextOneWorks)
 
 TEST_F(EndToEnd, AcknowledgeThatComesTooLateIsNotWaitedForAndChangesNothing)
 {
-    const ProcessOutcome outcome =
+    const Ended outcome =
         RunHost({One(), Two(), "--bundle", MUTE_VIEW_BUNDLE, "--ack-timeout", "0.1"});
-    EXPECT_EQ(outcome.nCode, 1) << outcome.strError;
+    EXPECT_EQ(outcome.nExitCode, 1) << outcome.strError;
     const json captures = CapturesIn(folder / "out");
     ASSERT_EQ(captures.size(), 2U);
     for (int nElement : {0, 1})

@@ -5,11 +5,11 @@
 #include "apps/server/database/SessionStore.h"
 #include "apps/support/process/ChildProcess.h"
 #include "tests/apps/support/TemporaryFolder.h"
+#include "tests/apps/support/process/Ended.h"
 #include "tests/apps/support/sound/SoundFixture.h"
 
 #include <fstream>
 #include <gtest/gtest.h>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -19,24 +19,6 @@ namespace TarvaneTest
 
 /// No test waits for it when all is well.
 constexpr std::chrono::minutes kLong{3};
-
-struct ProcessOutcome
-{
-    std::optional<int> nCode;
-    std::string strOutput;
-    std::string strError;
-};
-
-inline ProcessOutcome RunToEnd(const std::vector<std::string>& arguments)
-{
-    Tarvane::CChildProcess process(arguments);
-    process.CloseInput();
-    ProcessOutcome outcome;
-    outcome.nCode = process.WaitForEnd(kLong);
-    outcome.strOutput = process.Output();
-    outcome.strError = process.ErrorOutput();
-    return outcome;
-}
 
 inline std::vector<std::string> Host(std::vector<std::string> options)
 {

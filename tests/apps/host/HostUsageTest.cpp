@@ -33,8 +33,8 @@ protected:
             options.insert(options.end(), {"--capture-folder", folder / "captures"});
         }
         options.insert(options.end(), {"--headless", "--speed", "max"});
-        const ProcessOutcome outcome = RunToEnd(Host(options));
-        EXPECT_EQ(outcome.nCode, 2);
+        const Ended outcome = RunToEnd(Host(options));
+        EXPECT_EQ(outcome.nExitCode, 2);
         EXPECT_EQ(outcome.strOutput, "");
         EXPECT_THAT(outcome.strError, StartsWith("tarvane-host: "));
         EXPECT_EQ(std::count(outcome.strError.begin(), outcome.strError.end(), '\n'), 1)
@@ -162,14 +162,14 @@ TEST_F(HostUsage, NoDisplay)
 
 TEST_F(HostUsage, HelpAndVersionNeedNothing)
 {
-    const ProcessOutcome help = RunToEnd(Host({"--help"}));
-    EXPECT_EQ(help.nCode, 0);
+    const Ended help = RunToEnd(Host({"--help"}));
+    EXPECT_EQ(help.nExitCode, 0);
     EXPECT_THAT(
         help.strOutput,
         HasSubstr(
             "0 done, 1 some capture was neither delivered nor a duplicate, or not whole, 2 wrong"));
-    const ProcessOutcome version = RunToEnd(Host({"--version"}));
-    EXPECT_EQ(version.nCode, 0);
+    const Ended version = RunToEnd(Host({"--version"}));
+    EXPECT_EQ(version.nExitCode, 0);
     EXPECT_THAT(version.strOutput, StartsWith("tarvane-host "));
 }
 
@@ -183,8 +183,8 @@ TEST_F(HostUsage, HelpShowsWhatAUserNeedsAndHelpAllTheRest)
     const std::string strHelp = RunToEnd(Host({"--help"})).strOutput;
     EXPECT_EQ(OptionsIn(strHelp), first);
     EXPECT_THAT(strHelp, HasSubstr("\n  SOUND_FILE TEXT ... "));
-    const ProcessOutcome all = RunToEnd(Host({"--help-all"}));
-    EXPECT_EQ(all.nCode, 0);
+    const Ended all = RunToEnd(Host({"--help-all"}));
+    EXPECT_EQ(all.nExitCode, 0);
     std::set<std::string> options = first;
     options.insert({"--commands", "--log", "--stalls", "--count-objects", "--once", "--misbehave"});
     EXPECT_EQ(OptionsIn(all.strOutput), options);

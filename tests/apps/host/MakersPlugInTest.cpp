@@ -1,6 +1,7 @@
 // The host with another maker's plug-in: --plugin.
 #include "apps/support/process/ChildProcess.h"
 #include "tests/apps/support/TemporaryFolder.h"
+#include "tests/apps/support/process/Ended.h"
 #include "tests/support/PrivateBus.h"
 
 #include <gmock/gmock.h>
@@ -10,6 +11,8 @@
 #include <optional>
 
 using namespace Tarvane;
+using TarvaneTest::Ended;
+using TarvaneTest::RunToEnd;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -18,20 +21,6 @@ namespace
 {
 
 constexpr std::chrono::seconds kLong(120);
-
-struct Ended
-{
-    int nCode;
-    std::string strOutput;
-    std::string strError;
-};
-
-Ended RunToEnd(const std::vector<std::string>& command)
-{
-    CChildProcess child(command);
-    const int nCode = child.WaitForEnd(kLong).value_or(-1);
-    return {nCode, child.Output(), child.ErrorOutput()};
-}
 
 class MakersPlugIn : public testing::Test
 {
@@ -76,7 +65,7 @@ TEST_F(MakersPlugIn, IsArmedCapturesOnceAndItsTakeIsPlacedOnTheTrackThatWasAsked
 {
     StartServer();
     const Ended ended = RunHost(SMALLEST_SIGNAL_SIDE, {"--track", "1"});
-    EXPECT_EQ(ended.nCode, 0) << ended.strError;
+    EXPECT_EQ(ended.nExitCode, 0) << ended.strError;
     EXPECT_THAT(ended.strOutput,
                 AllOf(HasSubstr("  length       0.100 s, 4800 samples at 48000 Hz\n"),
                       HasSubstr("  sent to      track 1 \"ADR\"\n"),
@@ -88,7 +77,7 @@ TEST_F(MakersPlugIn, IsArmedCapturesOnceAndItsTakeIsPlacedOnTheTrackThatWasAsked
 TEST_F(MakersPlugIn, ATakeThatIsNotDeliveredIsToldWithWhatTheViewSays)
 {
     const Ended ended = RunHost(SIGNAL_SIDE);
-    EXPECT_EQ(ended.nCode, 1);
+    EXPECT_EQ(ended.nExitCode, 1);
     EXPECT_THAT(ended.strOutput, AllOf(HasSubstr("  outcome      not delivered\n"),
                                        HasSubstr("Error - Tarvane not running.")));
 }
@@ -109,18 +98,18 @@ TEST_F(MakersPlugIn, OneWhoseCaptureIsNeverAcknowledgedIsGivenUp)
     StartServer();
     ::setenv("TARVANE_MISBEHAVE", "elements-unannounced", 1);
     const Ended ended = RunHost(SIGNAL_SIDE, {"--ack-timeout", "3"});
-    EXPECT_EQ(ended.nCode, 1);
+    EXPECT_EQ(ended.nExitCode, 1);
     EXPECT_THAT(ended.strError, HasSubstr("no capture was acknowledged in time"));
 }
 
 TEST_F(MakersPlugIn, WhatIsNoPlugInIsWrongUse)
 {
     const Ended missing = RunHost("/nowhere.so");
-    EXPECT_EQ(missing.nCode, 2);
+    EXPECT_EQ(missing.nExitCode, 2);
     EXPECT_THAT(missing.strError,
                 StartsWith("tarvane-host: the library cannot be loaded: /nowhere.so"));
     const Ended other = RunHost(PLATFORM_LIBRARY);
-    EXPECT_EQ(other.nCode, 2);
+    EXPECT_EQ(other.nExitCode, 2);
     EXPECT_THAT(other.strError, HasSubstr("exports no TarvaneLinkSignalSideFactory"));
 }
 
@@ -134,7 +123,7 @@ TEST_F(MakersPlugIn, WhatSpeaksOfTheHostsOwnDoesNotGoWithIt)
     for (const std::vector<std::string>& options : others)
     {
         const Ended ended = RunHost(SMALLEST_SIGNAL_SIDE, options);
-        EXPECT_EQ(ended.nCode, 2) << options[0];
+        EXPECT_EQ(ended.nExitCode, 2) << options[0];
         EXPECT_THAT(ended.strError, AllOf(HasSubstr("--plugin"), HasSubstr("excludes")))
             << options[0];
     }

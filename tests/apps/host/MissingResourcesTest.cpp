@@ -23,7 +23,7 @@ protected:
         ASSERT_TRUE(fs::remove(Bundle() / "Resources" / strName)) << strName;
     }
 
-    ProcessOutcome Capture() { return RunHost({One(), "--bundle", Bundle()}); }
+    Ended Capture() { return RunHost({One(), "--bundle", Bundle()}); }
 };
 
 } // namespace
@@ -32,8 +32,8 @@ TEST_F(MissingResources, WithoutItsNibThereIsALineInTheLogAndNoView)
 {
     StartServer();
     TakeOut("TarvaneLinkCocoaUIView.xib");
-    const ProcessOutcome outcome = Capture();
-    EXPECT_EQ(outcome.nCode, 2);
+    const Ended outcome = Capture();
+    EXPECT_EQ(outcome.nExitCode, 2);
     EXPECT_THAT(outcome.strError, HasSubstr("] Unable to load nib for view.\n"));
     EXPECT_THAT(outcome.strError, HasSubstr("made no view - see above for its reason"));
 }
@@ -41,14 +41,14 @@ TEST_F(MissingResources, WithoutItsNibThereIsALineInTheLogAndNoView)
 TEST_F(MissingResources, WithoutItsImagesTheViewDeliversAndShowsAllElse)
 {
     StartServer();
-    ASSERT_EQ(Capture().nCode, 0);
+    ASSERT_EQ(Capture().nExitCode, 0);
     const std::string strWhole = FileText(folder / "out/link-view.png");
     for (const char* szName : {"LinkActive17.png", "LinkInactive17.png", "PopupArrow.png"})
     {
         TakeOut(szName);
     }
-    const ProcessOutcome outcome = RunHost({Two(), "--bundle", Bundle()});
-    EXPECT_EQ(outcome.nCode, 0) << outcome.strError;
+    const Ended outcome = RunHost({Two(), "--bundle", Bundle()});
+    EXPECT_EQ(outcome.nExitCode, 0) << outcome.strError;
     EXPECT_EQ(CapturesIn(folder / "out")[0]["outcome"], "delivered");
     EXPECT_EQ(Regions().size(), 2U);
     EXPECT_THAT(outcome.strError, Not(HasSubstr("Unable")));

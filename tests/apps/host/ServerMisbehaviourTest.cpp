@@ -90,8 +90,8 @@ TEST_F(ServerMisbehaviour, ACaptureThatIsPlacedWithoutTheOffsetEndsTheHostWithCo
 {
     StartServerWith(
         {"--track", "Dialogue", "--link-offset", "2.0", "--misbehave", "no-result@6-6"});
-    const ProcessOutcome outcome = RunHost({One(), "--position", "100"});
-    EXPECT_EQ(outcome.nCode, 1) << outcome.strError;
+    const Ended outcome = RunHost({One(), "--position", "100"});
+    EXPECT_EQ(outcome.nExitCode, 1) << outcome.strError;
     const json captures = CapturesIn(folder / "out");
     ASSERT_THAT(captures, SizeIs(1));
     EXPECT_EQ(captures[0]["outcome"], "delivered");

@@ -67,8 +67,8 @@ TEST_F(StallWatch, EveryThingThatTheViewDoesIsCounted)
 TEST_F(StallWatch, TheEndIsToldAndStandsInTheResults)
 {
     StartServer();
-    const ProcessOutcome outcome = RunHost({"--stalls", One()});
-    EXPECT_EQ(outcome.nCode, 0) << outcome.strError;
+    const Ended outcome = RunHost({"--stalls", One()});
+    EXPECT_EQ(outcome.nExitCode, 0) << outcome.strError;
     EXPECT_THAT(outcome.strOutput, HasSubstr("outcome      delivered\n"
                                              "The view kept the main thread "));
     EXPECT_THAT(outcome.strOutput, HasSubstr("\n  closing           1 times "));

@@ -4,6 +4,7 @@
 #include "apps/support/process/ChildProcess.h"
 #include "tests/apps/link/ScriptedServer.h"
 #include "tests/apps/support/TemporaryFolder.h"
+#include "tests/apps/support/process/Ended.h"
 #include "tests/apps/support/sound/SoundFixture.h"
 #include "tests/support/PrivateBus.h"
 
@@ -29,12 +30,8 @@ protected:
     /// The takes that wait are those of the test, not those that another program leaves.
     ProgramTest() { ::setenv("XDG_STATE_HOME", (m_folder / "state").c_str(), 1); }
 
-    struct Ended
+    struct Ended : TarvaneTest::Ended
     {
-        int nExitCode;
-        std::string strOutput;
-        std::string strError;
-
         nlohmann::json Json() const { return nlohmann::json::parse(strOutput); }
         nlohmann::json Findings() const { return Json()["findings"]; }
     };
@@ -45,11 +42,7 @@ protected:
         return std::make_unique<Tarvane::CChildProcess>(arguments);
     }
 
-    static Ended ToItsEnd(const Child& link)
-    {
-        const int nExitCode = link->WaitForEnd(kAnyTime).value_or(-1);
-        return {nExitCode, link->Output(), link->ErrorOutput()};
-    }
+    static Ended ToItsEnd(const Child& link) { return {TarvaneTest::ToItsEnd(*link)}; }
 
     static Ended RunLink(const std::vector<std::string>& arguments)
     {

@@ -1,5 +1,6 @@
 #include "apps/support/process/ChildProcess.h"
 #include "tests/apps/palette/PaletteFixture.h"
+#include "tests/apps/support/process/Ended.h"
 
 #import <AppKit/AppKit.h>
 
@@ -10,6 +11,7 @@
 
 namespace fs = std::filesystem;
 using Tarvane::CChildProcess;
+using TarvaneTest::Ended;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -18,13 +20,6 @@ namespace
 
 // No test waits for it when all is well.
 constexpr std::chrono::minutes kLong{2};
-
-struct Outcome
-{
-    std::optional<int> nCode;
-    std::string strOutput;
-    std::string strError;
-};
 
 class PaletteProgram : public TarvaneTest::PaletteTest
 {
@@ -35,15 +30,9 @@ class PaletteProgram : public TarvaneTest::PaletteTest
         return options;
     }
 
-    static Outcome Run(const std::vector<std::string>& options)
+    static Ended Run(const std::vector<std::string>& options)
     {
-        CChildProcess process(Program(options));
-        process.CloseInput();
-        Outcome outcome;
-        outcome.nCode = process.WaitForEnd(kLong);
-        outcome.strOutput = process.Output();
-        outcome.strError = process.ErrorOutput();
-        return outcome;
+        return TarvaneTest::RunToEnd(Program(options));
     }
 
     // How many pixels of the picture have each colour, as 0xRRGGBB.
@@ -81,11 +70,11 @@ class NoDisplay
 TEST_F(PaletteProgram, HelpAndVersionNeedNoDisplay)
 {
     const NoDisplay none;
-    const Outcome help = Run({"--help"});
-    EXPECT_EQ(help.nCode, 0);
+    const Ended help = Run({"--help"});
+    EXPECT_EQ(help.nExitCode, 0);
     EXPECT_THAT(help.strOutput, HasSubstr("0 done, 1 a file could not be written, 2 wrong use"));
-    const Outcome version = Run({"--version"});
-    EXPECT_EQ(version.nCode, 0);
+    const Ended version = Run({"--version"});
+    EXPECT_EQ(version.nExitCode, 0);
     EXPECT_THAT(version.strOutput, StartsWith("tarvane-palette "));
 }
 
@@ -93,11 +82,11 @@ TEST_F(PaletteProgram, StoresLoadsAndDumpsWithoutADisplay)
 {
     const NoDisplay none;
     const std::string strFirst = m_folder / "first", strSecond = m_folder / "second";
-    EXPECT_EQ(Run({"--store", strFirst}).nCode, 0);
-    EXPECT_EQ(Run({"--load", strFirst, "--store", strSecond}).nCode, 0);
+    EXPECT_EQ(Run({"--store", strFirst}).nExitCode, 0);
+    EXPECT_EQ(Run({"--load", strFirst, "--store", strSecond}).nExitCode, 0);
     EXPECT_EQ(TarvaneTest::FileText(strFirst), TarvaneTest::FileText(strSecond));
-    const Outcome dump = Run({"--load", strFirst, "--dump", "ccButtonFace"});
-    EXPECT_EQ(dump.nCode, 0);
+    const Ended dump = Run({"--load", strFirst, "--dump", "ccButtonFace"});
+    EXPECT_EQ(dump.nExitCode, 0);
     EXPECT_EQ(dump.strOutput, "");
     EXPECT_THAT(dump.strError, StartsWith("\t{\n\t\tCGradientFill *pFill"));
 }
@@ -110,27 +99,27 @@ TEST_F(PaletteProgram, DumpsTheGradientOfTheLoadedFile)
 
 TEST_F(PaletteProgram, ExitCodesTellUseFromFailure)
 {
-    EXPECT_EQ(Run({"--dump", "ccLabelText"}).nCode, 2);
-    EXPECT_EQ(Run({"--load", m_folder / "none", "--dump", "312"}).nCode, 2);
-    EXPECT_EQ(Run({"sheet.png"}).nCode, 2);
-    EXPECT_EQ(Run({"--store", m_folder / "no/where"}).nCode, 1);
-    const Outcome picture = Run({"--save", m_folder / "no/where"});
-    EXPECT_EQ(picture.nCode, 1);
+    EXPECT_EQ(Run({"--dump", "ccLabelText"}).nExitCode, 2);
+    EXPECT_EQ(Run({"--load", m_folder / "none", "--dump", "312"}).nExitCode, 2);
+    EXPECT_EQ(Run({"sheet.png"}).nExitCode, 2);
+    EXPECT_EQ(Run({"--store", m_folder / "no/where"}).nExitCode, 1);
+    const Ended picture = Run({"--save", m_folder / "no/where"});
+    EXPECT_EQ(picture.nExitCode, 1);
     EXPECT_THAT(picture.strError, HasSubstr("cannot write the picture"));
 }
 
 TEST_F(PaletteProgram, WithoutADisplayNothingIsBegun)
 {
     const NoDisplay none;
-    const Outcome outcome = Run({"--store", m_folder / "file", "--save", m_folder / "picture"});
-    EXPECT_EQ(outcome.nCode, 2);
+    const Ended outcome = Run({"--store", m_folder / "file", "--save", m_folder / "picture"});
+    EXPECT_EQ(outcome.nExitCode, 2);
     EXPECT_THAT(outcome.strError, HasSubstr("no window can be opened here"));
     EXPECT_TRUE(m_folder.Files().empty());
 }
 
 TEST_F(PaletteProgram, SavesTheWholeSheetWithItsImages)
 {
-    EXPECT_EQ(Run({"--save", m_folder / "sheet.png"}).nCode, 0);
+    EXPECT_EQ(Run({"--save", m_folder / "sheet.png"}).nExitCode, 0);
     std::map<unsigned, int> colours = Colours(m_folder / "sheet.png");
     EXPECT_GT(colours[0xc0c0c0], 10000) << "the swatches of the control text";
     EXPECT_GT(colours[0xb2b2b2], 10000) << "the swatches of the label text";
@@ -146,7 +135,7 @@ TEST_F(PaletteProgram, SavesTheWholeSheetWithItsImages)
 TEST_F(PaletteProgram, SavesThePaletteThatWasLoaded)
 {
     const fs::path file = WriteEntries({MakeFlat(ccLabelText, "Red", 1)});
-    EXPECT_EQ(Run({"--load", file, "--save", m_folder / "sheet.png"}).nCode, 0);
+    EXPECT_EQ(Run({"--load", file, "--save", m_folder / "sheet.png"}).nExitCode, 0);
     std::map<unsigned, int> colours = Colours(m_folder / "sheet.png");
     EXPECT_GT(colours[0xff0000], 10000);
     EXPECT_LT(colours[0xb2b2b2], 1000);

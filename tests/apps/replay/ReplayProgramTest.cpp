@@ -26,12 +26,12 @@ std::vector<std::string> Command(const char* szProgram, std::vector<std::string>
     return options;
 }
 
-ProcessOutcome Replay(const std::vector<std::string>& options)
+Ended Replay(const std::vector<std::string>& options)
 {
     return RunToEnd(Command(REPLAY_PROGRAM, options));
 }
 
-ProcessOutcome Link(const std::vector<std::string>& options)
+Ended Link(const std::vector<std::string>& options)
 {
     return RunToEnd(Command(LINK_PROGRAM, options));
 }
@@ -56,7 +56,7 @@ protected:
 
     int PlayersEnd() { return player->WaitForEnd(kLong).value_or(-1); }
 
-    static ProcessOutcome RunScript(const std::string& strScript)
+    static Ended RunScript(const std::string& strScript)
     {
         return Link({"--timeout", "20", "run", strScript});
     }
@@ -71,7 +71,7 @@ protected:
     RecordedCapture()
     {
         StartServer();
-        EXPECT_EQ(RunHost({"--record", Recording(), One()}).nCode, 0);
+        EXPECT_EQ(RunHost({"--record", Recording(), One()}).nExitCode, 0);
         KillServer();
     }
 
@@ -86,7 +86,7 @@ TEST_F(RecordedCapture, IsPlayedToALiveView)
 {
     fs::remove_all(Captures());
     PlayServer();
-    EXPECT_EQ(RunHost({One()}).nCode, 0);
+    EXPECT_EQ(RunHost({One()}).nExitCode, 0);
     EXPECT_EQ(PlayersEnd(), 0) << player->Output();
     EXPECT_THAT(player->Output(), HasSubstr("events came as recorded."));
     EXPECT_EQ(OnlyCapture()["outcome"], "delivered");
@@ -99,13 +99,13 @@ TEST_F(RecordedCapture, IsPlayedToALiveServer)
     ASSERT_EQ(nBefore, 1U);
     fs::remove(SessionFile());
     StartServer();
-    const ProcessOutcome played = Replay({"--as", "host", "--fast", Recording()});
-    EXPECT_EQ(played.nCode, 0) << played.strOutput;
+    const Ended played = Replay({"--as", "host", "--fast", Recording()});
+    EXPECT_EQ(played.nExitCode, 0) << played.strOutput;
     EXPECT_THAT(played.strOutput, HasSubstr("events came out as recorded."));
     EXPECT_THAT(Regions(), SizeIs(1));
     // The server has that audio now: the same questions come out otherwise.
-    const ProcessOutcome again = Replay({"--as", "host", "--fast", Recording()});
-    EXPECT_EQ(again.nCode, 1);
+    const Ended again = Replay({"--as", "host", "--fast", Recording()});
+    EXPECT_EQ(again.nExitCode, 1);
     EXPECT_THAT(again.strOutput,
                 AllOf(HasSubstr(": it came out otherwise\n  'Rslt', line 1, "
                                 "character 1\n    expected: 0"),
@@ -117,7 +117,7 @@ TEST_F(RecordedCapture, ViewThatSaysSomethingElseIsToldSoAndStillServed)
 {
     fs::remove_all(Captures());
     PlayServer();
-    EXPECT_EQ(RunHost({"--position", "480", One()}).nCode, 0);
+    EXPECT_EQ(RunHost({"--position", "480", One()}).nExitCode, 0);
     EXPECT_EQ(PlayersEnd(), 1);
     EXPECT_THAT(player->Output(),
                 AllOf(HasSubstr(": another one came\n  '----', line 3, character "),
@@ -131,7 +131,7 @@ TEST_F(RecordedCapture, MapLetsAFolderLieElsewhere)
     PlayServer({"--fast", "--map", Captures() + "=" + strElsewhere});
     EXPECT_EQ(
         RunToEnd(Host({"--headless", "--speed", "max", "--capture-folder", strElsewhere, One()}))
-            .nCode,
+            .nExitCode,
         0);
     EXPECT_EQ(PlayersEnd(), 0) << player->Output();
 }
@@ -139,19 +139,19 @@ TEST_F(RecordedCapture, MapLetsAFolderLieElsewhere)
 TEST_F(RecordedCapture, IsDrawnAndNoForeignFileIsReplaced)
 {
     const std::string strPage = folder / "take.html";
-    EXPECT_EQ(Replay({"--html", strPage, Recording()}).nCode, 0);
+    EXPECT_EQ(Replay({"--html", strPage, Recording()}).nExitCode, 0);
     const std::string strText = FileText(strPage);
     EXPECT_THAT(strText, AllOf(HasSubstr("AddAudioRegion"), HasSubstr("64000 Elements"),
                                HasSubstr("64008 ElementDone: nElement 0"), HasSubstr("times until"),
                                HasSubstr("0 of them failed")));
     // An earlier page of its own is.
-    EXPECT_EQ(Replay({"--html", strPage, Recording()}).nCode, 0);
-    const ProcessOutcome refused = Replay({"--html", Recording(), Recording()});
-    EXPECT_EQ(refused.nCode, 2);
+    EXPECT_EQ(Replay({"--html", strPage, Recording()}).nExitCode, 0);
+    const Ended refused = Replay({"--html", Recording(), Recording()});
+    EXPECT_EQ(refused.nExitCode, 2);
     EXPECT_THAT(refused.strError, HasSubstr("no page of this program"));
     // To open a pipe would wait for ever.
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
-    EXPECT_EQ(Replay({"--html", folder / "pipe", Recording()}).nCode, 2);
+    EXPECT_EQ(Replay({"--html", folder / "pipe", Recording()}).nExitCode, 2);
     EXPECT_THAT(FileText(Recording()), HasSubstr("tarvane-recording"));
 }
 
@@ -168,10 +168,10 @@ TEST_F(RecordedCapture, HoldsEverythingAndIsNeverReplaced)
     EXPECT_GE(kinds["read"], 4);
     EXPECT_EQ(kinds["write"], 2);
     const std::string strBefore = FileText(Recording());
-    for (const ProcessOutcome& refused :
+    for (const Ended& refused :
          {RunHost({"--record", Recording(), One()}), Link({"tracks", "--record", Recording()})})
     {
-        EXPECT_EQ(refused.nCode, 2);
+        EXPECT_EQ(refused.nExitCode, 2);
         EXPECT_THAT(refused.strError, HasSubstr("already"));
     }
     EXPECT_EQ(FileText(Recording()), strBefore);
@@ -181,7 +181,7 @@ TEST_F(ReplayProgram, MisbehavingPlugInIsRecordedToo)
 {
     StartServer();
     EXPECT_EQ(RunHost({"--misbehave", "storm,index-never-negative", "--record", Recording(), One()})
-                  .nCode,
+                  .nExitCode,
               0);
     const std::string strText = FileText(Recording());
     EXPECT_THAT(strText, AllOf(HasSubstr("\"count\":"), HasSubstr("\"fNotDelivered\":0"),
@@ -192,11 +192,11 @@ TEST_F(ReplayProgram, MisbehavingPlugInIsRecordedToo)
 TEST_F(ReplayProgram, LinkRecordsItsEvents)
 {
     StartServer();
-    EXPECT_EQ(Link({"tracks", "--record", Recording()}).nCode, 0);
+    EXPECT_EQ(Link({"tracks", "--record", Recording()}).nExitCode, 0);
     KillServer();
     PlayServer();
-    const ProcessOutcome tracks = Link({"tracks"});
-    EXPECT_EQ(tracks.nCode, 0);
+    const Ended tracks = Link({"tracks"});
+    EXPECT_EQ(tracks.nExitCode, 0);
     EXPECT_EQ(tracks.strOutput, "0\tDialogue\n1\tADR\n2\tFoley\n");
     EXPECT_EQ(PlayersEnd(), 0);
 }
@@ -211,11 +211,11 @@ TEST_F(ReplayProgram, FailuresAreAnsweredAsRecorded)
                              {{"Rslt", {{"type", "utxt"}, {"text", "?"}, {"hex", "00d8"}}},
                               {"Errr", TextParameter("no")}}));
     PlayServer({});
-    EXPECT_EQ(RunScript("a()").nCode, 3);
-    EXPECT_EQ(Link({"--timeout", "0.5", "run", "b()"}).nCode, 4);
+    EXPECT_EQ(RunScript("a()").nExitCode, 3);
+    EXPECT_EQ(Link({"--timeout", "0.5", "run", "b()"}).nExitCode, 4);
     EXPECT_THAT(RunScript("c()").strError, HasSubstr("no 'Rslt'"));
-    const ProcessOutcome failed = RunScript("d()");
-    EXPECT_EQ(failed.nCode, 1);
+    const Ended failed = RunScript("d()");
+    EXPECT_EQ(failed.nExitCode, 1);
     EXPECT_THAT(failed.strError, HasSubstr("no"));
     EXPECT_EQ(PlayersEnd(), 0) << player->Output();
 }
@@ -244,7 +244,7 @@ TEST_F(ReplayProgram, EventsAreSentAsFarApartAsRecordedUnlessFast)
                    EventLine(2, 6'000'000, "print(2)") +
                    ReplyLine(2, 6'000'001, {{"Rslt", TextParameter("2\n")}}));
     const auto began = Clock::now();
-    EXPECT_EQ(Replay({"--as", "host", Recording()}).nCode, 0);
+    EXPECT_EQ(Replay({"--as", "host", Recording()}).nExitCode, 0);
     EXPECT_GE(Clock::now() - began, std::chrono::seconds(1));
 }
 
@@ -254,10 +254,10 @@ TEST_F(ReplayProgram, DeletionsAreNotPlayedUnasked)
     const std::string strDelete = "SelectScriptDocument() DeleteRegion(99)";
     WriteRecording(EventLine(1, 0, "print(1)") + ReplyLine(1, 1, {{"Rslt", TextParameter("1\n")}}) +
                    EventLine(2, 2, strDelete) + ReplyLine(2, 3, {{"Errr", TextParameter("no")}}));
-    const ProcessOutcome refused = Replay({"--as", "host", "--fast", Recording()});
-    EXPECT_EQ(refused.nCode, 2);
+    const Ended refused = Replay({"--as", "host", "--fast", Recording()});
+    EXPECT_EQ(refused.nExitCode, 2);
     EXPECT_THAT(refused.strError, HasSubstr("delete what is in the session: 1; --yes to play"));
-    const ProcessOutcome played = Replay({"--as", "host", "--fast", "--yes", Recording()});
+    const Ended played = Replay({"--as", "host", "--fast", "--yes", Recording()});
     EXPECT_THAT(played.strOutput, HasSubstr("1 of 2 events came out otherwise"));
 }
 
@@ -273,7 +273,7 @@ TEST_F(ReplayProgram, UnknownEventIsRefusedAndTheRestGoesOn)
 {
     WriteRecording(ExchangeLines(1, "a()", "1\n"));
     PlayServer();
-    EXPECT_EQ(RunScript("x()").nCode, 5);
+    EXPECT_EQ(RunScript("x()").nExitCode, 5);
     EXPECT_EQ(RunScript("a()").strOutput, "1\n");
     EXPECT_EQ(PlayersEnd(), 1);
     EXPECT_THAT(player->Output(), HasSubstr("does not have (x)"));
@@ -283,8 +283,8 @@ TEST_F(ReplayProgram, SecondServerIsRefused)
 {
     StartServer();
     WriteRecording(ExchangeLines(1, "a()", "1\n"));
-    const ProcessOutcome refused = Replay({"--as", "server", Recording()});
-    EXPECT_EQ(refused.nCode, 1);
+    const Ended refused = Replay({"--as", "server", Recording()});
+    EXPECT_EQ(refused.nExitCode, 1);
     EXPECT_THAT(refused.strError, HasSubstr("another server answers"));
 }
 
@@ -292,8 +292,8 @@ TEST_F(ReplayProgram, WithoutAServerTheFirstEventIsTheLast)
 {
     WriteRecording(EventLine(1, 0, "a()") + ReplyLine(1, 1, json::object(), -600) +
                    ExchangeLines(2, "b()", "1\n") + ExchangeLines(3, "c()", "1\n"));
-    const ProcessOutcome ended = Replay({"--as", "host", "--fast", Recording()});
-    EXPECT_EQ(ended.nCode, 1);
+    const Ended ended = Replay({"--as", "host", "--fast", Recording()});
+    EXPECT_EQ(ended.nExitCode, 1);
     EXPECT_THAT(ended.strOutput,
                 AllOf(HasSubstr("event 1, at 0.000000 s: it found no server then, and is not sent"),
                       HasSubstr("event 2, at 0.002000 s: it came out otherwise\n"
@@ -307,8 +307,8 @@ TEST_F(ReplayProgram, TheGoodLinesOfADamagedRecordingArePlayed)
     const std::string strLines = ExchangeLines(1, "print(1)", "1\n") + "{\"time\":nonsense\n" +
                                  ExchangeLines(2, "print(2)", "2\n");
     WriteRecording(strLines.substr(0, strLines.size() - 9));
-    const ProcessOutcome played = Replay({"--as", "host", "--fast", Recording()});
-    EXPECT_EQ(played.nCode, 0);
+    const Ended played = Replay({"--as", "host", "--fast", Recording()});
+    EXPECT_EQ(played.nExitCode, 0);
     EXPECT_EQ(played.strOutput, "All 1 events came out as recorded.\n");
     EXPECT_THAT(played.strError, AllOf(HasSubstr("damaged, line 4: it is no whole line"),
                                        HasSubstr("lines left out: 2"),
@@ -342,8 +342,8 @@ TEST_F(ReplayProgram, WrongUseIsRefusedWithWords)
           Case{{"--as", "host", strMany}, "more than one application"},
           Case{{"--as", "host", folder / "empty.jsonl"}, "nothing to play"}})
     {
-        const ProcessOutcome refused = Replay(options);
-        EXPECT_EQ(refused.nCode, 2) << szWords;
+        const Ended refused = Replay(options);
+        EXPECT_EQ(refused.nExitCode, 2) << szWords;
         EXPECT_THAT(refused.strError,
                     AllOf(testing::StartsWith("tarvane-replay: "), HasSubstr(szWords)));
         EXPECT_EQ(refused.strOutput, "");

@@ -5,6 +5,7 @@
 #include "tests/apps/server/ScriptClient.h"
 #include "tests/apps/server/sound/SoundMaker.h"
 #include "tests/apps/support/TemporaryFolder.h"
+#include "tests/apps/support/process/Ended.h"
 #include "tests/support/PrivateBus.h"
 
 #include <gmock/gmock.h>
@@ -48,18 +49,11 @@ protected:
     }
 
     /// Runs a server that ends by itself.
-    struct Ended
-    {
-        int nExitCode;
-        std::string strOutput;
-        std::string strError;
-    };
     static Ended RunToEnd(const std::vector<std::string>& options,
                           const std::vector<std::string>& prefix = {})
     {
         Child server = StartAnyway(options, prefix);
-        const int nExitCode = server->WaitForEnd(kAnyTime).value_or(-1);
-        return {nExitCode, server->Output(), server->ErrorOutput()};
+        return ToItsEnd(*server);
     }
 
     std::string Path(const std::string& strName) const { return (m_folder / strName).string(); }

@@ -1,18 +1,18 @@
 // The program as it is run.
-#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/support/ManualPage.h"
 #include "tests/apps/support/TemporaryFolder.h"
+#include "tests/apps/support/process/Ended.h"
 #include "tests/utils/ParameterHelpers.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <chrono>
 #include <fstream>
 #include <iterator>
 #include <set>
 #include <sys/stat.h>
 
+using TarvaneTest::Ended;
 using testing::HasSubstr;
 
 namespace
@@ -21,19 +21,10 @@ namespace
 class SessionProgram : public testing::Test
 {
 protected:
-    struct Ended
-    {
-        int nExitCode;
-        std::string strOutput;
-        std::string strError;
-    };
-
     static Ended Run(std::vector<std::string> arguments)
     {
         arguments.insert(arguments.begin(), SESSION_PROGRAM);
-        Tarvane::CChildProcess child(arguments);
-        const int nExitCode = child.WaitForEnd(std::chrono::seconds(100)).value_or(-1);
-        return {nExitCode, child.Output(), child.ErrorOutput()};
+        return TarvaneTest::RunToEnd(arguments);
     }
 
     void SetUp() override

@@ -1,10 +1,9 @@
 // The program puts a session into one of Ardour.
-#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/server/sound/SoundMaker.h"
 #include "tests/apps/session/ServerSession.h"
 #include "tests/apps/support/TemporaryFolder.h"
+#include "tests/apps/support/process/Ended.h"
 
-#include <chrono>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <iterator>
@@ -33,9 +32,8 @@ protected:
         std::vector<std::string> command{SESSION_PROGRAM, "to-ardour", folder / "s.session",
                                          folder / "edit"};
         command.insert(command.end(), more.begin(), more.end());
-        Tarvane::CChildProcess child(command);
-        const int nExitCode = child.WaitForEnd(std::chrono::seconds(100)).value_or(-1);
-        return {nExitCode, child.Output() + child.ErrorOutput()};
+        const Ended ended = RunToEnd(command);
+        return {ended.nExitCode, ended.strOutput + ended.strError};
     }
     std::string Text() const
     {

@@ -1,9 +1,8 @@
 // The program writes a session for editors that read lists and projects.
-#include "apps/support/process/ChildProcess.h"
 #include "tests/apps/session/ServerSession.h"
 #include "tests/apps/support/TemporaryFolder.h"
+#include "tests/apps/support/process/Ended.h"
 
-#include <chrono>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <iterator>
@@ -26,18 +25,10 @@ protected:
         std::ofstream(folder / "s.session", std::ios::binary) << session.Bytes();
     }
 
-    struct Ended
-    {
-        int nExitCode;
-        std::string strOutput;
-        std::string strError;
-    };
     Ended Run(const std::string& strCommand, std::vector<std::string> more = {})
     {
         more.insert(more.begin(), {SESSION_PROGRAM, strCommand, folder / "s.session"});
-        Tarvane::CChildProcess child(more);
-        const int nExitCode = child.WaitForEnd(std::chrono::seconds(100)).value_or(-1);
-        return {nExitCode, child.Output(), child.ErrorOutput()};
+        return RunToEnd(more);
     }
     std::string Text(const std::string& strName) const
     {
