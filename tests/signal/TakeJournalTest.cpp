@@ -412,6 +412,20 @@ TEST(TakeJournal, AFolderThatTheIndexHasLostIsInItAgainWhenItsJournalIsHeld)
     }
 }
 
+TEST(TakeJournal, WritesNothingWhereALinkPoints)
+{
+    const LeftIndex index;
+    const CTemporaryFolder folder;
+    CTakeJournal journal(folder.Path(), kJournalUuid);
+    fs::create_symlink(folder / "aim", journal.Path());
+    EXPECT_EQ(journal.Moved(TakeAt(1)), 0U);
+    EXPECT_FALSE(fs::exists(folder / "aim"));
+    fs::remove(index.path);
+    fs::create_symlink(folder / "aim", index.path);
+    NoteJournalFolder("/takes/5");
+    EXPECT_FALSE(fs::exists(folder / "aim"));
+}
+
 TEST(TakeJournal, ATakeWhoseFolderIsAwayIsNotGone)
 {
     const CTemporaryFolder folder;

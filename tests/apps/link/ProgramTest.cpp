@@ -3,8 +3,10 @@
 #include "tests/apps/link/ProgramFixture.h"
 
 using namespace TarvaneTest;
+using testing::AllOf;
 using testing::ContainsRegex;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 TEST_F(RealServerTest, ListsTracks)
@@ -254,6 +256,10 @@ TEST_F(ProgramTest, ControlCharactersOfOthersAreShownAsPoints)
     const Child server = StartServer({"--track", "Vox"});
     EXPECT_EQ(RunLink({"run", "print('a\\27[2Jb\\u{9b}c')"}).strOutput, "a.[2Jb.c\n");
     EXPECT_EQ(RunLink({"run", "error('a\\27[2Jb', 0)"}).strError, "a.[2Jb\n");
+    EXPECT_THAT(RunLink({"run", "SelectScriptDocument() AddAudioRegion(GetTrackID(0), "
+                                "'/a\\27[2Jb.wav', true, false, 0,0,9)"})
+                    .strError,
+                AllOf(HasSubstr("/a.[2Jb.wav does not exist"), Not(HasSubstr("\033"))));
     EXPECT_EQ(
         nlohmann::json::parse(RunLink({"run", "--json", "print('a\\27b')"}).strOutput)["result"],
         "a\033b\n");

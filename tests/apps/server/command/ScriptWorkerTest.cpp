@@ -3,6 +3,8 @@
 #include "apps/server/database/SessionStore.h"
 #include "tests/apps/server/CommandFixture.h"
 
+#include <SQLiteCpp/SQLiteCpp.h>
+
 #include <chrono>
 #include <fstream>
 #include <poll.h>
@@ -22,12 +24,17 @@ protected:
                          const Trouble& trouble = {})
     {
         worker.Begin(strScript, trouble);
+        return Next(worker).execution;
+    }
+
+    static WorkerReport Next(CScriptWorker& worker)
+    {
         for (;;)
         {
             pollfd wanted{worker.Descriptor(), POLLIN, 0};
             poll(&wanted, 1, -1);
             if (std::optional<WorkerReport> report = worker.Receive())
-                return std::move(report->execution);
+                return *std::move(report);
         }
     }
 
@@ -182,6 +189,24 @@ TEST_F(ScriptWorker, AFileThatAnotherProgramHasPutThereIsLeftAndBothAreKept)
     const CommandReply reply = Run(later, Adding()).reply;
     EXPECT_THAT(reply.strError, testing::HasSubstr("was changed by another program"));
     EXPECT_TRUE(reply.fRefused);
+}
+
+TEST_F(ScriptWorker, AChangeOfAFileThatIsReplacedMeanwhileIsToBeMadeAgain)
+{
+    CScriptWorker worker(m_settings);
+    SQLite::Database other(m_file.string(), SQLite::OPEN_READWRITE);
+    other.exec("BEGIN IMMEDIATE");
+    worker.Begin(Adding(), {});
+    ASSERT_TRUE(Next(worker).fBlocked) << "it is in the middle of its script";
+    std::filesystem::remove(m_file);
+    std::ofstream(m_file) << "of somebody else";
+    other.exec("ROLLBACK");
+    worker.TryAgain(true);
+    const Execution execution = Next(worker).execution;
+    EXPECT_TRUE(execution.fConflict);
+    EXPECT_FALSE(execution.reply.fChanged);
+    EXPECT_THAT(Run(worker, Adding()).reply.strError,
+                testing::HasSubstr("was changed by another program"));
 }
 
 TEST_F(ScriptWorker, WhatItWasWritingGoesWithIt)

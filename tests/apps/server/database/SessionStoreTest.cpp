@@ -200,6 +200,13 @@ TEST_F(SessionStore, OneServerAtATimeHoldsTheLock)
     CSessionStore(m_file).Lock();
 }
 
+TEST_F(SessionStore, TheLockIsNotMadeWhereALinkPoints)
+{
+    std::filesystem::create_symlink(m_folder / "aim", m_folder / ".session.lock");
+    EXPECT_THROW(CSessionStore(m_folder / "session").Lock(), std::system_error);
+    EXPECT_FALSE(std::filesystem::exists(m_folder / "aim"));
+}
+
 TEST_F(SessionStore, AFolderThatIsMissingIsAnError)
 {
     CSessionStore store(m_folder / "none" / "session");
