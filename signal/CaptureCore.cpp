@@ -352,14 +352,14 @@ void CCaptureCore::Parts::EndTake()
     }
     RaiseProgress();
     CQueuedTake queued = m_writer.End();
-    if (!queued.take.strFailure.empty())
-    {
-        Log(queued.take.strFailure);
-    }
     if (queued.take.state == TakeState::Failed)
     {
         Fail(queued.take);
         return;
+    }
+    if (!queued.take.strFailure.empty())
+    {
+        Log(queued.take.strFailure);
     }
     const CTake take = m_queue.Add(std::move(queued));
     m_fCapturing = false;

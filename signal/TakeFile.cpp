@@ -237,7 +237,20 @@ std::uint64_t CTakeFile::Write(const void* pSamples, std::uint64_t nFrames)
     return nWhole;
 }
 
-void CTakeFile::Publish()
+// What is no sound file, too, is left for its recovery to tell of.
+bool CTakeFile::IsCounted() const
+{
+    try
+    {
+        return ExamineTakeFile(m_path).nFrames > 0;
+    }
+    catch (const std::runtime_error&)
+    {
+        return false;
+    }
+}
+
+bool CTakeFile::Publish()
 {
     if (sf_close(m_pFile) != 0)
     {
@@ -249,6 +262,12 @@ void CTakeFile::Publish()
         Fail("cannot write the capture into " + m_path.parent_path().string());
     }
     Close();
+    if (!IsCounted())
+    {
+        Fail("cannot finish the capture " + m_path.string());
+        m_strFailure += " It is finished at the next start.";
+        return false;
+    }
     try
     {
         m_path = NameTake(m_path, m_strStem, m_strExtension);
@@ -258,6 +277,7 @@ void CTakeFile::Publish()
         m_strFailure = m_strFailure.empty() ? error.what() : m_strFailure;
     }
     SyncFolder(m_path.parent_path());
+    return true;
 }
 
 namespace

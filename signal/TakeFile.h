@@ -46,13 +46,15 @@ public:
     ino_t Inode() const { return m_nInode; }
 
     /// Closes the file, has it written to the disk and gives it its name. When one of these goes
-    /// wrong Failure() says so, and Path() where the file is all the same.
-    void Publish();
+    /// wrong Failure() says so, and Path() where the file is all the same. False when the disk has
+    /// not taken the header that counts the frames: the file is then a leftover (MendTakeFile).
+    bool Publish();
 
 private:
     const void* Converted(const void* pSamples, std::uint64_t nFrames);
     void Fail(const std::string& strWhat);
     void Close();
+    bool IsCounted() const;
 
     std::string m_strStem;
     std::string m_strExtension;

@@ -78,7 +78,7 @@ bool CTakeWriter::Write(const void* pInterleaved, std::uint64_t nFrames)
 void CTakeWriter::Lose(std::uint64_t nFrames)
 {
     m_take.nLostFrames += nFrames;
-    if (nFrames > 0 && !IsOpen() && m_nJournal != 0 && m_take.nFrames > 0)
+    if (nFrames > 0 && !IsOpen() && m_nJournal != 0 && m_take.state == TakeState::Waiting)
     {
         Note(m_pJournal->Finished(m_nJournal, m_take));
     }
@@ -86,9 +86,8 @@ void CTakeWriter::Lose(std::uint64_t nFrames)
 
 CQueuedTake CTakeWriter::End()
 {
-    if (m_take.nFrames > 0)
+    if (m_take.nFrames > 0 && m_pFile->Publish())
     {
-        m_pFile->Publish();
         m_take.file = m_pFile->Path();
         m_take.state = TakeState::Waiting;
     }
@@ -98,11 +97,14 @@ CQueuedTake CTakeWriter::End()
     }
     m_take.strFailure = m_pFile->Failure();
     m_pFile.reset();
-    if (m_nJournal != 0)
+    // One that could not be finished is found again at the next start.
+    if (m_nJournal != 0 && m_take.state == TakeState::Waiting)
     {
-        Note(m_take.nFrames > 0
-                 ? m_pJournal->Finished(m_nJournal, m_take)
-                 : m_pJournal->Ended(m_nJournal, CTakeJournal::kForgotten, m_take.strFailure, 0));
+        Note(m_pJournal->Finished(m_nJournal, m_take));
+    }
+    else if (m_nJournal != 0 && m_take.nFrames == 0)
+    {
+        Note(m_pJournal->Ended(m_nJournal, CTakeJournal::kForgotten, m_take.strFailure, 0));
     }
     return {m_take, m_nJournal, Uuid()};
 }

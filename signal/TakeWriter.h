@@ -39,8 +39,8 @@ public:
     /// Whether there is a take that takes samples.
     bool IsOpen() const { return m_pFile != nullptr; }
     const CTake& Current() const { return m_take; }
-    /// The take that is whole now, its file under its own name; failed when there is not a sample
-    /// in it.
+    /// The take that is whole now, its file under its own name. Failed when there is not a sample
+    /// in it, or when the disk has not taken its header: then the next start finds and mends it.
     CQueuedTake End();
 
     // --- The journal

@@ -13,6 +13,7 @@
 #include <functional>
 #include <iterator>
 #include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -109,6 +110,19 @@ protected:
         writer.Write(samples.data(), kLength);
     }
 
+    // Whether the header counts the frames only when the file is closed.
+    static bool NeedsItsEnd() { return (GetParam() & SF_FORMAT_TYPEMASK) == SF_FORMAT_FLAC; }
+
+    static std::uintmax_t SizeOfLargest(const fs::path& folder)
+    {
+        std::uintmax_t nLargest = 0;
+        for (const auto& entry : fs::directory_iterator(folder))
+        {
+            nLargest = std::max(nLargest, entry.file_size());
+        }
+        return nLargest;
+    }
+
     static std::unique_ptr<CTakeWriter> Capturing(const fs::path& folder)
     {
         auto pWriter = Writer(folder);
@@ -182,6 +196,29 @@ TEST_P(TakeRecovery, ATakeKilledAtAnyInstantOfItsEndIsOfferedOnceAndWhole)
         ExpectOfferedOnceAndWhole(folder, "in front of change " + std::to_string(nChange));
     }
     EXPECT_GT(nChange, 5);
+}
+
+TEST_P(TakeRecovery, ATakeThatAFullDiskCutsKilledAtAnyInstantOfItsEndIsOfferedOnceAndWhole)
+{
+    int nChange = 0;
+    for (bool fKilled = true; fKilled;)
+    {
+        const CTemporaryFolder folder;
+        const auto endOnAFullDisk = [&](const std::function<void()>& beginsLastPart)
+        {
+            auto pWriter = Capturing(folder.Path());
+            const rlimit full{SizeOfLargest(folder.Path()), RLIM_INFINITY};
+            ::signal(SIGXFSZ, SIG_IGN);
+            ::setrlimit(RLIMIT_FSIZE, &full);
+            beginsLastPart();
+            const CTake take = pWriter->End().take;
+            pWriter->Lose(1);
+            ::_exit((take.state == TakeState::Failed) == NeedsItsEnd() ? 0 : 1);
+        };
+        fKilled = KillsAtChange(++nChange, endOnAFullDisk);
+        ExpectOfferedOnceAndWhole(folder, "in front of change " + std::to_string(nChange));
+    }
+    EXPECT_GT(nChange, 2);
 }
 
 TEST_P(TakeRecovery, ALeftoverWhoseRecoveryIsKilledAtAnyInstantIsOfferedOnceAndWhole)
