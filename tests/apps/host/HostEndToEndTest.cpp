@@ -231,9 +231,9 @@ TEST_F(EndToEnd, DisarmingEndsACaptureEarly)
 
 TEST_F(EndToEnd, ACaptureOfAHostThatIsEndedIsKeptToldAndSentByTheNextRun)
 {
-    for (const bool fKilled : {false, true})
+    for (const int nSignal : {SIGTERM, SIGINT, SIGKILL})
     {
-        SCOPED_TRACE(fKilled);
+        SCOPED_TRACE(nSignal);
         StartServer();
         WriteSound(folder / "long.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000 * 600);
         {
@@ -242,15 +242,11 @@ TEST_F(EndToEnd, ACaptureOfAHostThatIsEndedIsKeptToldAndSentByTheNextRun)
             while (host.Ask("state", kLong)["message"] == "")
             {
             }
-            if (fKilled)
+            ::kill(host.Process().Pid(), nSignal);
+            const std::optional<int> nExitCode = host.Process().WaitForEnd(kLong);
+            if (nSignal != SIGKILL)
             {
-                host.Process().Kill();
-                host.Process().WaitForEnd(kLong);
-            }
-            else
-            {
-                host.Process().Terminate();
-                EXPECT_EQ(host.Process().WaitForEnd(kLong), 1) << host.Process().ErrorOutput();
+                EXPECT_EQ(nExitCode, 1) << host.Process().ErrorOutput();
                 EXPECT_THAT(host.Process().ErrorOutput(),
                             HasSubstr("The capture under way is kept: " +
                                       (folder / "captures/long-001.wav").string()));
@@ -271,6 +267,9 @@ TEST_F(EndToEnd, ACaptureOfAHostThatIsEndedIsKeptToldAndSentByTheNextRun)
         EXPECT_EQ(Regions().size(), 1U);
         next.Ask("quit", kLong);
         next.Process().WaitForEnd(kLong);
+        EXPECT_THAT(
+            next.Process().ErrorOutput(),
+            HasSubstr("Left by an earlier run: " + (folder / "captures/long-001.wav").string()));
         KillServer();
         std::filesystem::remove_all(folder / "captures");
         std::filesystem::remove(SessionFile());
