@@ -68,7 +68,7 @@ const std::map<SignalFault, Ids> kBroken{
     {SignalFault::NanRegion, {"P16"}},
     {SignalFault::InfiniteRegion, {"P16"}},
     // The next capture gets the name that has become free.
-    {SignalFault::FileDiscarded, {"P17", "P21", "P34"}},
+    {SignalFault::FileDiscarded, {"P17", "P34"}},
     {SignalFault::AckIgnored, {"P19", "P21"}},
     {SignalFault::ArmUnreported, {"P8", "P20", "P36"}},
     {SignalFault::ArmIgnored, {"P5"}},
