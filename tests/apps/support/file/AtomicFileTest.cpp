@@ -106,11 +106,9 @@ TEST_F(AtomicFile, WhatIsNoPlainFileIsNotReplaced)
             EXPECT_THAT(error.what(), HasSubstr("no plain file"));
         }
     }
-    EXPECT_THROW(ReplaceFile("/dev/null", "new"), std::system_error);
     EXPECT_EQ(m_folder.Files(), before);
     EXPECT_TRUE(std::filesystem::is_symlink(m_folder / "link"));
     EXPECT_TRUE(std::filesystem::is_fifo(m_folder / "pipe"));
-    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
     EXPECT_EQ(ReadFile(m_folder / "other", kAny), "not ours");
 }
 
