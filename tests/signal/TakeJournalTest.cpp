@@ -135,6 +135,24 @@ struct LeftIndex
     std::string strBytes;
 };
 
+// One bit anywhere in a file that has a line for each entry.
+template <typename Entries, typename Read>
+void ExpectFlawsToCostTheirLine(const fs::path& path, const Entries& entries, const Read& read)
+{
+    const std::string strBytes = BytesOf(path);
+    for (std::size_t nByte = 0; nByte < strBytes.size(); ++nByte)
+    {
+        std::string strFlawed = strBytes;
+        strFlawed[nByte] = static_cast<char>(strFlawed[nByte] ^ (1 << (nByte % 8)));
+        Write(path, strFlawed);
+        // The end of a line joins it to the next.
+        const std::size_t nLost = strBytes[nByte] == '\n' && nByte + 1 < strBytes.size() ? 2 : 1;
+        const auto left = read();
+        ASSERT_GE(left.size() + nLost, entries.size()) << nByte;
+        ASSERT_THAT(left, testing::IsSubsetOf(entries)) << nByte << ": a flaw was believed";
+    }
+}
+
 } // namespace
 
 TEST(TakeJournal, KeepsWhatIsOpenAndForgetsWhatIsSettled)
@@ -280,18 +298,8 @@ TEST(TakeJournal, CutOffAnywhereItLosesTheLineThatIsCutAndNoOther)
 TEST(TakeJournal, FlawedAnywhereItLosesTheLineThatIsFlawedAndNoOther)
 {
     const LeftJournal left;
-    for (std::size_t nByte = 0; nByte < left.strBytes.size(); ++nByte)
-    {
-        std::string strFlawed = left.strBytes;
-        strFlawed[nByte] = static_cast<char>(strFlawed[nByte] ^ (1 << (nByte % 8)));
-        Write(left.path, strFlawed);
-        // The end of a line joins it to the next.
-        const std::size_t nLost =
-            left.strBytes[nByte] == '\n' && nByte + 1 < left.strBytes.size() ? 2 : 1;
-        const auto read = PositionsIn(left.folder.Path());
-        ASSERT_GE(read.size() + nLost, left.positions.size()) << nByte;
-        ASSERT_THAT(read, testing::IsSubsetOf(left.positions)) << nByte << ": a flaw was believed";
-    }
+    ExpectFlawsToCostTheirLine(left.path, left.positions,
+                               [&] { return PositionsIn(left.folder.Path()); });
 }
 
 TEST(TakeJournal, ALineBehindOneThatIsCutOffStandsOnItsOwn)
@@ -377,18 +385,7 @@ TEST(TakeJournal, AnIndexThatIsCutOffAnywhereLosesTheFolderThatIsCutAndNoOther)
 TEST(TakeJournal, AnIndexThatIsFlawedAnywhereLosesTheFolderThatIsFlawedAndNoOther)
 {
     const LeftIndex left;
-    for (std::size_t nByte = 0; nByte < left.strBytes.size(); ++nByte)
-    {
-        std::string strFlawed = left.strBytes;
-        strFlawed[nByte] = static_cast<char>(strFlawed[nByte] ^ (1 << (nByte % 8)));
-        Write(left.path, strFlawed);
-        // The end of a line joins it to the next.
-        const std::size_t nLost =
-            left.strBytes[nByte] == '\n' && nByte + 1 < left.strBytes.size() ? 2 : 1;
-        const auto read = JournalFolders();
-        ASSERT_GE(read.size() + nLost, left.folders.size()) << nByte;
-        ASSERT_THAT(read, testing::IsSubsetOf(left.folders)) << nByte << ": a flaw was believed";
-    }
+    ExpectFlawsToCostTheirLine(left.path, left.folders, [] { return JournalFolders(); });
 }
 
 TEST(TakeJournal, AFolderThatIsInTheIndexTwiceIsOneFolder)

@@ -40,19 +40,23 @@ bool ChangesFiles(const __ptrace_syscall_info& call)
            std::find(std::begin(kChanges), std::end(kChanges), nCall) != std::end(kChanges);
 }
 
+// Work in a folder, which says when its last part begins.
+using Begins = std::function<void()>;
+using Work = std::function<void(const fs::path&, const Begins&)>;
+
 // Does the work in a process of its own and kills that in front of the n-th system call of its
 // last part, from 1, that changes a file. False when there are fewer.
-bool KillsAtChange(int nChange, const std::function<void(const std::function<void()>&)>& work)
+bool KillsAtChange(int nChange, const fs::path& folder, const Work& work)
 {
     const pid_t nChild = ::fork();
     if (nChild == 0)
     {
-        work(
-            []
-            {
-                ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-                ::raise(SIGSTOP);
-            });
+        work(folder,
+             []
+             {
+                 ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+                 ::raise(SIGSTOP);
+             });
         ::_exit(0);
     }
     int nStatus = 0;
@@ -157,93 +161,77 @@ protected:
         }
         EXPECT_THAT(Writer(folder.Path())->Recover(), IsEmpty()) << "settled";
     }
+
+    static void EndsATake(const fs::path& folder, const Begins& beginsLastPart)
+    {
+        auto pWriter = Capturing(folder);
+        beginsLastPart();
+        pWriter->End();
+    }
+
+    // Each time in a new folder; in the last one the work goes on to its end.
+    static void KillAtEachChange(
+        int nAtLeast, const Work& work,
+        const std::function<void(const fs::path&)>& prepare = [](const fs::path&) {})
+    {
+        int nChange = 0;
+        for (bool fKilled = true; fKilled;)
+        {
+            const CTemporaryFolder folder;
+            prepare(folder.Path());
+            fKilled = KillsAtChange(++nChange, folder.Path(), work);
+            ExpectOfferedOnceAndWhole(folder, "in front of change " + std::to_string(nChange));
+        }
+        EXPECT_GE(nChange, nAtLeast);
+    }
 };
 
 } // namespace
 
 TEST_P(TakeRecovery, ATakeKilledAtAnyInstantOfAWriteIsOfferedOnceAndWhole)
 {
-    int nChange = 0;
-    for (bool fKilled = true; fKilled;)
-    {
-        const CTemporaryFolder folder;
-        fKilled = KillsAtChange(++nChange,
-                                [&](const std::function<void()>& beginsLastPart)
-                                {
-                                    auto pWriter = Capturing(folder.Path());
-                                    beginsLastPart();
-                                    Write(*pWriter, kLength);
-                                    ::_exit(0);
-                                });
-        ExpectOfferedOnceAndWhole(folder, "in front of change " + std::to_string(nChange));
-    }
-    EXPECT_GT(nChange, 3);
+    KillAtEachChange(4,
+                     [](const fs::path& folder, const Begins& beginsLastPart)
+                     {
+                         auto pWriter = Capturing(folder);
+                         beginsLastPart();
+                         Write(*pWriter, kLength);
+                         ::_exit(0);
+                     });
 }
 
 TEST_P(TakeRecovery, ATakeKilledAtAnyInstantOfItsEndIsOfferedOnceAndWhole)
 {
-    int nChange = 0;
-    for (bool fKilled = true; fKilled;)
-    {
-        const CTemporaryFolder folder;
-        fKilled = KillsAtChange(++nChange,
-                                [&](const std::function<void()>& beginsLastPart)
-                                {
-                                    auto pWriter = Capturing(folder.Path());
-                                    beginsLastPart();
-                                    pWriter->End();
-                                });
-        ExpectOfferedOnceAndWhole(folder, "in front of change " + std::to_string(nChange));
-    }
-    EXPECT_GT(nChange, 5);
+    KillAtEachChange(6, EndsATake);
 }
 
 TEST_P(TakeRecovery, ATakeThatAFullDiskCutsKilledAtAnyInstantOfItsEndIsOfferedOnceAndWhole)
 {
-    int nChange = 0;
-    for (bool fKilled = true; fKilled;)
-    {
-        const CTemporaryFolder folder;
-        const auto endOnAFullDisk = [&](const std::function<void()>& beginsLastPart)
-        {
-            auto pWriter = Capturing(folder.Path());
-            const rlimit full{SizeOfLargest(folder.Path()), RLIM_INFINITY};
-            ::signal(SIGXFSZ, SIG_IGN);
-            ::setrlimit(RLIMIT_FSIZE, &full);
-            beginsLastPart();
-            const CTake take = pWriter->End().take;
-            pWriter->Lose(1);
-            ::_exit((take.state == TakeState::Failed) == NeedsItsEnd() ? 0 : 1);
-        };
-        fKilled = KillsAtChange(++nChange, endOnAFullDisk);
-        ExpectOfferedOnceAndWhole(folder, "in front of change " + std::to_string(nChange));
-    }
-    EXPECT_GT(nChange, 2);
+    KillAtEachChange(3,
+                     [](const fs::path& folder, const Begins& beginsLastPart)
+                     {
+                         auto pWriter = Capturing(folder);
+                         const rlimit full{SizeOfLargest(folder), RLIM_INFINITY};
+                         ::signal(SIGXFSZ, SIG_IGN);
+                         ::setrlimit(RLIMIT_FSIZE, &full);
+                         beginsLastPart();
+                         const CTake take = pWriter->End().take;
+                         pWriter->Lose(1);
+                         ::_exit((take.state == TakeState::Failed) == NeedsItsEnd() ? 0 : 1);
+                     });
 }
 
 TEST_P(TakeRecovery, ALeftoverWhoseRecoveryIsKilledAtAnyInstantIsOfferedOnceAndWhole)
 {
-    int nChange = 0;
-    for (bool fKilled = true; fKilled;)
-    {
-        const CTemporaryFolder folder;
-        EXPECT_TRUE(KillsAtChange(1,
-                                  [&](const std::function<void()>& beginsLastPart)
-                                  {
-                                      auto pWriter = Capturing(folder.Path());
-                                      beginsLastPart();
-                                      pWriter->End();
-                                  }));
-        fKilled = KillsAtChange(++nChange,
-                                [&](const std::function<void()>& beginsLastPart)
-                                {
-                                    auto pWriter = Writer(folder.Path());
-                                    beginsLastPart();
-                                    pWriter->Recover();
-                                });
-        ExpectOfferedOnceAndWhole(folder, "in front of change " + std::to_string(nChange));
-    }
-    EXPECT_GT(nChange, 5);
+    KillAtEachChange(
+        6,
+        [](const fs::path& folder, const Begins& beginsLastPart)
+        {
+            auto pWriter = Writer(folder);
+            beginsLastPart();
+            pWriter->Recover();
+        },
+        [](const fs::path& folder) { EXPECT_TRUE(KillsAtChange(1, folder, EndsATake)); });
 }
 
 TEST_P(TakeRecovery, OfAFileSystemWithoutLinksGivesTheNameAllTheSame)
