@@ -84,9 +84,9 @@ struct CursorCalls : ImageCalls
 };
 
 // Names the class message that asked for a stock cursor.
-template <const char* szName> NSCursor* NotedCursor(id, SEL)
+NSCursor* NotedCursor(id, SEL selector)
 {
-    Note(szName);
+    Note(sel_getName(selector));
     return nil;
 }
 
@@ -191,19 +191,19 @@ TEST_F(CursorCalls, PushIsForTheCursorAndPopForTheClass)
 
 TEST_F(CursorCalls, StockCursorsAreOneClassMessageEach)
 {
-    static constexpr char kNames[][25] = {
+    static constexpr const char* kNames[] = {
         "arrowCursor",    "resizeLeftCursor",   "resizeRightCursor", "resizeLeftRightCursor",
         "resizeUpCursor", "resizeUpDownCursor", "resizeDownCursor",  "openHandCursor"};
     const Class owner = object_getClass([NSCursor class]);
     const ReplacedMethod all[] = {
-        {owner, @selector(arrowCursor), NotedCursor<kNames[0]>},
-        {owner, @selector(resizeLeftCursor), NotedCursor<kNames[1]>},
-        {owner, @selector(resizeRightCursor), NotedCursor<kNames[2]>},
-        {owner, @selector(resizeLeftRightCursor), NotedCursor<kNames[3]>},
-        {owner, @selector(resizeUpCursor), NotedCursor<kNames[4]>},
-        {owner, @selector(resizeUpDownCursor), NotedCursor<kNames[5]>},
-        {owner, @selector(resizeDownCursor), NotedCursor<kNames[6]>},
-        {owner, @selector(openHandCursor), NotedCursor<kNames[7]>},
+        {owner, @selector(arrowCursor), NotedCursor},
+        {owner, @selector(resizeLeftCursor), NotedCursor},
+        {owner, @selector(resizeRightCursor), NotedCursor},
+        {owner, @selector(resizeLeftRightCursor), NotedCursor},
+        {owner, @selector(resizeUpCursor), NotedCursor},
+        {owner, @selector(resizeUpDownCursor), NotedCursor},
+        {owner, @selector(resizeDownCursor), NotedCursor},
+        {owner, @selector(openHandCursor), NotedCursor},
     };
     for (int nCursor = 0; nCursor < 8; ++nCursor)
     {
