@@ -25,7 +25,7 @@ CommandReply Refusal(const Command& command, const std::string& strError)
 CCommandQueue::CCommandQueue(const WorkerSettings& settings, const QueueLimits& limits)
     : m_settings(settings), m_nUpdateCount(CSessionDatabase(settings.sessionFile).UpdateCount()),
       m_limits(limits), m_pIdle(std::make_unique<CScriptWorker>(m_settings)),
-      m_timer([this] { Step(); })
+      m_readAhead(std::in_place, m_settings), m_timer([this] { Step(); })
 {
 }
 
@@ -265,7 +265,10 @@ void CCommandQueue::Finish(Runs::iterator run, WorkerReport report)
         return;
     }
     if (reply.fChanged)
+    {
         m_nUpdateCount = execution.nUpdateCount;
+        m_readAhead->Changed(m_settings.identity);
+    }
     if (report.fEnded)
         reply.fRefused = NamesChange(ended.command.strScript);
     ended.command.end(reply);
@@ -293,7 +296,9 @@ void CCommandQueue::StartOver(const std::function<WorkerSettings()>& change)
     if (m_pIdle)
         m_pIdle->Kill("");
     m_pIdle.reset();
+    m_readAhead.reset();
     m_settings = change();
+    m_readAhead.emplace(m_settings);
     m_nUpdateCount = CSessionDatabase(m_settings.sessionFile).UpdateCount();
     Step();
 }

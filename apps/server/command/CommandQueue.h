@@ -11,6 +11,7 @@
 #pragma once
 
 #include "apps/server/command/CommandProcessor.h"
+#include "apps/server/command/ReadAhead.h"
 #include "apps/server/command/ScriptWorker.h"
 #include "apps/server/loop/LoopWatch.h"
 
@@ -119,6 +120,7 @@ private:
     std::deque<std::int64_t> m_served; ///< clients, the one served longest ago first
     Runs m_running;
     std::unique_ptr<CScriptWorker> m_pIdle;
+    std::optional<CReadAhead> m_readAhead; ///< always, but for a StartOver
     CLoopTimer m_timer;
 };
 

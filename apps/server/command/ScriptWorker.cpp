@@ -164,8 +164,11 @@ public:
     // While nobody waits.
     void GetReady()
     {
-        if (m_processor)
-            m_processor->GetReady();
+        if (!m_processor)
+            return;
+        m_processor->GetReady();
+        if (m_session.Database()->HasNotedFingerprints())
+            SaveFingerprints();
     }
 
 private:
@@ -179,6 +182,17 @@ private:
                             m_settings.fHasDocuments, m_settings.limits, m_settings.access);
         if (m_feed)
             m_processor->FeedInto(*m_feed);
+    }
+
+    void SaveFingerprints()
+    try
+    {
+        if (!m_settings.access.fReadOnly && m_session.IsOurs())
+            m_session.Database()->SaveFingerprints();
+    }
+    catch (const SQLite::Exception&)
+    {
+        // They are made again when they are needed.
     }
 
     // What is open may be another connection afterwards.

@@ -2,13 +2,12 @@
 // that grows with the session.
 #pragma once
 
-#include "apps/server/loop/LoopWatch.h"
+#include "apps/server/loop/SideProcess.h"
 
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
-#include <sys/types.h>
 
 namespace Tarvane::Server
 {
@@ -24,18 +23,13 @@ public:
     /// std::system_error.
     CSessionCheck(const std::filesystem::path& file,
                   std::function<void(const std::optional<std::string>&)> done);
-    ~CSessionCheck();
-    CSessionCheck(const CSessionCheck&) = delete;
-    CSessionCheck& operator=(const CSessionCheck&) = delete;
 
 private:
-    void Take();
+    void Conclude();
 
     std::function<void(const std::optional<std::string>&)> m_done;
-    pid_t m_nProcess = -1;
-    int m_nPipe = -1;
     std::string m_strFlaw;
-    std::optional<CReadWatch> m_watch;
+    CSideProcess m_process;
 };
 
 } // namespace Tarvane::Server

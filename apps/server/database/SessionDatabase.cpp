@@ -118,6 +118,8 @@ try
         throw CSessionFlaw("this is a database of another program");
     RequireVersion(pragma("PRAGMA user_version"), kVersion);
     ReadCounts();
+    if (sqlite3_db_readonly(m_database.getHandle(), "main") == 0)
+        MakeFingerprintTable();
 }
 catch (const SQLite::Exception& error)
 {

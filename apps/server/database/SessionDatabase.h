@@ -8,6 +8,7 @@
 // into words), and those that change CSessionConflict besides.
 #pragma once
 
+#include "apps/server/database/Fingerprint.h"
 #include "apps/server/session/Session.h"
 #include "apps/server/session/SessionFlaw.h"
 
@@ -21,6 +22,7 @@
 #include <set>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Tarvane::Server
@@ -91,6 +93,8 @@ public:
     /// Within a command as of its Begin and its own changes; outside as of the last one.
     std::int64_t UpdateCount() const { return m_nUpdateCount; }
     double LinkOffset() const { return m_dLinkOffset; }
+    /// The id that what is added next gets.
+    std::int64_t NextId() const { return m_nNextId; }
 
     CSession Content();
 
@@ -106,6 +110,8 @@ public:
     std::int64_t RegionAt(std::int64_t nTrackId, std::int64_t nPlace);
     std::optional<Region> FindRegion(DocumentKind kind, std::int64_t nRegionId);
     std::optional<Region> FirstRegion(DocumentKind kind);
+    /// The one with the least id above this one, of any document.
+    std::optional<Region> NextRegion(std::int64_t nRegionId);
     /// The first region of the track that holds any of the timeline's stretch.
     std::optional<Region> FirstRegionIn(std::int64_t nTrackId, std::int64_t nStart,
                                         std::int64_t nEnd);
@@ -122,6 +128,17 @@ public:
     std::optional<std::int64_t> ProcessRegion(DocumentKind kind, std::int64_t nProcessId);
 
     std::int64_t SelectedRegionId(DocumentKind kind);
+
+    // Fingerprints are no part of what the session is: they are kept beside it, count no update and
+    // may be missing.
+
+    /// What is kept for the stretch of this very state of a file.
+    std::optional<Fingerprint> FindFingerprint(const AudioStretch& stretch);
+    /// Has it kept by the next SaveFingerprints.
+    void NoteFingerprint(AudioStretch stretch, Fingerprint fingerprint);
+    bool HasNotedFingerprints() const { return !m_fingerprints.empty(); }
+    /// Not in a command. What cannot be saved is dropped.
+    void SaveFingerprints();
 
     // The changes. Each counts one update, but for one that changes nothing. They stand in a
     // command.
@@ -158,6 +175,9 @@ private:
     static constexpr std::int64_t kApplicationId = 'TkNe';
     static constexpr std::int64_t kVersion = 3;
 
+    /// Some 200 bytes each.
+    static constexpr std::int64_t kMostFingerprints = 1'000'000;
+
     /// A place on a track and the id of what stands there, for the next question.
     struct Cursor
     {
@@ -169,6 +189,7 @@ private:
     CSessionDatabase(const std::filesystem::path& file, int nFlags);
     void Prepare();
     void MakeTables();
+    void MakeFingerprintTable();
     void Fill(const CSession& content);
     void FillDocument(const Document& document, DocumentKind kind);
     void InsertRegion(const Region& region);
@@ -198,6 +219,7 @@ private:
     std::int64_t m_nCountAtBegin = 0;
     std::int64_t m_nNextId = 1;
     std::set<std::int64_t> m_regionsWithNewAudio;
+    std::vector<std::pair<AudioStretch, Fingerprint>> m_fingerprints; ///< not kept yet
     Cursor m_cursor;
 };
 

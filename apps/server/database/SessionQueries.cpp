@@ -87,6 +87,11 @@ std::optional<Region> CSessionDatabase::FindRegion(DocumentKind kind, std::int64
                            nRegionId, static_cast<int>(kind)));
 }
 
+std::optional<Region> CSessionDatabase::NextRegion(std::int64_t nRegionId)
+{
+    return OneRegion(Query("SELECT * FROM regions WHERE id > ? ORDER BY id LIMIT 1", nRegionId));
+}
+
 std::optional<Region> CSessionDatabase::FirstRegion(DocumentKind kind)
 {
     return OneRegion(

@@ -27,6 +27,7 @@ private:
     SQLite::Statement& m_statement;
 };
 
+std::string ChannelText(const std::vector<std::int32_t>& channels);
 std::vector<std::int32_t> ChannelsFromText(const std::string& strText);
 
 /// szText is a literal: statements are kept by its address.

@@ -70,6 +70,25 @@ CREATE TABLE process_outputs(
 CREATE INDEX process_outputs_by_track ON process_outputs(track);
 )";
 
+// Sessions made before there were any get them when they are opened; a program that knows of none
+// passes them over.
+constexpr const char* kFingerprints = R"(
+CREATE TABLE IF NOT EXISTS fingerprints(
+    id INTEGER PRIMARY KEY, -- the older the lower
+    device INTEGER NOT NULL,
+    inode INTEGER NOT NULL,
+    start INTEGER NOT NULL,
+    stop INTEGER NOT NULL,
+    channels TEXT NOT NULL, -- as in regions
+    size INTEGER NOT NULL,
+    changed INTEGER NOT NULL,
+    form INTEGER NOT NULL,
+    content TEXT NOT NULL CHECK(length(content) = 32),
+    UNIQUE(device, inode, start, stop, channels)) STRICT;
+)";
+
+} // namespace
+
 std::string ChannelText(const std::vector<std::int32_t>& channels)
 {
     std::string strText;
@@ -77,8 +96,6 @@ std::string ChannelText(const std::vector<std::int32_t>& channels)
         strText += (strText.empty() ? "" : " ") + std::to_string(nChannel);
     return strText;
 }
-
-} // namespace
 
 std::vector<std::int32_t> ChannelsFromText(const std::string& strText)
 {
@@ -92,8 +109,14 @@ std::vector<std::int32_t> ChannelsFromText(const std::string& strText)
 void CSessionDatabase::MakeTables()
 {
     m_database.exec(kTables);
+    MakeFingerprintTable();
     m_database.exec("PRAGMA application_id=" + std::to_string(kApplicationId));
     m_database.exec("PRAGMA user_version=" + std::to_string(kVersion));
+}
+
+void CSessionDatabase::MakeFingerprintTable()
+{
+    m_database.exec(kFingerprints);
 }
 
 void CSessionDatabase::Fill(const CSession& content)

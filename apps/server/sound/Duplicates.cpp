@@ -1,5 +1,6 @@
 #include "apps/server/sound/Duplicates.h"
 
+#include "apps/server/sound/Fingerprinting.h"
 #include "apps/server/sound/RegionReader.h"
 
 #include <algorithm>
@@ -76,7 +77,8 @@ std::optional<bool> HasSameBytes(const Region& captured, const Region& region)
 try
 {
     CSoundFile one(captured.strPath), other(region.strPath);
-    if (!region.channels.empty() || !one.HasFormOf(other) || one.SampleRate() != other.SampleRate())
+    if (!region.channels.empty() || one.Form() != other.Form() ||
+        one.Channels() != other.Channels() || one.SampleRate() != other.SampleRate())
         return std::nullopt;
     one.Seek(captured.nStart);
     other.Seek(region.nStart);
@@ -98,12 +100,8 @@ catch (const CSoundFileError&)
     return std::nullopt;
 }
 
-bool SameAudio(const Region& captured, const Region& region)
+bool HasSameSamples(const Region& captured, const Region& region)
 {
-    if (IsSameStretch(captured, region))
-        return true;
-    if (const std::optional<bool> fSame = HasSameBytes(captured, region))
-        return *fSame;
     CRegionReader one(captured);
     std::optional<CRegionReader> other = OpenIfReadable(region);
     if (!other || one.SampleRate() != other->SampleRate() || one.Channels() != other->Channels())
@@ -120,6 +118,34 @@ bool SameAudio(const Region& captured, const Region& region)
             return false;
     }
     return true;
+}
+
+bool ReadsTheSame(const Region& captured, const Region& region)
+{
+    const std::optional<bool> fSame = HasSameBytes(captured, region);
+    return fSame ? *fSame : HasSameSamples(captured, region);
+}
+
+Region Beginning(Region region)
+{
+    region.nEnd = std::min(region.nEnd, region.nStart + kLongStretch);
+    return region;
+}
+
+bool HasSameAudio(CSessionDatabase& session, const Region& captured, const Region& region)
+{
+    if (IsSameStretch(captured, region))
+        return true;
+    // Takes of one place, of which there are many, differ from the beginning.
+    if (!ReadsTheSame(Beginning(captured), Beginning(region)))
+        return false;
+    if (captured.Length() <= kLongStretch)
+        return true;
+    const std::optional<Fingerprint> one = FingerprintOf(session, captured);
+    const std::optional<Fingerprint> other = FingerprintOf(session, region);
+    if (one && other && one->nForm == other->nForm)
+        return *one == *other;
+    return ReadsTheSame(captured, region);
 }
 
 } // namespace
@@ -150,7 +176,7 @@ bool HasDuplicate(CSessionDatabase& session, const Region& captured)
              captured.nTrackId, places.nFirst + captured.nStart, places.nLast + captured.nStart))
     {
         if (region.Length() == captured.Length() && region.nSampleRate == captured.nSampleRate &&
-            SameAudio(captured, region))
+            HasSameAudio(session, captured, region))
             return true;
     }
     return false;

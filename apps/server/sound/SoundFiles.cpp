@@ -72,11 +72,6 @@ std::int64_t CSoundFile::Read(std::vector<double>& samples, std::int64_t nFrames
     return sf_readf_double(m_pFile.get(), samples.data(), nFrames);
 }
 
-bool CSoundFile::HasFormOf(const CSoundFile& other) const
-{
-    return m_info.format == other.m_info.format && Channels() == other.Channels();
-}
-
 bool CSoundFile::IsWholeNumbers() const
 {
     return SampleForm() != SF_FORMAT_FLOAT && SampleForm() != SF_FORMAT_DOUBLE;
@@ -110,7 +105,7 @@ std::int64_t CSoundFile::SampleBytes() const
 
 std::int64_t CSoundFile::ReadBytes(std::vector<char>& bytes, std::int64_t nFrames)
 {
-    const std::int64_t nFrameBytes = SampleBytes() * Channels();
+    const std::int64_t nFrameBytes = FrameBytes();
     if (nFrameBytes == 0)
         return 0;
     bytes.resize(static_cast<std::size_t>(nFrames * nFrameBytes));

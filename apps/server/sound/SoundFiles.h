@@ -43,13 +43,15 @@ public:
     /// at the end of the file only.
     std::int64_t Read(std::vector<double>& samples, std::int64_t nFrames);
 
-    /// Whether both files hold samples in one and the same form, so that equal bytes are equal
-    /// samples. Unequal bytes are unequal samples if these are whole numbers; zero, for instance,
-    /// has two forms otherwise.
-    bool HasFormOf(const CSoundFile& other) const;
+    /// The library's number of the format. Between files with one form and as many channels equal
+    /// bytes are equal samples. Unequal bytes are unequal samples if these are whole numbers; zero,
+    /// for instance, has two forms otherwise.
+    std::int32_t Form() const { return m_info.format; }
     bool IsWholeNumbers() const;
+    /// Of a frame as it lies in the file; 0 when its form is not one number after the other.
+    std::int64_t FrameBytes() const { return SampleBytes() * Channels(); }
     /// Frames as they lie in the file. Returns the frames read: fewer at the end of the file, and
-    /// none when its form is not one number after the other.
+    /// none without FrameBytes.
     std::int64_t ReadBytes(std::vector<char>& bytes, std::int64_t nFrames);
 
 private:

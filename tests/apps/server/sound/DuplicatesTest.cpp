@@ -2,6 +2,7 @@
 
 #include "apps/server/sound/SoundFiles.h"
 #include "tests/apps/server/database/MadeSession.h"
+#include "tests/apps/server/sound/FileRead.h"
 #include "tests/apps/server/sound/SoundMaker.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <limits>
 #include <set>
 
@@ -18,6 +18,7 @@ namespace Tarvane::Server
 namespace
 {
 
+using TarvaneTest::BytesRead;
 using TarvaneTest::CMadeSession;
 using TarvaneTest::MakeSound;
 using TarvaneTest::Noise;
@@ -98,17 +99,6 @@ TEST(AddedPositions, FarOutStaysWithinRange)
               Range(kLargestPosition + 1'000'000'000'000, kLargestPosition + 1'000'000'000'000));
     EXPECT_EQ(AddedPositions(-kLargestPosition, -1e12),
               Range(-kLargestPosition - 1'000'000'000'000, -kLargestPosition - 1'000'000'000'000));
-}
-
-// By this process so far, from files and all else.
-std::int64_t BytesRead()
-{
-    std::ifstream io("/proc/self/io");
-    std::string strName;
-    std::int64_t nBytes = 0;
-    io >> strName >> nBytes;
-    EXPECT_EQ(strName, "rchar:");
-    return nBytes;
 }
 
 class Duplicates : public testing::Test
