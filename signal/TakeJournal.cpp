@@ -133,6 +133,13 @@ void ReadPlace(const Json& place, CJournalTake& take)
     take.dRate = ValueOf<double>(place, "rate");
 }
 
+void ReadFrames(const Json& counts, CJournalTake& take)
+{
+    take.nFrames = ValueOf<std::uint64_t>(counts, "frames");
+    take.nLostFrames = ValueOf<std::uint64_t>(counts, "lost");
+    take.nFinishedTime = ValueOf<std::int64_t>(counts, "time");
+}
+
 void Read(const Json& line, CJournalTake& take)
 {
     if (const auto begun = line.find("begun"); begun != line.end() && begun->is_object())
@@ -149,9 +156,11 @@ void Read(const Json& line, CJournalTake& take)
     {
         take.fFinished = true;
         ReadPlace(*finished, take);
-        take.nFrames = ValueOf<std::uint64_t>(*finished, "frames");
-        take.nLostFrames = ValueOf<std::uint64_t>(*finished, "lost");
-        take.nFinishedTime = ValueOf<std::int64_t>(*finished, "time");
+        ReadFrames(*finished, take);
+    }
+    if (const auto cut = line.find("cut"); cut != line.end() && cut->is_object())
+    {
+        ReadFrames(*cut, take);
     }
     if (line.contains("outcome"))
     {
@@ -496,6 +505,15 @@ bool CTakeJournal::Finished(std::uint64_t nTake, const CTake& take)
                          {"lost", take.nLostFrames},
                          {"time", SecondsSince1970()}}}}
                       .dump());
+}
+
+bool CTakeJournal::Cut(std::uint64_t nTake, const CTake& take)
+{
+    return Append(
+        Json{{"take", nTake},
+             {"cut",
+              {{"frames", take.nFrames}, {"lost", take.nLostFrames}, {"time", SecondsSince1970()}}}}
+            .dump());
 }
 
 std::uint64_t CTakeJournal::Moved(const CTake& take)

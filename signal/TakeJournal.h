@@ -23,9 +23,11 @@ class CTakeFile;
 ///   {"take":N,"begun":{"file":...,"inode":...,"stem":...,"guide":...,"position":P,"rate":R}}
 ///   {"take":N,"finished":{"file":...,"guide":...,"position":P,"rate":R,"frames":F,"lost":L,
 ///                         "time":T}}
+///   {"take":N,"cut":{"frames":F,"lost":L,"time":T}}
 ///   {"take":N,"outcome":"delivered"|"duplicate"|...|"forgotten","words":...,"expected":X}
 ///
-/// "begun" comes again when another file is about to take the place of an unfinished one. A line
+/// "begun" comes again when another file is about to take the place of an unfinished one. "cut"
+/// tells of one that could not be finished and what was lost of it by then. A line
 /// that is cut off or flawed is passed over. Any two of the lines of a take are enough: the last
 /// outcome says whether it is settled; the last "finished", or else the last "begun" and what is in
 /// the folder, where it is. A second "finished" tells of frames that were lost behind the take
@@ -49,7 +51,7 @@ struct CJournalTake
     double dRate = 0;
     std::uint64_t nFrames = 0;
     std::uint64_t nLostFrames = 0;  ///< behind it, that could not be kept
-    std::int64_t nFinishedTime = 0; ///< seconds since 1970
+    std::int64_t nFinishedTime = 0; ///< or when it was cut, in seconds since 1970
     std::string strOutcome;         ///< the last; empty when there was none
     std::string strWords;
 };
@@ -97,6 +99,7 @@ public:
     /// The file of this take, which is not finished, is about to be the one of that inode.
     bool Replaced(CJournalTake take, ino_t nInode);
     bool Finished(std::uint64_t nTake, const CTake& take);
+    bool Cut(std::uint64_t nTake, const CTake& take);
     /// A finished take of another journal; its number in this one, or 0.
     std::uint64_t Moved(const CTake& take);
     bool Ended(std::uint64_t nTake, const std::string& strOutcome, const std::string& strWords,

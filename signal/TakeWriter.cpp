@@ -78,9 +78,26 @@ bool CTakeWriter::Write(const void* pInterleaved, std::uint64_t nFrames)
 void CTakeWriter::Lose(std::uint64_t nFrames)
 {
     m_take.nLostFrames += nFrames;
-    if (nFrames > 0 && !IsOpen() && m_nJournal != 0 && m_take.state == TakeState::Waiting)
+    if (nFrames > 0 && !IsOpen())
+    {
+        NoteEnd();
+    }
+}
+
+// A take that could not be finished is found again at the next start.
+void CTakeWriter::NoteEnd()
+{
+    if (m_nJournal == 0 || m_take.nFrames == 0)
+    {
+        return;
+    }
+    if (m_take.state == TakeState::Waiting)
     {
         Note(m_pJournal->Finished(m_nJournal, m_take));
+    }
+    else if (m_take.nLostFrames > 0)
+    {
+        Note(m_pJournal->Cut(m_nJournal, m_take));
     }
 }
 
@@ -97,12 +114,8 @@ CQueuedTake CTakeWriter::End()
     }
     m_take.strFailure = m_pFile->Failure();
     m_pFile.reset();
-    // One that could not be finished is found again at the next start.
-    if (m_nJournal != 0 && m_take.state == TakeState::Waiting)
-    {
-        Note(m_pJournal->Finished(m_nJournal, m_take));
-    }
-    else if (m_nJournal != 0 && m_take.nFrames == 0)
+    NoteEnd();
+    if (m_nJournal != 0 && m_take.nFrames == 0)
     {
         Note(m_pJournal->Ended(m_nJournal, CTakeJournal::kForgotten, m_take.strFailure, 0));
     }
@@ -166,6 +179,7 @@ std::vector<CQueuedTake> CTakeWriter::Recover()
             continue;
         }
         const bool fFinished = kept.fFinished;
+        const std::uint64_t nWritten = kept.nFrames;
         CTake take;
         take.fRecovered = true;
         try
@@ -190,6 +204,8 @@ std::vector<CQueuedTake> CTakeWriter::Recover()
         take.nLostFrames = kept.nLostFrames;
         if (!fFinished)
         {
+            // What the writer of the file had taken, and the disk had not.
+            take.nLostFrames += nWritten > kept.nFrames ? nWritten - kept.nFrames : 0;
             Note(m_pJournal->Finished(kept.nTake, take));
             m_log("found the take " + take.file.string() + ", which was not finished");
         }

@@ -59,6 +59,7 @@ public:
 private:
     void HoldJournal();
     void Note(bool fWritten);
+    void NoteEnd();
     void SetFolder(const std::filesystem::path& folder);
 
     std::filesystem::path m_folder;

@@ -2,15 +2,14 @@
 
 #include "tests/apps/support/FailingCalls.h"
 #include "tests/signal/CoreUnderTest.h"
+#include "tests/signal/FileSizeLimit.h"
 
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sndfile.h>
 #include <string>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -141,20 +140,16 @@ TEST_F(TakeBeyond4Gigabytes, IsMendedWhenItsHostWasKilled)
 
 TEST(TakeFile, BehindTheLastWholeFrameThatAFullDiskTakesNothingIsLeft)
 {
-    ::signal(SIGXFSZ, SIG_IGN);
     constexpr std::uint64_t kStereoFrame = 2 * 3;
     const CTemporaryFolder folder;
     CTakeFile file(folder.Path(), CTakeFormat(), 0);
     const std::vector<float> samples(2 * 100, 0.25F);
     EXPECT_EQ(file.Write(samples.data(), 100), 100U);
     const std::uint64_t nBefore = fs::file_size(file.Path());
-    rlimit old{};
-    ::getrlimit(RLIMIT_FSIZE, &old);
-    const rlimit small{nBefore + 10 * kStereoFrame + 4, old.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    const std::uint64_t nWritten = file.Write(samples.data(), 100);
-    ::setrlimit(RLIMIT_FSIZE, &old);
-    EXPECT_EQ(nWritten, 10U);
+    {
+        const CFileSizeLimit full(nBefore + 10 * kStereoFrame + 4);
+        EXPECT_EQ(file.Write(samples.data(), 100), 10U);
+    }
     EXPECT_EQ(fs::file_size(file.Path()), nBefore + 10 * kStereoFrame);
     EXPECT_EQ(ExamineTakeFile(file.Path()).nFrames, 110U);
     EXPECT_EQ(file.Write(samples.data(), 100), 0U) << "nothing goes behind the gap";

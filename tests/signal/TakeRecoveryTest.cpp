@@ -3,6 +3,7 @@
 
 #include "tests/apps/support/FailingCalls.h"
 #include "tests/signal/CoreUnderTest.h"
+#include "tests/signal/FileSizeLimit.h"
 
 #include <gmock/gmock.h>
 
@@ -13,7 +14,6 @@
 #include <functional>
 #include <iterator>
 #include <sys/ptrace.h>
-#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -211,14 +211,38 @@ TEST_P(TakeRecovery, ATakeThatAFullDiskCutsKilledAtAnyInstantOfItsEndIsOfferedOn
                      [](const fs::path& folder, const Begins& beginsLastPart)
                      {
                          auto pWriter = Capturing(folder);
-                         const rlimit full{SizeOfLargest(folder), RLIM_INFINITY};
-                         ::signal(SIGXFSZ, SIG_IGN);
-                         ::setrlimit(RLIMIT_FSIZE, &full);
+                         const CFileSizeLimit full(SizeOfLargest(folder));
                          beginsLastPart();
                          const CTake take = pWriter->End().take;
                          pWriter->Lose(1);
                          ::_exit((take.state == TakeState::Failed) == NeedsItsEnd() ? 0 : 1);
                      });
+}
+
+TEST_P(TakeRecovery, WhatAFullDiskHasTakenFromATakeIsToldUntilAndAfterItIsMended)
+{
+    constexpr std::uint64_t kBehind = 7;
+    const CTemporaryFolder folder;
+    const CTakeJournal journal(folder.Path(), kInstance);
+    const auto told = [&journal]
+    {
+        const auto losses = journal.Losses();
+        EXPECT_THAT(losses, SizeIs(1));
+        return losses.empty() ? CJournalTake() : losses.front();
+    };
+    {
+        const auto pWriter = Capturing(folder.Path());
+        const CFileSizeLimit full(SizeOfLargest(folder.Path()));
+        pWriter->End();
+        pWriter->Lose(kBehind);
+    }
+    EXPECT_EQ(told().fFinished, !NeedsItsEnd());
+    EXPECT_EQ(told().nLostFrames, kBehind);
+    EXPECT_EQ(told().nFrames, kLength);
+    Writer(folder.Path())->Recover();
+    EXPECT_TRUE(told().fFinished);
+    EXPECT_EQ(told().nFrames + told().nLostFrames, kLength + kBehind);
+    EXPECT_EQ(told().nFrames < kLength, NeedsItsEnd());
 }
 
 TEST_P(TakeRecovery, ALeftoverWhoseRecoveryIsKilledAtAnyInstantIsOfferedOnceAndWhole)

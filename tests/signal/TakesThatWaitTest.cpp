@@ -4,13 +4,14 @@
 
 #include "signal/TakeJournal.h"
 #include "tests/signal/CoreUnderTest.h"
+#include "tests/signal/FileSizeLimit.h"
 
 #include <gmock/gmock.h>
 
 #include <chrono>
 #include <csignal>
 #include <future>
-#include <sys/resource.h>
+#include <optional>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -392,17 +393,14 @@ TEST(TakesThatWait, ClosingFinishesTheTakeAndTellsNobody)
 
 TEST(TakesThatWait, AFullDiskEndsTheTakeAtItsLastWholeFrameAndCountsTheRest)
 {
-    ::signal(SIGXFSZ, SIG_IGN);
     CCoreUnderTest host;
-    rlimit old{};
-    ::getrlimit(RLIMIT_FSIZE, &old);
-    const rlimit small{50'003, old.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    host.core->SetArmed(true);
-    // In one block: the next one may find it disarmed.
-    host.Play(300, 20'000, 20'000);
-    host.core->WaitUntilWritten();
-    ::setrlimit(RLIMIT_FSIZE, &old);
+    {
+        const CFileSizeLimit full(50'003);
+        host.core->SetArmed(true);
+        // In one block: the next one may find it disarmed.
+        host.Play(300, 20'000, 20'000);
+        host.core->WaitUntilWritten();
+    }
     const CTake take = host.Published(1)[0];
     EXPECT_GT(take.nFrames, 7000U);
     EXPECT_LT(take.nFrames, 9000U);
@@ -419,15 +417,11 @@ TEST(TakesThatWait, AFullDiskEndsTheTakeAtItsLastWholeFrameAndCountsTheRest)
 // Else another start would send it again, to whatever session is open by then.
 TEST(TakesThatWait, AnOutcomeThatAFullDiskRefusesIsInTheJournalOnceThereIsRoom)
 {
-    ::signal(SIGXFSZ, SIG_IGN);
     CCoreUnderTest host(2, kUuid);
     Take(host, 700);
     Take(host, 90'000);
     host.Published(2);
-    rlimit old{};
-    ::getrlimit(RLIMIT_FSIZE, &old);
-    const rlimit small{100, old.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &small);
+    std::optional<CFileSizeLimit> full(100);
     host.Acknowledge(0);
     const auto fnComes = [](const auto& fnThere)
     {
@@ -440,7 +434,7 @@ TEST(TakesThatWait, AnOutcomeThatAFullDiskRefusesIsInTheJournalOnceThereIsRoom)
     const bool fRefused = fnComes([&] { return !host.LogLines().empty(); });
     const auto fnOpen = [&] { return CTakeJournal(host.captures.Path(), kUuid).Open().size(); };
     const std::size_t nOpen = fnOpen();
-    ::setrlimit(RLIMIT_FSIZE, &old);
+    full.reset();
     ASSERT_TRUE(fRefused);
     EXPECT_THAT(host.LogLines()[0], HasSubstr("cannot write the journal"));
     EXPECT_EQ(nOpen, 2U);
