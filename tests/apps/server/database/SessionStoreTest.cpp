@@ -60,6 +60,28 @@ TEST_F(SessionStore, WhatIsSavedIsLoaded)
     EXPECT_THAT(m_folder.Files(), ElementsAre("session"));
 }
 
+TEST_F(SessionStore, AnEarlierFormBeyondTheLimitIsNotReadIntoMemory)
+{
+    const std::string strBinary = EncodeSession(SessionAt(0));
+    std::ofstream(m_file, std::ios::binary | std::ios::trunc) << strBinary;
+    EXPECT_EQ(StoredUpdates(), 0);
+    std::filesystem::resize_file(m_file, kLargestSessionFile + 1);
+    try
+    {
+        CSessionStore(m_file).Load();
+        FAIL();
+    }
+    catch (const CSessionFlaw& flaw)
+    {
+        FAIL() << "a file too large is no flawed one: " << flaw.what();
+    }
+    catch (const std::runtime_error& error)
+    {
+        EXPECT_THAT(error.what(), HasSubstr("File too large"));
+        EXPECT_THAT(error.what(), HasSubstr(m_file.string()));
+    }
+}
+
 TEST_F(SessionStore, AFlawedFileIsNamedAndLeftAsItIs)
 {
     std::ofstream(m_file) << "not a session";
