@@ -12,8 +12,6 @@ namespace
 
 // A longer block is handed over in several pieces.
 constexpr std::uint32_t kPieceFrames = 4096;
-// How far the writer may lag behind before it is woken.
-constexpr std::uint32_t kWakeFrames = 1024;
 constexpr std::chrono::milliseconds kRoomPause{1};
 
 } // namespace
@@ -81,12 +79,6 @@ void CCaptureGate::Process(const CTransport& transport, const Sample* const* ppC
         }
         Put(transport, ppChannels, nOffset, nPiece);
     }
-    m_nFramesSinceWake += nFrames;
-    if (m_nFramesSinceWake >= kWakeFrames)
-    {
-        m_nFramesSinceWake = 0;
-        m_wake.Wake();
-    }
 }
 
 template void CCaptureGate::Process(const CTransport&, const float* const*, std::uint32_t) noexcept;
@@ -99,14 +91,14 @@ template <typename Sample>
 void CCaptureGate::Put(const CTransport& transport, const Sample* const* ppChannels,
                        std::uint32_t nOffset, std::uint32_t nFrames) noexcept
 {
-    if (!m_fTaking)
+    const bool fBegins = !m_fTaking;
+    if (fBegins)
     {
         EndTake();
         m_fTaking = true;
         m_dStart = transport.dPosition + nOffset;
         m_nFrames = 0;
         PutEvent({CRingEvent::Begin, 0, m_nTakeArm, m_dStart, 0});
-        m_wake.Wake();
     }
     for (std::uint32_t nChannel = 0; nChannel < m_nChannels; ++nChannel)
     {
@@ -114,6 +106,12 @@ void CCaptureGate::Put(const CTransport& transport, const Sample* const* ppChann
     }
     PutEvent({CRingEvent::Audio, nFrames, 0, 0, 0});
     m_nFrames += nFrames;
+    // While a take is open the writer looks by itself: waking it costs many times what a block
+    // does.
+    if (fBegins)
+    {
+        m_wake.Wake();
+    }
 }
 
 bool CCaptureGate::FindRoom(bool fFreewheeling, std::size_t nEvents, std::size_t nBytes) noexcept
@@ -165,7 +163,6 @@ void CCaptureGate::EndTake() noexcept
         m_fTaking = false;
         PutEvent({CRingEvent::End, 0, 0, 0, m_nLostBehindTake});
         m_nLostBehindTake = 0;
-        m_nFramesSinceWake = 0;
         m_wake.Wake();
     }
 }

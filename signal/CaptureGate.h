@@ -77,7 +77,6 @@ private:
     double m_dStart = 0;
     std::uint64_t m_nFrames = 0;
     std::uint64_t m_nLostBehindTake = 0; ///< and not told yet
-    std::uint32_t m_nFramesSinceWake = 0;
     std::uint64_t m_nEventsPut = 0;
 };
 
