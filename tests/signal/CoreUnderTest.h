@@ -7,6 +7,7 @@
 #include "tests/apps/support/TemporaryFolder.h"
 
 #include <array>
+#include <cmath>
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
@@ -106,12 +107,13 @@ public:
     {
         std::vector<std::vector<float>> samples(m_nChannels, std::vector<float>(nFrames));
         std::vector<const float*> channels;
+        const bool fPlace = std::abs(transport.dPosition) < 0x1p53; // not of what is no number
+        const auto nPlace = static_cast<std::int64_t>(fPlace ? transport.dPosition : 0.0);
         for (std::uint32_t nChannel = 0; nChannel < m_nChannels; ++nChannel)
         {
             for (std::uint32_t n = 0; n < nFrames; ++n)
             {
-                samples[nChannel][n] =
-                    SampleAt(static_cast<std::int64_t>(transport.dPosition) + n, nChannel);
+                samples[nChannel][n] = SampleAt(nPlace + n, nChannel);
             }
             channels.push_back(samples[nChannel].data());
         }
