@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace Tarvane::Server
 {
@@ -17,19 +18,20 @@ namespace Tarvane::Server
 class CSessionCheck
 {
 public:
-    /// On return nobody else can change the session. Done is called once, with the flaw that was
-    /// found, and may destroy the object. A check that could not be done finds none, and says why
-    /// on the standard error stream. No connection may be open in this process. Throws
-    /// std::system_error.
+    /// On return nobody else can change the session; a flawed one not before done is called. Done
+    /// is called once, with the flaw that was found, and may destroy the object. A check that could
+    /// not be done finds none, and says why on the standard error stream. No connection may be open
+    /// in this process. Throws std::system_error.
     CSessionCheck(const std::filesystem::path& file,
                   std::function<void(const std::optional<std::string>&)> done);
 
 private:
-    void Conclude();
+    void Told(std::string_view bytes);
+    void Conclude(const std::optional<std::string>& flaw);
 
     std::function<void(const std::optional<std::string>&)> m_done;
     std::string m_strFlaw;
-    CSideProcess m_process;
+    std::optional<CSideProcess> m_process;
 };
 
 } // namespace Tarvane::Server

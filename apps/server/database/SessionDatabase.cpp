@@ -19,6 +19,14 @@ bool IsOf(const SQLite::Exception& error, int nCode)
     return error.getErrorCode() == nCode;
 }
 
+// The flaw that the error tells of, if it does.
+std::string FlawOrThrow(const SQLite::Exception& error)
+{
+    if (IsOf(error, SQLITE_CORRUPT) || IsOf(error, SQLITE_NOTADB))
+        return error.what();
+    throw error;
+}
+
 // The name as a URI that says that nobody writes to the file.
 std::string UnchangingUri(const std::filesystem::path& file)
 {
@@ -131,11 +139,26 @@ catch (const SQLite::Exception& error)
     throw SQLite::Exception(Reason(error), error.getErrorCode());
 }
 
-std::optional<std::string> CSessionDatabase::Flaw(const std::function<void()>& locked)
+std::optional<std::string>
+CSessionDatabase::Flaw(const std::function<void()>& locked,
+                       const std::function<void(const std::string&)>& found)
 try
 {
     const SQLite::Transaction transaction(m_database, SQLite::TransactionBehavior::IMMEDIATE);
     locked();
+    const std::optional<std::string> flaw = FlawOfContent();
+    if (flaw)
+        found(*flaw);
+    return flaw;
+}
+catch (const SQLite::Exception& error)
+{
+    return FlawOrThrow(error);
+}
+
+std::optional<std::string> CSessionDatabase::FlawOfContent()
+try
+{
     SQLite::Statement pages(m_database, "PRAGMA quick_check(1)");
     if (pages.executeStep() && pages.getColumn(0).getString() != "ok")
         return pages.getColumn(0).getString();
@@ -147,9 +170,7 @@ try
 }
 catch (const SQLite::Exception& error)
 {
-    if (IsOf(error, SQLITE_CORRUPT) || IsOf(error, SQLITE_NOTADB))
-        return std::string(error.what());
-    throw;
+    return FlawOrThrow(error);
 }
 
 void CSessionDatabase::ReadCounts()

@@ -69,8 +69,11 @@ public:
     static CSession Load(const std::filesystem::path& file);
 
     /// What is wrong with the pages, rows and references of the file; takes time that grows with
-    /// it. While it looks nobody can change the session; locked is called when that is so.
-    std::optional<std::string> Flaw(const std::function<void()>& locked = [] {});
+    /// it. While it looks nobody can change the session; locked is called when that is so, and
+    /// found, with the flaw, while it still is.
+    std::optional<std::string> Flaw(
+        const std::function<void()>& locked = [] {},
+        const std::function<void(const std::string&)>& found = [](const std::string&) {});
 
     /// A command sees the session as it is at Begin. What it changes is there for others after
     /// Commit, or never. Reads outside of a command see the latest state.
@@ -195,6 +198,7 @@ private:
     void InsertRegion(const Region& region);
     void InsertProcess(DocumentKind kind, const Process& process);
     void RequireSession();
+    std::optional<std::string> FlawOfContent();
     void ReadCounts();
     /// The first step of every change.
     void TakeLock();

@@ -65,7 +65,10 @@ void CSideProcess::Take()
     std::array<char, 1024> bytes;
     const ssize_t nRead = read(m_nPipe, bytes.data(), bytes.size());
     if (nRead > 0)
-        m_calls.told({bytes.data(), static_cast<std::size_t>(nRead)});
+    {
+        const auto told = m_calls.told;
+        told({bytes.data(), static_cast<std::size_t>(nRead)});
+    }
     // The watch comes again.
     if (nRead != 0)
         return;

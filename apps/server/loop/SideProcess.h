@@ -21,7 +21,7 @@ public:
         /// In the child, which has the standard streams and what it may write to, and nothing else
         /// open.
         std::function<void(int nPipe)> work;
-        /// In here, of what the child writes, in pieces as they come.
+        /// In here, of what the child writes, in pieces as they come. May destroy the object.
         std::function<void(std::string_view bytes)> told;
         /// Once, when the child has ended; may destroy the object.
         std::function<void()> ended;

@@ -1,10 +1,12 @@
 #include "apps/server/database/SessionDatabase.h"
 
+#include "apps/server/database/SessionCheck.h"
 #include "apps/server/database/SessionStore.h"
 #include "tests/apps/server/database/FullSession.h"
 #include "tests/apps/server/session/SoundRegion.h"
 #include "tests/apps/support/TemporaryFolder.h"
 
+#include <CoreFoundation/CoreFoundation.h>
 #include <gmock/gmock.h>
 
 #include <fstream>
@@ -363,6 +365,25 @@ TEST_F(SessionDatabase, FlawsOfRowsAndReferencesAreFound)
         Tamper("PRAGMA ignore_check_constraints = ON; " + strStatement);
         EXPECT_THAT(CSessionDatabase(m_file).Flaw().value_or("sound"), HasSubstr(strFlaw));
     }
+}
+
+TEST_F(SessionDatabase, NobodyAddsToAFlawedSessionBeforeTheFlawIsTold)
+{
+    Make(TarvaneTest::FullSession());
+    Tamper("PRAGMA ignore_check_constraints = ON; UPDATE regions SET stop = 0");
+    std::optional<std::string> told;
+    const CSessionCheck check(m_file, [&told](const std::optional<std::string>& flaw)
+                              { told = flaw.value_or("none"); });
+    const auto add = [this]
+    {
+        SQLite::Database other(m_file.string(), SQLite::OPEN_READWRITE, 500);
+        SQLite::Transaction(other, SQLite::TransactionBehavior::IMMEDIATE);
+    };
+    EXPECT_THROW(add(), SQLite::Exception) << "the check is done by now";
+    while (!told)
+        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.01, false);
+    EXPECT_THAT(*told, testing::StartsWith("CHECK constraint failed"));
+    EXPECT_NO_THROW(add());
 }
 
 TEST_F(SessionDatabase, FlawedPagesAreFound)
