@@ -81,6 +81,8 @@ class CHost : private ILineListener
     std::function<void()> OnMain(std::function<void()> fnWork);
     void End(int nExitCode);
     int ExitCode() const;
+    /// What is under way gets its file, and nothing more is captured.
+    void KeepCapture();
 
     void Start();
     void CaptureNext();

@@ -89,10 +89,7 @@ CHost::~CHost()
     {
         [[NSNotificationCenter defaultCenter] removeObserver:m_windowClosed];
     }
-    m_serverWatch.reset();
-    m_plugIn->SetObserver([this](const CCaptureReport& report) { TellKept(report); });
-    m_plugIn->End();
-    m_plugIn->SetObserver(nullptr);
+    KeepCapture();
     // Calls that wait for the main thread still hold the view.
     RunWhatWaits();
     if (m_options.faults.count(SignalFault::DisposedWhileNotifying) != 0)
@@ -247,7 +244,16 @@ int CHost::Run()
     CallOnMainThread(OnMain([this] { Start(); }));
     [NSApp activateIgnoringOtherApps:YES];
     [NSApp run];
+    KeepCapture();
     return ExitCode();
+}
+
+void CHost::KeepCapture()
+{
+    m_serverWatch.reset();
+    m_plugIn->SetObserver([this](const CCaptureReport& report) { TellKept(report); });
+    m_plugIn->End();
+    m_plugIn->SetObserver(nullptr);
 }
 
 int CHost::ExitCode() const
@@ -439,6 +445,7 @@ void CHost::TellKept(const CCaptureReport& report)
 {
     if (report.state == CaptureState::Waiting)
     {
+        m_undelivered.insert(report.nNumber);
         std::fputs(TellLeftover("The capture under way is kept", report).c_str(), m_pStory);
         std::fflush(m_pStory);
     }

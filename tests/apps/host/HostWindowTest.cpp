@@ -28,6 +28,20 @@ std::pair<unsigned, unsigned> FunctionsAndButtons(const std::string& strHints)
 
 class HostWindow : public EndToEnd
 {
+protected:
+    // The window manager puts the window there some time after it is shown.
+    void WaitForItsPlace() const
+    {
+        std::string strPlace = OutputOf(strFind + "getwindowgeometry");
+        for (std::string strBefore; strBefore != strPlace;)
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(500));
+            strBefore = strPlace;
+            strPlace = OutputOf(strFind + "getwindowgeometry");
+        }
+    }
+
+    const std::string strFind = "xdotool search --sync --onlyvisible --name '^Tarvane Link$' ";
 };
 
 } // namespace
@@ -56,15 +70,7 @@ TEST_F(HostWindow, HasOneSizeAndOffersNoOther)
 TEST_F(HostWindow, FirstClickOfAFreshWindowPressesTheToggle)
 {
     CHostClient host(HostCommand({}));
-    const std::string strFind = "xdotool search --sync --onlyvisible --name '^Tarvane Link$' ";
-    // The window manager puts the window in its place some time after it is there.
-    std::string strPlace = OutputOf(strFind + "getwindowgeometry");
-    for (std::string strBefore; strBefore != strPlace;)
-    {
-        std::this_thread::sleep_for(std::chrono::milliseconds(500));
-        strBefore = strPlace;
-        strPlace = OutputOf(strFind + "getwindowgeometry");
-    }
+    WaitForItsPlace();
     ASSERT_EQ(host.Ask("state", kLong)["armed"], false);
     OutputOf(strFind + "mousemove --window %1 40 32 click 1");
     const auto limit = std::chrono::steady_clock::now() + kLong;
@@ -73,6 +79,30 @@ TEST_F(HostWindow, FirstClickOfAFreshWindowPressesTheToggle)
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
     EXPECT_EQ(host.Ask("state", kLong)["armed"], true);
+}
+
+TEST_F(HostWindow, ClosedByItsButtonItKeepsTheCaptureUnderWay)
+{
+    StartServer();
+    WriteSound(folder / "long.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000 * 600);
+    {
+        CHostClient host(HostCommand({folder / "long.wav"}));
+        WaitForItsPlace();
+        host.Ask("arm", kLong);
+        while (host.Ask("state", kLong)["message"] == "")
+        {
+        }
+        // The button stands at the right end of what the window manager draws above the window.
+        OutputOf(strFind + "mousemove --window %1 432 0 mousemove_relative -- 0 -10 click 1");
+        EXPECT_EQ(host.Process().WaitForEnd(kLong), 1);
+        EXPECT_THAT(host.Process().ErrorOutput(),
+                    HasSubstr("The capture under way is kept: " +
+                              (folder / "captures/long-001.wav").string()));
+    }
+    EXPECT_GE(ReadSound(folder / "captures/long-001.wav").samples.size(), 512U);
+    CHostClient next(HostCommand({"--speed", "max"}));
+    EXPECT_EQ(NextLate(next)["outcome"], "delivered");
+    EXPECT_EQ(Regions().size(), 1U);
 }
 
 TEST_F(HostWindow, TitleTellsTheTakeThatWasDeliveredLast)
