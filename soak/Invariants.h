@@ -1,13 +1,11 @@
 // What must hold however often server, host and bus have ended and the disk was full.
 //
-//   acknowledged-once     every finished element has one acknowledge, with the outcome that the
-//   host
-//                         was told; an element whose host was killed has one at most
+//   acknowledged-once     every finished element has one acknowledge, with the outcome that its
+//                         host was told; an element whose host was killed has one at most
 //   arrives-in-the-end    every capture is delivered or a duplicate in the end, by whichever host,
 //                         but for what the server refused, which is captured again
-//   in-session-once       what is acknowledged as delivered stands in the session once, and what
-//   the
-//                         server refused not at all; no region stands there twice
+//   in-session-once       what is acknowledged as delivered stands in the session once, and
+//                         what the server refused not at all; no region stands there twice
 //   on-its-track, at-its-sample, with-its-length
 //                         wherever a captured file stands in the session
 //   duplicate-is-there    what is called a duplicate stands at its place already, and is not added

@@ -408,10 +408,10 @@ void CSoak::Summarise() const
          << "captures attempted    " << m_totals.nAttempts << "\n"
          << "  delivered           " << m_totals.nDelivered << ", "
          << static_cast<double>(m_totals.nDelivered) / Seconds() << " a second\n"
-         << "    refused inside    " << m_totals.nRefused << " (the server's disk was full)\n"
          << "  duplicates          " << m_totals.nDuplicates << ", " << m_totals.nTakenAnew
          << " of them added by a view that was killed\n"
          << "  not delivered       " << m_totals.nUndelivered << "\n"
+         << "    refused           " << m_totals.nRefused << " (the server's disk was full)\n"
          << "  not captured        " << m_totals.nFailed << " (the host's disk was full)\n"
          << "  host killed         " << m_totals.nUnanswered << "\n"
          << "sent again by hosts   " << m_totals.nLate << "\n"

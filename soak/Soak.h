@@ -21,10 +21,10 @@ struct SoakTotals
 {
     long nAttempts = 0;
     long nDelivered = 0; ///< acknowledged as delivered
-    long nRefused = 0;   ///< of those, what the server refused for its full disk
     long nDuplicates = 0;
     long nTakenAnew = 0; ///< of those, what a view had added that was killed before it could tell
     long nUndelivered = 0;
+    long nRefused = 0;    ///< of those, what the server refused for its full disk
     long nFailed = 0;     ///< captures that the full disk took no more
     long nUnanswered = 0; ///< whose host was killed
     long nLate = 0;       ///< deliveries that a host tried by itself, later
