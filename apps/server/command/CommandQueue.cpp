@@ -133,7 +133,7 @@ void CCommandQueue::LookAtTimes()
 {
     for (Running& run : m_running)
     {
-        if (Ran(run) > m_limits.longest && !run.fBlocked && !run.pWorker->IsSaving())
+        if (Ran(run) > m_limits.longest && !run.pWorker->IsSaving())
         {
             const auto nSeconds =
                 std::chrono::duration_cast<std::chrono::seconds>(m_limits.longest).count();

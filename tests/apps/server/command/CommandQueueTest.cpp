@@ -5,6 +5,7 @@
 #include "tests/apps/support/FailingCalls.h"
 
 #include <CoreFoundation/CoreFoundation.h>
+#include <SQLiteCpp/SQLiteCpp.h>
 
 #include <algorithm>
 #include <chrono>
@@ -54,6 +55,13 @@ protected:
     void RunUntil(std::size_t nEnded) const
     {
         while (m_ended.size() < nEnded)
+            CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.01, false);
+    }
+
+    static void RunFor(std::chrono::milliseconds time)
+    {
+        const auto later = std::chrono::steady_clock::now() + time;
+        while (std::chrono::steady_clock::now() < later)
             CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.01, false);
     }
 
@@ -184,7 +192,7 @@ TEST_F(CommandQueue, WhatIsBeingSavedIsEndedNeitherForItsTimeNorForAnother)
 {
     QueueLimits limits;
     limits.turn = std::chrono::milliseconds(0);
-    limits.longest = std::chrono::milliseconds(3000);
+    limits.longest = std::chrono::milliseconds(2000);
     WorkerSettings settings = Made(Limits());
     settings.strEditor = "ardour:" + Path("edit");
     const std::string strGo = Path("go");
@@ -195,9 +203,7 @@ TEST_F(CommandQueue, WhatIsBeingSavedIsEndedNeitherForItsTimeNorForAnother)
         CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.01, false);
     Add(queue, 2, Adding(1000));
     // Time enough, too, for the other to find the session in the middle of a change.
-    const auto later = std::chrono::steady_clock::now() + limits.longest;
-    while (std::chrono::steady_clock::now() < later)
-        CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.01, false);
+    RunFor(2 * limits.longest);
     EXPECT_TRUE(m_ended.empty());
     std::ofstream{strGo};
     RunUntil(2);
@@ -223,6 +229,56 @@ TEST_F(CommandQueue, WhatWaitsInTheWorldIsEndedToo)
     EXPECT_EQ(m_replies[1].strResult, "1\n");
 }
 
+TEST_F(CommandQueue, TheTimesOfAllTurnsCount)
+{
+    QueueLimits limits;
+    limits.turn = std::chrono::milliseconds(0);
+    limits.longest = std::chrono::milliseconds(1000);
+    SandboxLimits patient = Limits();
+    patient.nMilliseconds = 1'000'000;
+    CCommandQueue queue(Made(patient), limits);
+    Add(queue, 1, kEndless);
+    Add(queue, 2, kEndless);
+    RunUntil(2);
+    for (const CommandReply& reply : m_replies)
+        EXPECT_EQ(reply.strError, "the script takes more than 1 seconds");
+}
+
+TEST_F(CommandQueue, TheTimeThatOthersHadDoesNotCount)
+{
+    SandboxLimits busy = Limits();
+    busy.nMilliseconds = 700;
+    QueueLimits limits;
+    limits.turn = std::chrono::milliseconds(0);
+    limits.longest = std::chrono::milliseconds(3000);
+    CCommandQueue queue(Made(busy), limits);
+    constexpr std::size_t kClients = 6; // together longer than any one may take
+    for (std::size_t nClient = 1; nClient <= kClients; nClient++)
+        Add(queue, std::int64_t(nClient), kEndless);
+    RunUntil(kClients);
+    for (const CommandReply& reply : m_replies)
+        EXPECT_EQ(reply.strError, ProcessorTimeText(busy.nMilliseconds));
+}
+
+TEST_F(CommandQueue, TheTimeOfWaitingForAChangeDoesNotCount)
+{
+    QueueLimits limits;
+    limits.longest = std::chrono::milliseconds(1000);
+    CCommandQueue queue(m_patient, limits);
+    {
+        SQLite::Database other(m_file.string(), SQLite::OPEN_READWRITE);
+        other.exec("BEGIN IMMEDIATE");
+        queue.HoldChanges();
+        Add(queue, 1, Adding(0));
+        RunFor(2 * limits.longest);
+        EXPECT_TRUE(m_ended.empty());
+    }
+    queue.LetChanges();
+    RunUntil(1);
+    EXPECT_EQ(m_replies[0].strError, "");
+    EXPECT_EQ(Stored().regions.size(), 1u);
+}
+
 TEST_F(CommandQueue, WhatIsTooMuchToWaitIsRefusedAtOnce)
 {
     QueueLimits limits;
@@ -234,6 +290,12 @@ TEST_F(CommandQueue, WhatIsTooMuchToWaitIsRefusedAtOnce)
     ASSERT_EQ(m_replies.size(), 1u);
     EXPECT_EQ(m_replies[0].strError, "too many commands are waiting");
     RunUntil(3);
+    for (std::size_t nEnded = 4; nEnded <= 8; nEnded++)
+    {
+        Add(queue, 1, std::string(60, ' '));
+        RunUntil(nEnded);
+        EXPECT_EQ(m_replies.back().strError, "") << "what has been run counts no more";
+    }
 }
 
 } // namespace
