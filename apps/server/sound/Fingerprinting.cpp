@@ -19,8 +19,9 @@ namespace
 {
 
 constexpr std::int64_t kBytesAtOnce = 1 << 20;
-// The form of samples that are no longer in the form of their file.
-constexpr std::int32_t kDecoded = 0;
+// The forms of samples that are no longer in the form of their file, which is never one of these.
+constexpr std::int32_t kDoubles = 0;
+constexpr std::int32_t kFloats = -1;
 
 // XXH3, 128 bits.
 class CHash
@@ -55,31 +56,68 @@ private:
 };
 
 // Equal bytes for what counts as equal: zero has two forms, and what is no number many.
-double Canonical(double dSample)
+template <typename SAMPLE> SAMPLE Canonical(SAMPLE sample)
 {
-    return std::isnan(dSample) ? std::numeric_limits<double>::quiet_NaN() : dSample + 0.0;
+    return std::isnan(sample) ? std::numeric_limits<SAMPLE>::quiet_NaN() : sample + SAMPLE(0);
 }
 
-// Of the bytes as they lie in the file, which is sooner done. Empty for a form in which equal
-// samples may have unequal bytes, and for audio of which not all is there.
-std::optional<Fingerprint> OfBytes(const Region& region)
+template <typename SAMPLE> void MakeCanonical(std::vector<SAMPLE>& samples)
 {
-    CSoundFile file(region.strPath);
-    const std::int64_t nFrameBytes = file.FrameBytes();
-    if (!region.channels.empty() || nFrameBytes == 0 || !file.IsWholeNumbers())
-        return std::nullopt;
+    std::transform(samples.begin(), samples.end(), samples.begin(), Canonical<SAMPLE>);
+}
+
+// Of what read, called for one piece after the other, puts into the numbers that it is given:
+// nNumbers for each frame. Empty for audio of which not all is there.
+template <typename NUMBER, typename READ>
+std::optional<std::string> HashOf(CSoundFile& file, const Region& region, std::int64_t nNumbers,
+                                  READ read)
+{
     file.Seek(region.nStart);
     CHash hash;
-    std::vector<char> bytes;
+    std::vector<NUMBER> numbers;
+    const std::int64_t nAtOnce =
+        std::max<std::int64_t>(1, kBytesAtOnce / (nNumbers * std::int64_t(sizeof(NUMBER))));
     std::int64_t nPiece = 0;
     for (std::int64_t nLeft = region.Length(); nLeft > 0; nLeft -= nPiece)
     {
-        nPiece = std::min(nLeft, std::max<std::int64_t>(1, kBytesAtOnce / nFrameBytes));
-        if (file.ReadBytes(bytes, nPiece) != nPiece)
+        nPiece = std::min(nLeft, nAtOnce);
+        if (read(numbers, nPiece) != nPiece)
             return std::nullopt;
-        hash.Add(bytes.data(), bytes.size());
+        hash.Add(numbers.data(), numbers.size() * sizeof(NUMBER));
     }
-    return Fingerprint{file.Form(), hash.Text()};
+    return hash.Text();
+}
+
+std::optional<Fingerprint> Made(std::int32_t nForm, std::optional<std::string> content)
+{
+    return content ? std::optional(Fingerprint{nForm, *std::move(content)}) : std::nullopt;
+}
+
+// As the numbers lie in the file, which is sooner done. Empty for a form in which equal samples may
+// have unequal bytes.
+std::optional<Fingerprint> OfBytes(const Region& region)
+{
+    CSoundFile file(region.strPath);
+    if (!region.channels.empty() || file.FrameBytes() == 0 || !file.IsWholeNumbers())
+        return std::nullopt;
+    return Made(file.Form(), HashOf<char>(file, region, file.FrameBytes(),
+                                          [&](std::vector<char>& bytes, std::int64_t nFrames)
+                                          { return file.ReadBytes(bytes, nFrames); }));
+}
+
+// Empty for what is not floats in the file.
+std::optional<Fingerprint> OfFloats(const Region& region)
+{
+    CSoundFile file(region.strPath);
+    if (!region.channels.empty() || file.SampleForm() != SF_FORMAT_FLOAT)
+        return std::nullopt;
+    return Made(kFloats, HashOf<float>(file, region, file.Channels(),
+                                       [&](std::vector<float>& samples, std::int64_t nFrames)
+                                       {
+                                           const std::int64_t nRead = file.Read(samples, nFrames);
+                                           MakeCanonical(samples);
+                                           return nRead;
+                                       }));
 }
 
 std::optional<Fingerprint> OfSamples(const Region& region)
@@ -92,11 +130,11 @@ std::optional<Fingerprint> OfSamples(const Region& region)
         const std::vector<double>& piece = reader.Next(reader.PieceFrames());
         if (piece.empty())
             return std::nullopt;
-        canonical.resize(piece.size());
-        std::transform(piece.begin(), piece.end(), canonical.begin(), Canonical);
+        canonical = piece;
+        MakeCanonical(canonical);
         hash.Add(canonical.data(), canonical.size() * sizeof(double));
     }
-    return Fingerprint{kDecoded, hash.Text()};
+    return Fingerprint{kDoubles, hash.Text()};
 }
 
 // A file changed in this second may change once more in it, which its state would not tell.
@@ -118,6 +156,8 @@ try
         return kept;
     const bool fSettled = IsSettled(*before);
     std::optional<Fingerprint> made = OfBytes(region);
+    if (!made)
+        made = OfFloats(region);
     if (!made)
         made = OfSamples(region);
     if (made && fSettled && StateOf(region.strPath) == before)

@@ -72,6 +72,12 @@ std::int64_t CSoundFile::Read(std::vector<double>& samples, std::int64_t nFrames
     return sf_readf_double(m_pFile.get(), samples.data(), nFrames);
 }
 
+std::int64_t CSoundFile::Read(std::vector<float>& samples, std::int64_t nFrames)
+{
+    samples.resize(static_cast<std::size_t>(nFrames) * static_cast<std::size_t>(Channels()));
+    return sf_readf_float(m_pFile.get(), samples.data(), nFrames);
+}
+
 bool CSoundFile::IsWholeNumbers() const
 {
     return SampleForm() != SF_FORMAT_FLOAT && SampleForm() != SF_FORMAT_DOUBLE;

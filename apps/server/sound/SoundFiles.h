@@ -42,6 +42,8 @@ public:
     /// format is exact (whole-number formats are scaled to -1..1). Returns the frames read: fewer
     /// at the end of the file only.
     std::int64_t Read(std::vector<double>& samples, std::int64_t nFrames);
+    /// The same, exact for SF_FORMAT_FLOAT and sooner done.
+    std::int64_t Read(std::vector<float>& samples, std::int64_t nFrames);
 
     /// The library's number of the format. Between files with one form and as many channels equal
     /// bytes are equal samples. Unequal bytes are unequal samples if these are whole numbers; zero,
