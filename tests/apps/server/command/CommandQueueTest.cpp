@@ -157,6 +157,18 @@ TEST_F(CommandQueue, ClientsTakeTurnsAndEachIsServedInOrder)
     EXPECT_EQ(m_replies[3].strResult, "3\n");
 }
 
+TEST_F(CommandQueue, ALongScriptIsAnsweredBeforeTheNextOfItsClientBegins)
+{
+    QueueLimits limits;
+    limits.turn = std::chrono::milliseconds(0);
+    CCommandQueue queue(m_patient, limits);
+    Add(queue, 1, "for n = 1, 20000000 do end print('first')");
+    Add(queue, 1, "print('second')");
+    RunUntil(2);
+    EXPECT_EQ(m_replies[0].strResult, "first\n");
+    EXPECT_EQ(m_replies[1].strResult, "second\n");
+}
+
 TEST_F(CommandQueue, AChangeOfASessionThatHasChangedMeanwhileIsMadeAnew)
 {
     QueueLimits limits;
@@ -172,6 +184,24 @@ TEST_F(CommandQueue, AChangeOfASessionThatHasChangedMeanwhileIsMadeAnew)
     EXPECT_LE(m_begun.size(), 4u);
     EXPECT_NE(m_ended[0], m_ended[1]);
     EXPECT_EQ(Stored().regions.size(), 2u);
+}
+
+TEST_F(CommandQueue, AShortChangeIsBehindNoLongOneThatHasBegun)
+{
+    SandboxLimits patient = Limits();
+    patient.nMilliseconds = 60'000;
+    QueueLimits limits;
+    limits.turn = std::chrono::milliseconds(10);
+    limits.longest = std::chrono::minutes(10);
+    CCommandQueue queue(Made(patient), limits);
+    Add(queue, 1, Adding(0) + ' ' + kEndless);
+    RunFor(std::chrono::milliseconds(500));
+    Add(queue, 2, Adding(1000));
+    RunUntil(1);
+    EXPECT_EQ(m_ended[0], 2);
+    EXPECT_EQ(m_replies[0].strError, "");
+    ASSERT_EQ(Stored().regions.size(), 1u);
+    EXPECT_EQ(Stored().regions[0].nPosition, 1000);
 }
 
 TEST_F(CommandQueue, AQuestionHasNotChangedWhatAnotherClientChangesMeanwhile)
