@@ -83,7 +83,8 @@ TEST(SoakProgram, ATakeThatGoesIsFoundAndTheEvidenceKept)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     const auto nCode = soak.WaitForEnd(kLong);
     EXPECT_EQ(nCode, 1) << soak.ErrorOutput();
-    EXPECT_THAT(soak.Output(), HasSubstr("\nBROKEN file-kept: "));
+    EXPECT_THAT(soak.Output(), HasSubstr("\nBROKEN file-kept: host 0, element 0, "));
+    EXPECT_THAT(soak.Output(), HasSubstr("\nBROKEN file-kept: region on track "));
     EXPECT_THAT(soak.Output(), HasSubstr("\nthe evidence is in " + work.string() + "\n"));
     EXPECT_THAT(soak.Output(), testing::Not(HasSubstr("every invariant holds")));
     for (const char* szFile : {"plan.txt", "round-0/session.tarvane", "round-0/server.log",

@@ -132,5 +132,16 @@ TEST(LuaLibraryGuards, ManyLongCallsEndWithTheTime)
         "the script takes more than 50 milliseconds of processor time");
 }
 
+TEST(LuaLibraryGuards, ALongCallWithFewInstructionsAroundItIsTheLast)
+{
+    SandboxLimits limits;
+    limits.nMilliseconds = 5;
+    const ScriptResult result =
+        RunScript("local s = ('a'):rep(9000) s:find('a*b') print('one') s:find('a*b') print('two')",
+                  {}, limits);
+    EXPECT_EQ(result.strOutput, "one\n");
+    EXPECT_EQ(result.strError, ProcessorTimeText(limits.nMilliseconds));
+}
+
 } // namespace
 } // namespace Tarvane::Server

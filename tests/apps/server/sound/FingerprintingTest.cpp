@@ -22,6 +22,9 @@ using TarvaneTest::Settle;
 
 constexpr std::int64_t kFrames = 200'000;
 constexpr std::int64_t kBytes = kFrames * 3; // of 24 bits
+// One for each way of taking the samples.
+constexpr int kFormats[] = {SF_FORMAT_WAV | SF_FORMAT_PCM_24, SF_FORMAT_WAV | SF_FORMAT_FLOAT,
+                            SF_FORMAT_WAV | SF_FORMAT_DOUBLE};
 
 class Fingerprinting : public testing::Test
 {
@@ -96,16 +99,27 @@ protected:
 
 TEST_F(Fingerprinting, IsOfTheSamplesAndNotOfTheName)
 {
-    const Fingerprint one = Of(Take("one.wav", m_samples));
-    EXPECT_EQ(Of(Take("other.wav", m_samples)), one);
-    for (const std::size_t nFrame : {std::size_t(0), std::size_t(kFrames - 1)})
+    for (const int nFormat : kFormats)
     {
-        std::vector<double> samples = m_samples;
-        samples[nFrame] = samples[nFrame] == 0.5 ? 0.25 : 0.5;
-        const Fingerprint changed = Of(Take("other.wav", samples));
-        EXPECT_EQ(changed.nForm, one.nForm);
-        EXPECT_NE(changed.strContent, one.strContent) << nFrame;
+        SCOPED_TRACE(nFormat);
+        const Fingerprint one = Of(Take("one.wav", m_samples, nFormat));
+        EXPECT_EQ(Of(Take("other.wav", m_samples, nFormat)), one);
+        for (const std::size_t nFrame : {std::size_t(0), std::size_t(kFrames - 1)})
+        {
+            std::vector<double> samples = m_samples;
+            samples[nFrame] = samples[nFrame] == 0.5 ? 0.25 : 0.5;
+            const Fingerprint changed = Of(Take("other.wav", samples, nFormat));
+            EXPECT_EQ(changed.nForm, one.nForm);
+            EXPECT_NE(changed.strContent, one.strContent) << nFrame;
+        }
     }
+}
+
+TEST_F(Fingerprinting, FloatsAreComparedWhateverFileTheyAreIn)
+{
+    const Fingerprint one = Of(Take("one.wav", m_samples, SF_FORMAT_WAV | SF_FORMAT_FLOAT));
+    EXPECT_EQ(Of(Take("one.aiff", m_samples, SF_FORMAT_AIFF | SF_FORMAT_FLOAT)), one);
+    EXPECT_NE(Of(Take("two.wav", m_samples, SF_FORMAT_WAV | SF_FORMAT_DOUBLE)).nForm, one.nForm);
 }
 
 TEST_F(Fingerprinting, FormsThatCannotBeComparedAreToldApart)
@@ -118,33 +132,41 @@ TEST_F(Fingerprinting, FormsThatCannotBeComparedAreToldApart)
 
 TEST_F(Fingerprinting, WhatCountsAsEqualIsEqual)
 {
-    constexpr int kFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
-    m_samples[7] = 0.0;
-    m_samples[8] = std::numeric_limits<double>::quiet_NaN();
-    const Fingerprint one = Of(Take("one.wav", m_samples, kFloat));
-    m_samples[7] = -0.0;
-    m_samples[8] = -std::numeric_limits<double>::quiet_NaN();
-    EXPECT_EQ(Of(Take("other.wav", m_samples, kFloat)), one);
-    m_samples[8] = 0.25;
-    EXPECT_NE(Of(Take("other.wav", m_samples, kFloat)), one);
+    for (const int nFormat : {SF_FORMAT_WAV | SF_FORMAT_FLOAT, SF_FORMAT_WAV | SF_FORMAT_DOUBLE})
+    {
+        SCOPED_TRACE(nFormat);
+        m_samples[7] = 0.0;
+        m_samples[8] = std::numeric_limits<double>::quiet_NaN();
+        const Fingerprint one = Of(Take("one.wav", m_samples, nFormat));
+        m_samples[7] = -0.0;
+        m_samples[8] = -std::numeric_limits<double>::quiet_NaN();
+        EXPECT_EQ(Of(Take("other.wav", m_samples, nFormat)), one);
+        m_samples[8] = 0.25;
+        EXPECT_NE(Of(Take("other.wav", m_samples, nFormat)), one);
+    }
 }
 
 TEST_F(Fingerprinting, EachStretchAndEachChannelHasItsOwn)
 {
-    Region region = RegionOf(MakeSound(m_folder / "stereo.wav", Noise(2 * kFrames), 2));
-    Keep(region);
-    const Fingerprint whole = Of(region);
-    region.channels = {1};
-    const Fingerprint right = Of(region);
-    EXPECT_NE(right, whole);
-    region.channels = {0};
-    EXPECT_NE(Of(region), right);
-    region.channels = {};
-    region.nStart = 1;
-    EXPECT_NE(Of(region), whole);
-    region.nStart = 0;
-    region.nEnd = kFrames - 1;
-    EXPECT_NE(Of(region), whole);
+    for (const int nFormat : kFormats)
+    {
+        SCOPED_TRACE(nFormat);
+        Region region =
+            RegionOf(MakeSound(m_folder / "stereo.wav", Noise(2 * kFrames), 2, 48000, nFormat));
+        Keep(region);
+        const Fingerprint whole = Of(region);
+        region.channels = {1};
+        const Fingerprint right = Of(region);
+        EXPECT_NE(right, whole);
+        region.channels = {0};
+        EXPECT_NE(Of(region), right);
+        region.channels = {};
+        region.nStart = 1;
+        EXPECT_NE(Of(region), whole);
+        region.nStart = 0;
+        region.nEnd = kFrames - 1;
+        EXPECT_NE(Of(region), whole);
+    }
 }
 
 TEST_F(Fingerprinting, WhatIsKeptIsNotReadAgain)
