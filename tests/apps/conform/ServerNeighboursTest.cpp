@@ -18,7 +18,7 @@ using namespace TarvaneTest;
 namespace
 {
 
-using Ids = std::vector<std::string>;
+using IdList = std::vector<std::string>;
 
 constexpr std::size_t kAtOnce = 4;
 
@@ -26,7 +26,7 @@ struct Neighbour
 {
     const char* szSentence; // of the page for makers, which it breaks
     std::string strName;
-    Ids broken;
+    IdList broken;
     bool fAlone = true;           // no other rules; else the first of them is meant
     const char* szFrom = "";      // the event from which on it misbehaves
     const char* szSeconds = "60"; // that a command may take; a server that never answers costs them
@@ -171,7 +171,7 @@ void ExpectEachToBreakItsRules(const std::vector<Neighbour>& neighbours, Command
     {
         SCOPED_TRACE(neighbours[n].strName);
         ASSERT_FALSE(all[n].strOutput.empty()) << all[n].strError;
-        Ids seen = all[n].Rules("broken");
+        IdList seen = all[n].Rules("broken");
         std::erase_if(seen, [&](const std::string& strId) { return broken.count(strId) != 0; });
         if (!neighbours[n].fAlone && !seen.empty())
             seen.resize(1);
@@ -224,19 +224,19 @@ TEST(ServerNeighbours, NoFaultAndNoChangeIsForgotten)
 {
     const auto names = [](const std::vector<Neighbour>& neighbours)
     {
-        Ids ids;
+        IdList ids;
         for (const Neighbour& neighbour : neighbours)
             ids.push_back(neighbour.strName);
         return ids;
     };
-    Ids known;
+    IdList known;
     for (const Tarvane::Server::FaultKind& kind : Tarvane::Server::FaultKinds())
         known.push_back(kind.szName);
     EXPECT_THAT(names(kFaulty), testing::UnorderedElementsAreArray(known));
     Tarvane::CChildProcess list({PYTHON, NEIGHBOUR_SERVERS, SMALLEST_PYTHON_SERVER});
     list.WaitForEnd(kAnyTime);
     std::istringstream lines(list.Output());
-    Ids changes;
+    IdList changes;
     for (std::string strLine; std::getline(lines, strLine);)
         changes.push_back(strLine);
     EXPECT_THAT(names(kChanged), testing::UnorderedElementsAreArray(changes));
