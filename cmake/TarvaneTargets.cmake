@@ -20,6 +20,13 @@ function(tarvane_target_defaults target)
   endif()
 endfunction()
 
+if(TARVANE_SANITIZE MATCHES "address" AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+  add_library(tarvane_leaks_from_main OBJECT
+    "${PROJECT_SOURCE_DIR}/tests/support/LeaksFromMain.cpp")
+  target_compile_options(tarvane_leaks_from_main PRIVATE -Wall -Wextra)
+  target_link_options(tarvane_leaks_from_main INTERFACE -Wl,--wrap=main)
+endif()
+
 # tarvane_add_library(<target> <Alias> SOURCES ... [LINK ...])
 # A static library, known to others as TarvaneLink::<Alias>. A product library links the
 # platform's headers only: each program and test chooses the platform that stands behind them.
@@ -39,6 +46,9 @@ function(tarvane_add_program target)
   add_executable(${target} ${arg_SOURCES})
   tarvane_target_defaults(${target})
   target_link_libraries(${target} PRIVATE ${arg_LINK})
+  if(TARGET tarvane_leaks_from_main)
+    target_link_libraries(${target} PRIVATE tarvane_leaks_from_main)
+  endif()
 endfunction()
 
 # tarvane_add_plugin(<target> SOURCES ... [LINK ...])
