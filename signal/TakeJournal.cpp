@@ -386,6 +386,12 @@ bool CTakeJournal::Hold()
     return true;
 }
 
+bool CTakeJournal::Claim()
+{
+    // Another instance may have taken it just when it was made.
+    return Make() || Hold();
+}
+
 bool CTakeJournal::IsHeld(const fs::path& journal)
 {
     const int nFile = OpenToRead(journal);

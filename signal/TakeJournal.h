@@ -82,6 +82,9 @@ public:
     /// none yet; false when somebody else holds it for more than a moment, or it cannot be opened
     /// and read.
     bool Hold();
+    /// The same, but makes it where there is none, so that nobody else can take it from now on.
+    /// True as well when it cannot be made, for which Failure() has the reason.
+    bool Claim();
     /// Whether somebody holds this journal now.
     static bool IsHeld(const std::filesystem::path& journal);
     /// What is in it and neither settled nor forgotten, in the order of the takes. Refused ones are

@@ -32,7 +32,7 @@ void CTakeWriter::Note(bool fWritten)
 // An instance that is a copy of another finds its journal held: it goes on under a UUID of its own.
 void CTakeWriter::HoldJournal()
 {
-    if (!m_pJournal->Hold())
+    if (!m_pJournal->Claim())
     {
         m_pJournal = std::make_unique<CTakeJournal>(m_folder, CTakeJournal::NewUuid());
     }

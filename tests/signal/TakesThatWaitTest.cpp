@@ -291,27 +291,73 @@ TEST(TakesThatWait, ACopyOfAnInstanceGetsAUuidOfItsOwn)
     EXPECT_THAT(PositionsOf(copy.Published(1)), ElementsAre(5000));
 }
 
-TEST(TakesThatWait, CopiesThatHadNoTakesYetHaveAJournalEach)
+namespace
 {
-    CTemporaryFolder folder;
-    CCaptureSettings settings;
-    settings.captureFolder = folder.Path();
-    settings.strUuid = kUuid;
-    CCaptureCore host(settings), copy(settings);
-    for (CCaptureCore* pCore : {&host, &copy})
+
+// Two that were given one state before there was a take.
+class Copies
+{
+public:
+    Copies() : host(SettingsIn(m_folder)), copy(SettingsIn(m_folder)) {}
+
+    static void Begin(CCaptureCore& core)
     {
         const std::vector<float> samples(512, 0.25F);
         const float* const channels[] = {samples.data(), samples.data()};
-        pCore->SetArmed(true);
-        pCore->Process({true, false, 1, 100}, channels, 512);
-        pCore->EndTake();
+        core.SetArmed(true);
+        core.Process({true, false, 1, 100}, channels, 512);
+        core.EndTake();
+    }
+
+    void ExpectAJournalEach()
+    {
+        EXPECT_NE(copy.Uuid(), host.Uuid());
+        EXPECT_TRUE(host.Uuid() == kUuid || copy.Uuid() == kUuid);
+        for (const CCaptureCore* pCore : {&host, &copy})
+        {
+            EXPECT_EQ(CTakeJournal(m_folder.Path(), pCore->Uuid()).Open().size(), 1U);
+        }
+    }
+
+private:
+    static CCaptureSettings SettingsIn(const CTemporaryFolder& folder)
+    {
+        CCaptureSettings settings;
+        settings.captureFolder = folder.Path();
+        settings.strUuid = kUuid;
+        return settings;
+    }
+
+    CTemporaryFolder m_folder;
+
+public:
+    CCaptureCore host, copy;
+};
+
+} // namespace
+
+TEST(TakesThatWait, CopiesThatBeginOneAfterTheOtherHaveAJournalEach)
+{
+    Copies copies;
+    for (CCaptureCore* pCore : {&copies.host, &copies.copy})
+    {
+        Copies::Begin(*pCore);
         pCore->WaitUntilWritten();
     }
-    EXPECT_EQ(host.Uuid(), kUuid);
-    EXPECT_NE(copy.Uuid(), kUuid);
-    for (const CCaptureCore* pCore : {&host, &copy})
+    copies.ExpectAJournalEach();
+}
+
+// The writer of each looks for the journal in a thread of its own.
+TEST(TakesThatWait, CopiesThatBeginTogetherHaveAJournalEach)
+{
+    for (int nTry = 0; nTry < 30; ++nTry)
     {
-        EXPECT_EQ(CTakeJournal(folder.Path(), pCore->Uuid()).Open().size(), 1U);
+        Copies copies;
+        Copies::Begin(copies.host);
+        Copies::Begin(copies.copy);
+        copies.host.WaitUntilWritten();
+        copies.copy.WaitUntilWritten();
+        copies.ExpectAJournalEach();
     }
 }
 
