@@ -26,11 +26,11 @@ constexpr const char* kEndless = "while true do end";
 class CommandQueue : public TarvaneTest::CommandFixture
 {
 protected:
-    static SandboxLimits Limits()
+    static SandboxLimits Limits(std::int64_t nMilliseconds = 1000)
     {
         SandboxLimits limits;
         limits.nInstructions = std::numeric_limits<std::int64_t>::max();
-        limits.nMilliseconds = 1000;
+        limits.nMilliseconds = nMilliseconds;
         return limits;
     }
 
@@ -103,12 +103,10 @@ TEST_F(CommandQueue, AnswersWhatWasPrintedAndKeepsWhatChanged)
 
 TEST_F(CommandQueue, AShortQuestionIsBehindNoLongScript)
 {
-    SandboxLimits patient = Limits();
-    patient.nMilliseconds = 60'000;
     QueueLimits limits;
     limits.turn = std::chrono::milliseconds(10);
     limits.longest = std::chrono::minutes(10);
-    CCommandQueue queue(Made(patient), limits);
+    CCommandQueue queue(Made(Limits(60'000)), limits);
     for (std::int64_t nClient = 1; nClient <= 7; nClient++)
         Add(queue, nClient, kEndless);
     Add(queue, 8, "print('short')");
@@ -119,12 +117,10 @@ TEST_F(CommandQueue, AShortQuestionIsBehindNoLongScript)
 
 TEST_F(CommandQueue, OfLongScriptsTheOneGoesOnThatHasRunLeast)
 {
-    SandboxLimits patient = Limits();
-    patient.nMilliseconds = 20'000;
     QueueLimits limits;
     limits.turn = std::chrono::milliseconds(0);
     limits.longest = std::chrono::minutes(10);
-    CCommandQueue queue(Made(patient), limits);
+    CCommandQueue queue(Made(Limits(20'000)), limits);
     Add(queue, 1, kEndless);
     Add(queue, 2, "for n = 1, 20000000 do end");
     RunUntil(1);
@@ -188,12 +184,10 @@ TEST_F(CommandQueue, AChangeOfASessionThatHasChangedMeanwhileIsMadeAnew)
 
 TEST_F(CommandQueue, AShortChangeIsBehindNoLongOneThatHasBegun)
 {
-    SandboxLimits patient = Limits();
-    patient.nMilliseconds = 60'000;
     QueueLimits limits;
     limits.turn = std::chrono::milliseconds(10);
     limits.longest = std::chrono::minutes(10);
-    CCommandQueue queue(Made(patient), limits);
+    CCommandQueue queue(Made(Limits(60'000)), limits);
     Add(queue, 1, Adding(0) + ' ' + kEndless);
     RunFor(std::chrono::milliseconds(500));
     Add(queue, 2, Adding(1000));
@@ -247,9 +241,7 @@ TEST_F(CommandQueue, WhatWaitsInTheWorldIsEndedToo)
 {
     QueueLimits limits;
     limits.longest = std::chrono::milliseconds(1000);
-    SandboxLimits patient = Limits();
-    patient.nMilliseconds = 1'000'000;
-    CCommandQueue queue(Made(patient), limits);
+    CCommandQueue queue(Made(Limits(1'000'000)), limits);
     Add(queue, 1, std::string(kEndless) + " DeleteRegion()");
     RunUntil(1);
     EXPECT_EQ(m_replies[0].strError, "the script takes more than 1 seconds");
@@ -264,9 +256,7 @@ TEST_F(CommandQueue, TheTimesOfAllTurnsCount)
     QueueLimits limits;
     limits.turn = std::chrono::milliseconds(0);
     limits.longest = std::chrono::milliseconds(1000);
-    SandboxLimits patient = Limits();
-    patient.nMilliseconds = 1'000'000;
-    CCommandQueue queue(Made(patient), limits);
+    CCommandQueue queue(Made(Limits(1'000'000)), limits);
     Add(queue, 1, kEndless);
     Add(queue, 2, kEndless);
     RunUntil(2);
@@ -276,18 +266,16 @@ TEST_F(CommandQueue, TheTimesOfAllTurnsCount)
 
 TEST_F(CommandQueue, TheTimeThatOthersHadDoesNotCount)
 {
-    SandboxLimits busy = Limits();
-    busy.nMilliseconds = 700;
     QueueLimits limits;
     limits.turn = std::chrono::milliseconds(0);
     limits.longest = std::chrono::milliseconds(3000);
-    CCommandQueue queue(Made(busy), limits);
+    CCommandQueue queue(Made(Limits(700)), limits);
     constexpr std::size_t kClients = 6; // together longer than any one may take
     for (std::size_t nClient = 1; nClient <= kClients; nClient++)
         Add(queue, std::int64_t(nClient), kEndless);
     RunUntil(kClients);
     for (const CommandReply& reply : m_replies)
-        EXPECT_EQ(reply.strError, ProcessorTimeText(busy.nMilliseconds));
+        EXPECT_EQ(reply.strError, ProcessorTimeText(700));
 }
 
 TEST_F(CommandQueue, TheTimeOfWaitingForAChangeDoesNotCount)
