@@ -25,7 +25,7 @@ namespace
 
 constexpr int kSoundsOfAView = 6;
 constexpr std::int64_t kFrames = 480;
-// What a server keeps of each region, in memory and in the text of its file.
+// What a server may keep of each region, such as pages of its session.
 constexpr long kServerMemoryOfARegion = 4; // KiB
 // What is open in passing: the process that ran a server's last script, a connection to the bus
 // that comes or goes, a journal. One that each capture left open would soon be many.
