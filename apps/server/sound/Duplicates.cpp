@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <optional>
 #include <system_error>
 #include <vector>
@@ -17,6 +18,7 @@ namespace
 {
 
 constexpr std::int64_t kSamplesCompared = 262144;
+constexpr std::streamsize kBytesCompared = 1 << 20;
 
 // The number nWhole + dPart, 0 <= dPart < 1, as one end of an interval that does or does not
 // contain it. Kept apart because the sum would be rounded.
@@ -132,6 +134,28 @@ Region Beginning(Region region)
     return region;
 }
 
+// Whether the file is a copy of the region's, where telling by the audio would decode it.
+bool IsCopy(const Region& captured, const Region& region)
+{
+    std::error_code error;
+    if (captured.nStart != region.nStart || captured.channels != region.channels ||
+        CSoundFile(captured.strPath).FrameBytes() != 0 ||
+        std::filesystem::file_size(captured.strPath, error) !=
+            std::filesystem::file_size(region.strPath, error))
+        return false;
+    std::ifstream one(captured.strPath, std::ios::binary), other(region.strPath, std::ios::binary);
+    std::vector<char> bytes(kBytesCompared), otherBytes(kBytesCompared);
+    while (one && other)
+    {
+        one.read(bytes.data(), kBytesCompared);
+        other.read(otherBytes.data(), kBytesCompared);
+        if (one.gcount() != other.gcount() ||
+            !std::equal(bytes.begin(), bytes.begin() + one.gcount(), otherBytes.begin()))
+            return false;
+    }
+    return one.eof() && other.eof();
+}
+
 bool HasSameAudio(CSessionDatabase& session, const Region& captured, const Region& region)
 {
     if (IsSameStretch(captured, region))
@@ -139,7 +163,7 @@ bool HasSameAudio(CSessionDatabase& session, const Region& captured, const Regio
     // Takes of one place, of which there are many, differ from the beginning.
     if (!ReadsTheSame(Beginning(captured), Beginning(region)))
         return false;
-    if (captured.Length() <= kLongStretch)
+    if (captured.Length() <= kLongStretch || IsCopy(captured, region))
         return true;
     const std::optional<Fingerprint> one = FingerprintOf(session, captured);
     const std::optional<Fingerprint> other = FingerprintOf(session, region);

@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace Tarvane::Server
@@ -286,6 +287,37 @@ TEST_F(Fingerprinting, TheQuestionReadsTheNewFileAlone)
     EXPECT_LT(reads(), 2 * 3 * kLongStretch + kBytes * 5 / 4);
     m_session.SaveFingerprints();
     EXPECT_LT(reads(), 2 * 3 * kLongStretch + kBytes / 4);
+}
+
+TEST_F(Fingerprinting, ACopyOfACompressedFileIsNotDecoded)
+{
+    constexpr int kFlac = SF_FORMAT_FLAC | SF_FORMAT_PCM_24;
+    // Silence to begin with, which is equal from any frame on.
+    std::fill_n(m_samples.begin(), kLongStretch + 2, 0.0);
+    const Region region = Take("one.flac", m_samples, kFlac);
+    Add(region);
+    std::filesystem::copy_file(region.strPath, m_folder / "copy.flac");
+    const Region copy = RegionOf(m_folder / "copy.flac");
+    Settle(region.strPath);
+    Settle(copy.strPath);
+    EXPECT_TRUE(HasDuplicateOf(copy));
+    EXPECT_FALSE(m_session.HasNotedFingerprints());
+
+    m_samples.back() = m_samples.back() == 0.5 ? 0.25 : 0.5;
+    const Region other = Take("other.flac", m_samples, kFlac);
+    ASSERT_EQ(std::filesystem::file_size(other.strPath),
+              std::filesystem::file_size(region.strPath));
+    EXPECT_FALSE(HasDuplicateOf(other));
+    // The same file from another frame on.
+    Region later = copy;
+    later.nStart = 1;
+    later.nEnd = kFrames;
+    Region inSession = later;
+    inSession.nStart = 0;
+    inSession.nEnd = kFrames - 1;
+    inSession.nPosition = 1;
+    Add(inSession);
+    EXPECT_FALSE(HasDuplicateOf(later));
 }
 
 TEST_F(Fingerprinting, TakesThatDifferFromTheBeginningAreNotReadThrough)
