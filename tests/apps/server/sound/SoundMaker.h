@@ -25,7 +25,8 @@ inline std::string MakeSound(const std::filesystem::path& path, const std::vecto
     if (pFile != nullptr)
     {
         const auto nFrames = static_cast<sf_count_t>(samples.size()) / nChannels;
-        if ((nFormat & SF_FORMAT_SUBMASK) == SF_FORMAT_FLOAT)
+        const int nSubtype = nFormat & SF_FORMAT_SUBMASK;
+        if (nSubtype == SF_FORMAT_FLOAT || nSubtype == SF_FORMAT_DOUBLE)
         {
             EXPECT_EQ(sf_writef_double(pFile, samples.data(), nFrames), nFrames);
         }
