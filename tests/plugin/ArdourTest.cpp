@@ -123,7 +123,7 @@ protected:
         while (!session.host->WaitForLine("done", kLong * 3))
         {
             strSaid += session.host->Output();
-            ASSERT_THAT(strSaid, HasSubstr("step\tpunch")) << session.host->ErrorOutput();
+            ASSERT_THAT(strSaid, HasSubstr("step punch")) << session.host->ErrorOutput();
             ASSERT_LT(++nCrashes, 4) << session.host->ErrorOutput();
             session.host->WaitForEnd(kLong);
             session.Load();
