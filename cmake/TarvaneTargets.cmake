@@ -20,11 +20,17 @@ function(tarvane_target_defaults target)
   endif()
 endfunction()
 
-if(TARVANE_SANITIZE MATCHES "address" AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-  add_library(tarvane_leaks_from_main OBJECT
-    "${PROJECT_SOURCE_DIR}/tests/support/LeaksFromMain.cpp")
-  target_compile_options(tarvane_leaks_from_main PRIVATE -Wall -Wextra)
-  target_link_options(tarvane_leaks_from_main INTERFACE -Wl,--wrap=main)
+# What programs begin with that are checked by GCC's address sanitizer. Its data are full of
+# addresses, which are known beforehand in a program that is always loaded at the same place.
+if(TARVANE_SANITIZE MATCHES "address" AND CMAKE_OBJCXX_COMPILER_ID STREQUAL GNU)
+  add_library(tarvane_sanitized_start OBJECT
+    "${PROJECT_SOURCE_DIR}/tests/support/SanitizedStart.cpp")
+  target_compile_options(tarvane_sanitized_start PRIVATE -Wall -Wextra)
+  target_link_options(tarvane_sanitized_start INTERFACE -no-pie -Wl,--wrap=main)
+  foreach(function IN ITEMS objc_malloc FcFontMatch FcFontList GetMagickInfoList)
+    target_link_options(tarvane_sanitized_start INTERFACE
+      -Wl,--export-dynamic-symbol=${function})
+  endforeach()
 endif()
 
 # tarvane_add_library(<target> <Alias> SOURCES ... [LINK ...])
@@ -46,8 +52,8 @@ function(tarvane_add_program target)
   add_executable(${target} ${arg_SOURCES})
   tarvane_target_defaults(${target})
   target_link_libraries(${target} PRIVATE ${arg_LINK})
-  if(TARGET tarvane_leaks_from_main)
-    target_link_libraries(${target} PRIVATE tarvane_leaks_from_main)
+  if(TARGET tarvane_sanitized_start)
+    target_link_libraries(${target} PRIVATE tarvane_sanitized_start)
   endif()
 endfunction()
 

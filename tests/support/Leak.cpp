@@ -3,7 +3,9 @@
 
 int main()
 {
-    void* volatile pForgotten = std::malloc(100);
-    pForgotten = nullptr;
-    return pForgotten == nullptr ? 0 : 1;
+    // A register or the stack may still know the last one.
+    void* volatile pForgotten = nullptr;
+    for (int n = 0; n < 100; ++n)
+        pForgotten = std::malloc(100);
+    return pForgotten != nullptr ? 0 : 1;
 }
