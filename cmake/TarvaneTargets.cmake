@@ -15,7 +15,8 @@ function(tarvane_target_defaults target)
   set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
   if(TARVANE_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${TARVANE_SANITIZE} ${TARVANE_UNCHECKED}
-      -fno-sanitize-recover=all -fno-omit-frame-pointer)
+      -fno-sanitize-recover=all -fno-omit-frame-pointer
+      $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-fno-sanitize=function>)
     target_link_options(${target} PUBLIC -fsanitize=${TARVANE_SANITIZE})
   endif()
 endfunction()
@@ -67,6 +68,12 @@ function(tarvane_add_plugin target)
   target_link_libraries(${target} PRIVATE ${arg_LINK})
 endfunction()
 
+# Without these ccache knows no source again that is compiled with a precompiled header.
+set(tarvane_precompiled_for_ccache
+  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>
+  $<$<COMPILE_LANG_AND_ID:OBJCXX,GNU>:-fpch-preprocess>
+  "$<$<COMPILE_LANG_AND_ID:CXX,Clang>:SHELL:-Xclang -fno-pch-timestamp>")
+
 # tarvane_add_test(<target> SOURCES ... [LINK ...] [TIMEOUT seconds] [NO_MAIN] [DISPLAY] [LONG]
 #                  [JOINT] [SUITES])
 # A GoogleTest program; CTest discovers its cases. NO_MAIN: the sources bring their own main().
@@ -86,10 +93,8 @@ function(tarvane_add_test target)
   else()
     target_link_libraries(${target} PRIVATE GTest::gmock GTest::gmock_main)
   endif()
-  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-    target_precompile_headers(${target} REUSE_FROM tarvane_test_headers)
-    target_compile_options(${target} PRIVATE -fpch-preprocess) # for ccache
-  endif()
+  target_precompile_headers(${target} REUSE_FROM tarvane_test_headers)
+  target_compile_options(${target} PRIVATE ${tarvane_precompiled_for_ccache})
   if(arg_JOINT AND TARVANE_JOINT_FILES)
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON)
     # GCC takes a source that is compiled behind another one for a header, with its own namespaces

@@ -90,4 +90,13 @@ extern "C"
         ++gLibraryCalls.nMoves;
         return __real_memmove(pTarget, pSource, nSize);
     }
+#ifdef __has_feature
+#if __has_feature(address_sanitizer)
+    // What sources call for it that clang checks.
+    void* __wrap___asan_memmove(void* pTarget, const void* pSource, std::size_t nSize)
+    {
+        return __wrap_memmove(pTarget, pSource, nSize);
+    }
+#endif
+#endif
 }
