@@ -6,6 +6,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL Clang AND CMAKE_OBJCXX_COMPILER_ID STREQUAL GN
       CMAKE_CXX_LINK_EXECUTABLE CMAKE_CXX_CREATE_SHARED_LIBRARY CMAKE_CXX_CREATE_SHARED_MODULE)
     string(REPLACE "<CMAKE_CXX_COMPILER>" "${CMAKE_OBJCXX_COMPILER}" ${rule} "${${rule}}")
   endforeach()
+  # What GCC compiles does not tell the types of its functions, which clang looks for at calls.
+  set(TARVANE_UNKNOWN_TO_ONE $<$<COMPILE_LANGUAGE:CXX>:-fno-sanitize=function>)
 endif()
 
 # Checked programs are large: the fastest linker of those that come with GCC, but for the default

@@ -16,7 +16,7 @@ function(tarvane_target_defaults target)
   if(TARVANE_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${TARVANE_SANITIZE} ${TARVANE_UNCHECKED}
       -fno-sanitize-recover=all -fno-omit-frame-pointer
-      $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-fno-sanitize=function>)
+      ${TARVANE_UNKNOWN_TO_ONE})
     target_link_options(${target} PUBLIC -fsanitize=${TARVANE_SANITIZE})
   endif()
 endfunction()
