@@ -116,11 +116,26 @@ public:
         EXPECT_TRUE(Comes([&] { return ViewWindows() == nBefore; })) << "and closes";
         Pause(300);
     }
+    void OpenMenu() const
+    {
+        const auto nBefore = ViewWindows();
+        PointAt(340, 42);
+        Click();
+        EXPECT_TRUE(Comes([&] { return ViewWindows() > nBefore; })) << "the menu opens";
+    }
     static void Click()
     {
         Press();
         Release();
         Pause(300);
+    }
+
+    // What views show: their windows and, while it is open, a menu.
+    static std::ptrdiff_t ViewWindows()
+    {
+        const std::string strFound =
+            WhatSays({"xdotool", "search", "--onlyvisible", "--classname", "tarvane-link-view"});
+        return std::count(strFound.begin(), strFound.end(), '\n');
     }
 
     // 0 while there is none.
@@ -139,13 +154,6 @@ private:
     {
         Pause(150);
         OutputOf({"xdotool", "mouseup", "1"});
-    }
-    // What views show: their windows and, while it is open, a menu.
-    static std::ptrdiff_t ViewWindows()
-    {
-        const std::string strFound =
-            WhatSays({"xdotool", "search", "--onlyvisible", "--classname", "tarvane-link-view"});
-        return std::count(strFound.begin(), strFound.end(), '\n');
     }
 
     const std::string m_strName;
@@ -300,6 +308,36 @@ TEST_P(JalvWindow, RealClicksArmChooseTracksAndDisarm)
 }
 
 INSTANTIATE_TEST_SUITE_P(, JalvWindow, Values("jalv.gtk3", "jalv.qt5"), CProgramName());
+
+TEST_F(Jalv, AMenuIsLeftByAClickInTheHostAndByEscapeAndTheNextClickCounts)
+{
+    surroundings.StartServer();
+    Open("jalv.gtk3");
+    const auto nWindows = CJalv::ViewWindows();
+    host->OpenMenu();
+    host->PointAt(300, -12); // where the host's own menus stand
+    CJalv::Click();
+    EXPECT_TRUE(Comes([&] { return CJalv::ViewWindows() == nWindows; }));
+    host->ClickToggle();
+    Roll(123457);
+    ExpectRegions(0, 123457, "Dialogue");
+
+    const std::size_t nThere = SettledRegions();
+    host->OpenMenu();
+    OutputOf({"xdotool", "key", "Escape"}); // the host has the keyboard
+    EXPECT_TRUE(Comes([&] { return CJalv::ViewWindows() == nWindows; }));
+    host->ClickToggle();
+    Roll(500001);
+    Pause(500);
+    EXPECT_EQ(surroundings.TakeFiles().size(), nThere) << "not armed any more";
+
+    host->OpenMenu();
+    host->ClickToggle(); // in the view a click closes the menu, and nothing else
+    EXPECT_TRUE(Comes([&] { return CJalv::ViewWindows() == nWindows; }));
+    Roll(700000);
+    Pause(500);
+    EXPECT_EQ(surroundings.TakeFiles().size(), nThere);
+}
 
 TEST_F(Jalv, TwoInstancesHaveAWindowATrackAndATakeOfTheirOwn)
 {

@@ -1,7 +1,6 @@
 #import <AppKit/AppKit.h>
 
-#import <GNUstepGUI/GSDisplayServer.h>
-
+#include "platform/gnustep/AppKit/DisplayPresses.h"
 #include "platform/gnustep/AppKit/MethodReplacement.h"
 #import "platform/gnustep/AppKit/PopUpMenu.h"
 
@@ -79,9 +78,6 @@ class CTracking
     // The item that was chosen, or kNone.
     NSInteger Run()
     {
-        // Of clicks beside the menu too, in whatever window.
-        GSDisplayServer* server = GSServerForWindow(m_menu);
-        [server capturemouse:int([m_menu windowNumber])];
         while (!m_fDone)
         {
             NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
@@ -90,7 +86,7 @@ class CTracking
                                    untilDate:[NSDate dateWithTimeIntervalSinceNow:kLook]
                                       inMode:NSEventTrackingRunLoopMode
                                      dequeue:YES];
-            if (IsOver())
+            if (IsOver() || IsLeft(event))
                 End(kNone);
             else if (event == nil)
                 Look();
@@ -98,7 +94,6 @@ class CTracking
                 Handle(event);
             [pool drain];
         }
-        [server releasemouse];
         return m_nChosen;
     }
 
@@ -114,6 +109,18 @@ class CTracking
     {
         return [PlatformPopUpMenu openMenu] != m_menu || ![m_parent isVisible] ||
                [[m_menu rows] numberOfItems] == 0 || (m_fActive && ![NSApp isActive]);
+    }
+
+    // By a press in a window that is not ours, or by Escape while another program has the keyboard:
+    // ours comes as an event.
+    bool IsLeft(NSEvent* event)
+    {
+        const platform::CDisplayPresses::Presses presses = m_presses.Take();
+        const NSPoint point = [NSEvent mouseLocation];
+        m_fEscape = m_fEscape || presses.fEscape;
+        return (m_fEscape && event == nil) ||
+               (presses.fMouse && !NSPointInRect(point, [m_menu frame]) &&
+                !NSPointInRect(point, [m_parent frame]));
     }
 
     void MoveTo(NSPoint point)
@@ -224,6 +231,8 @@ class CTracking
     PlatformPopUpMenu* m_menu;
     NSWindow* m_parent;
     const bool m_fActive;
+    platform::CDisplayPresses m_presses;
+    bool m_fEscape = false;
     bool m_fClick = false; // as far as one can tell: a press that has not moved
     bool m_fDone = false;
     NSInteger m_nChosen = kNone;

@@ -1,3 +1,4 @@
+#include "tests/platform/AppKit/ForeignWindow.h"
 #include "tests/platform/AppKit/MenuWindow.h"
 
 #include <gtest/gtest.h>
@@ -206,6 +207,47 @@ TEST_F(OpenPopUp, ClickBesideItChoosesNothing)
     EXPECT_EQ([PlatformPopUpMenu openMenu], nil);
     EXPECT_EQ(m_window.target->m_nChoices, 0);
     EXPECT_EQ([m_window.button indexOfSelectedItem], 0);
+}
+
+void PointAt(const TarvaneTest::CForeignWindow&)
+{
+    const std::string middle = std::to_string(TarvaneTest::CForeignWindow::kMiddle);
+    Input("mousemove " + middle + " " + middle);
+}
+
+TEST_F(OpenPopUp, ClickInAnotherProgramsWindowClosesItAndReachesThatWindow)
+{
+    TarvaneTest::CForeignWindow other;
+    OpenByClick({[&] { PointAt(other); }, [] { Input("click 1"); }});
+    EXPECT_EQ([PlatformPopUpMenu openMenu], nil);
+    EXPECT_EQ(m_window.target->m_nChoices, 0);
+    EXPECT_EQ(other.TakePresses(), 1);
+}
+
+TEST_F(OpenPopUp, ScrollingElsewhereAndAPressInItThatIsDraggedThereLeaveItOpen)
+{
+    TarvaneTest::CForeignWindow other;
+    OpenByClick({[&] { PointAt(other); }, [] { Input("click 4 click 5"); }, [] {}, [] {},
+                 [] { MenuWindow::PointAtRow(1); }, [] { Input("mousedown 1"); },
+                 [&] { PointAt(other); }, [] {}, [] {}, [] { MenuWindow::PointAtRow(2); },
+                 [] { Input("mouseup 1"); }});
+    EXPECT_EQ(Chosen(), "Foley");
+    EXPECT_EQ(other.TakePresses(), 2);
+}
+
+TEST_F(OpenPopUp, ClickOnARowThatLiesOutsideTheButtonsWindowChooses)
+{
+    for (int n = 0; n < 12; ++n)
+        AddItems({("Track " + std::to_string(n)).c_str()});
+    OpenByClick({[] { MenuWindow::PointAtRow(14); },
+                 [&]
+                 {
+                     const NSPoint point = [NSEvent mouseLocation];
+                     EXPECT_FALSE(NSPointInRect(point, [m_window.window frame]));
+                     Input("mousedown 1");
+                 },
+                 [] {}, [] {}, [] { Input("mouseup 1"); }});
+    EXPECT_EQ(Chosen(), "Track 10");
 }
 
 TEST_F(OpenPopUp, ReleaseBesideItChoosesNothing)
