@@ -260,8 +260,11 @@ bool CDemo::Judge()
     }
     if (faults.empty())
     {
-        std::cout << "Checked: the server's session holds exactly these " << m_captures.size() - 1
-                  << " regions where they should be, and every acknowledge is right." << std::endl;
+        const std::size_t nRegions = m_captures.size() - 1;
+        std::cout << "Checked: the server's session holds exactly "
+                  << (nRegions == 1 ? "this 1 region where it"
+                                    : "these " + std::to_string(nRegions) + " regions where they")
+                  << " should be, and every acknowledge is right." << std::endl;
     }
     std::cout << "Results: " << (m_out.Path() / "session.txt").string() << "\n         "
               << (m_out.Path() / "link-view.png").string() << std::endl;

@@ -71,7 +71,9 @@ TEST_F(Demo, FilesOnTheCommandLineTakeTheirPlace)
 
 TEST_F(Demo, ASecondRunReplacesTheFirstAndNothingElse)
 {
-    EXPECT_EQ(RunDemo({One()}).nExitCode, 0);
+    const Ended first = RunDemo({One()});
+    EXPECT_EQ(first.nExitCode, 0);
+    EXPECT_THAT(first.strOutput, HasSubstr("holds exactly this 1 region where it should be"));
     std::ofstream(folder / "out/notes.txt") << "mine";
     const auto before = fs::last_write_time(folder / "out/session.tarvane");
     EXPECT_EQ(RunDemo({Two()}).nExitCode, 0);
